@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Everything that the operating system offers, as free functions: descriptors, files, processes,
+// threads. One source file a platform implements it, and is the only one that sees platform
+// headers.
+//
+// Texts that name files are bytes in the system's own encoding (UTF-8 on Linux, the active code
+// page on Windows), as they arrive in command lines.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace odbs::port {
+
+// ---- Descriptors ----
+
+// One read of at most `size` bytes. Returns the bytes read, 0 at the end of input, or -1 with errno
+// set. An interruption (EINTR) is reported as -1, not repeated: the caller decides.
+long readOnce(int fd, void* buffer, std::size_t size);
+
+// One write of at most `size` bytes; may write fewer. Returns the bytes written or -1 with errno
+// set.
+long writeOnce(int fd, const void* buffer, std::size_t size);
+
+// Writes all `size` bytes, continuing short and interrupted writes. Returns false when a write
+// fails for another reason; the bytes before it have left.
+bool writeAll(int fd, const void* buffer, std::size_t size);
+
+// Turns line-end translation off (Windows); nothing elsewhere.
+void setBinaryMode(int fd);
+
+// Writing to a pipe whose reader is gone becomes an error of the write instead of a signal.
+void ignoreBrokenPipe();
+
+// Asks for a pipe capacity in bytes; the system may refuse or round. Returns what is in force, or
+// -1 where it cannot be asked.
+long setPipeCapacity(int fd, long bytes);
+
+// Waits until `fd`, a pipe's reading end, has bytes or its end. Returns false when `timeoutMs`
+// milliseconds pass without either; a negative time-out waits for ever.
+bool waitReadable(int fd, int timeoutMs);
+
+// Closes the descriptor; the result is ignored.
+void closeDescriptor(int fd);
+
+// True when the descriptor is a terminal.
+bool isTerminal(int fd);
+
+// ---- Files ----
+
+// What is compared to tell whether a file changed.
+struct FileStatus {
+  bool exists = false;                // false: everything else is 0
+  bool isDirectory = false;           //
+  std::int64_t modificationTime = 0;  // opaque unit, as fine as the file system gives; comparable
+  std::int64_t size = 0;              // bytes
+  std::uint16_t inode = 0;            // low 16 bits of the inode number; always 0 on Windows
+};
+
+// The status of the file at `path`; of the file that a symbolic link names, not of the link.
+FileStatus fileStatus(const std::string& path);
+
+// Deletes a file. Returns false when it could not (also when there is none).
+bool removeFile(const std::string& path);
+
+// Renames a file without replacing on Windows, replacing on Linux. Returns 0 or an errno value.
+int renameFile(const std::string& from, const std::string& to);
+
+// Renames a file and replaces an existing target on both platforms, atomically where the system
+// can. Returns 0 or an errno value.
+int replaceFile(const std::string& from, const std::string& to);
+
+// Makes the file's bytes durable. Returns false when the file cannot be opened or synchronised.
+bool syncFile(const std::string& path);
+
+// The network ("universal") name of a path on a mapped drive. Returns an empty text when there is
+// none, which is always so on Linux.
+std::string universalName(const std::string& path);
+
+// The path of the running program.
+std::string executablePath();
+
+// ---- Processes ----
+
+int currentProcessId();
+
+// Ends the process at once with `status`: no static destructors, no exit handlers, no flushing.
+[[noreturn]] void endProcess(int status);
+
+// A process to be waited for. Value type; the handle is never closed, it lives until our own end.
+struct WatchedProcess {
+  std::intptr_t handle =
+      -1;      // a process handle (Windows) or a pidfd (Linux); -1: could not be opened
+  int id = 0;  // process id; used only where the handle could not be had
+};
+
+// Opens a process for waiting. Opening fails for a process that does not exist; waiting for it then
+// returns at once.
+WatchedProcess openProcess(int id);
+
+// Blocks until the process has ended; returns at once when it could not be opened.
+void waitForEnd(const WatchedProcess& process);
+
+// True when the process has ended, or never was.
+bool hasEnded(const WatchedProcess& process);
+
+// A child started with `startWithPipes`.
+struct Child {
+  int id = 0;                 // process id
+  std::intptr_t handle = -1;  // process handle on Windows
+  int toChild = -1;           // descriptor: what is written here, the child reads
+  int fromChild = -1;         // descriptor: what the child writes
+};
+
+// Starts `program` with two pipes and the arguments made from `arguments` by replacing "{in}" and
+// "{out}" by the numbers of the descriptors that the child inherits. Standard error is inherited
+// too. Throws std::runtime_error, naming the program and the reason.
+Child startWithPipes(const std::string& program, const std::vector<std::string>& arguments);
+
+// Waits until the child ended. Returns its exit status, 128 + n when signal n ended it, or -1 when
+// `timeoutMs` milliseconds passed (a negative time-out waits for ever). The child is reaped once;
+// a second call returns -1.
+int waitForChild(Child& child, int timeoutMs);
+
+// Ends a process at once, without any clean-up of its own.
+void killProcess(const Child& child);
+
+// ---- Threads, memory ----
+
+// Starts a thread that nobody waits for, with a stack of `stackBytes` (raised to the system's
+// minimum). Returns false when it could not be started.
+bool startThread(void (*function)(void*), void* argument, std::size_t stackBytes);
+
+// Suspends the calling thread.
+void sleepMs(int milliseconds);
+
+// The largest resident memory of this process so far, in bytes.
+std::int64_t peakMemory();
+
+}  // namespace odbs::port

@@ -72,6 +72,17 @@ int renameFile(const std::string& from, const std::string& to);
 // can. Returns 0 or an errno value.
 int replaceFile(const std::string& from, const std::string& to);
 
+// Opens a file for binary writing, made when there is none, its present bytes kept. Returns a
+// descriptor that is not inherited, or -1.
+int openForWriting(const std::string& path);
+
+// Makes an empty file. Returns false when it exists already or cannot be made; of several processes
+// that try at once, one succeeds.
+bool createExclusively(const std::string& path);
+
+// Cuts the file of a descriptor to no bytes. Returns false when it cannot.
+bool truncateFile(int fd);
+
 // Makes the file's bytes durable. Returns false when the file cannot be opened or synchronised.
 bool syncFile(const std::string& path);
 

@@ -98,6 +98,20 @@ int replaceFile(const std::string& from, const std::string& to) {
   return renameFile(from, to);
 }
 
+int openForWriting(const std::string& path) {
+  return ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+}
+
+bool createExclusively(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (fd >= 0) ::close(fd);
+  return fd >= 0;
+}
+
+bool truncateFile(int fd) {
+  return ::ftruncate(fd, 0) == 0;
+}
+
 bool syncFile(const std::string& path) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;

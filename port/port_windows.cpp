@@ -112,6 +112,22 @@ int replaceFile(const std::string& from, const std::string& to) {
   return ::GetLastError() == ERROR_FILE_NOT_FOUND ? ENOENT : EACCES;
 }
 
+int openForWriting(const std::string& path) {
+  return ::_open(path.c_str(), _O_WRONLY | _O_CREAT | _O_BINARY | _O_NOINHERIT,
+                 _S_IREAD | _S_IWRITE);
+}
+
+bool createExclusively(const std::string& path) {
+  const int fd = ::_open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT,
+                         _S_IREAD | _S_IWRITE);
+  if (fd >= 0) ::_close(fd);
+  return fd >= 0;
+}
+
+bool truncateFile(int fd) {
+  return ::_chsize(fd, 0) == 0;
+}
+
 bool syncFile(const std::string& path) {
   const int fd = ::_open(path.c_str(), _O_RDWR | _O_BINARY);
   if (fd < 0) return false;

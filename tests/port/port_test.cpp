@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The seam to the operating system, on real files and real child processes.
+#include "port/port.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace odbs::port {
+namespace {
+
+#ifdef _WIN32
+const std::string kChild = std::string(ODBS_BIN_DIR) + "/port_child.exe";
+#else
+const std::string kChild = std::string(ODBS_BIN_DIR) + "/port_child";
+#endif
+
+class Files : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = std::filesystem::temp_directory_path() /
+              ("odbs_port_" + std::to_string(currentProcessId()));
+    std::filesystem::create_directories(folder_);
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(path(name), std::ios::binary) << text;
+  }
+  std::string read(const std::string& name) const {
+    std::ifstream in(path(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  std::filesystem::path folder_;
+};
+
+TEST_F(Files, StatusTellsSizeKindAndAbsence) {
+  write("a", "12345");
+  const FileStatus file = fileStatus(path("a"));
+  EXPECT_TRUE(file.exists);
+  EXPECT_FALSE(file.isDirectory);
+  EXPECT_EQ(5, file.size);
+  EXPECT_GT(file.modificationTime, 0);
+  EXPECT_TRUE(fileStatus(folder_.string()).isDirectory);
+  const FileStatus absent = fileStatus(path("none"));
+  EXPECT_FALSE(absent.exists);
+  EXPECT_EQ(0, absent.modificationTime);
+  EXPECT_EQ(0, absent.size);
+}
+
+TEST_F(Files, ReplaceOverwritesAndReportsWhatIsMissing) {
+  write("new", "new");
+  write("old", "old");
+  EXPECT_EQ(0, replaceFile(path("new"), path("old")));
+  EXPECT_EQ("new", read("old"));
+  EXPECT_FALSE(fileStatus(path("new")).exists);
+  EXPECT_EQ(ENOENT, renameFile(path("none"), path("other")));
+  EXPECT_NE(0, replaceFile(path("none"), path("old")));
+  EXPECT_EQ("new", read("old"));
+  EXPECT_TRUE(syncFile(path("old")));
+  EXPECT_FALSE(syncFile(path("none")));
+}
+
+TEST_F(Files, OpeningForWritingKeepsBytesUntilTruncated) {
+  write("a", "12345");
+  const int fd = openForWriting(path("a"));
+  ASSERT_GE(fd, 0);
+  EXPECT_EQ(5, fileStatus(path("a")).size);
+  EXPECT_TRUE(truncateFile(fd));
+  EXPECT_TRUE(writeAll(fd, "x\ny", 3));
+  closeDescriptor(fd);
+  EXPECT_EQ("x\ny", read("a"));
+  EXPECT_LT(openForWriting(path("no/such/folder")), 0);
+}
+
+TEST_F(Files, OnlyOneCreatesExclusively) {
+  EXPECT_TRUE(createExclusively(path("lock")));
+  EXPECT_FALSE(createExclusively(path("lock")));
+  EXPECT_TRUE(removeFile(path("lock")));
+  EXPECT_FALSE(removeFile(path("lock")));
+  EXPECT_TRUE(createExclusively(path("lock")));
+}
+
+TEST(Processes, AChildGetsItsDescriptorsAndArguments) {
+  Child child = startWithPipes(kChild, {"{in}", "{out}", "args", "a b", "", "q\"x\\", "c\\d e\\"});
+  std::string all;
+  char buffer[256];
+  for (long n; (n = readOnce(child.fromChild, buffer, sizeof buffer)) > 0;) {
+    all.append(buffer, static_cast<std::size_t>(n));
+  }
+  EXPECT_EQ("a b\n\nq\"x\\\nc\\d e\\\n", all);
+  EXPECT_EQ(0, waitForChild(child, 20000));
+  EXPECT_EQ(-1, waitForChild(child, 0));
+}
+
+TEST(Processes, BytesPassUnchangedInBothDirections) {
+  Child child = startWithPipes(kChild, {"{in}", "{out}", "echo"});
+  EXPECT_FALSE(waitReadable(child.fromChild, 50));
+  const std::string sent("\r\n\x1A\0z", 5);
+  ASSERT_TRUE(writeAll(child.toChild, sent.data(), sent.size()));
+  std::string back(5, ' ');
+  for (std::size_t got = 0; got < 5;) {
+    ASSERT_TRUE(waitReadable(child.fromChild, 20000));
+    const long n = readOnce(child.fromChild, &back[got], 5 - got);
+    ASSERT_GT(n, 0);
+    got += static_cast<std::size_t>(n);
+  }
+  EXPECT_EQ(sent, back);
+  closeDescriptor(child.toChild);
+  EXPECT_EQ(0, waitForChild(child, 20000));
+}
+
+TEST(Processes, ExitStatusKillingAndTimeOutAreTold) {
+  Child quick = startWithPipes(kChild, {"{in}", "{out}", "exit", "7"});
+  EXPECT_EQ(7, waitForChild(quick, 20000));
+  Child slow = startWithPipes(kChild, {"{in}", "{out}", "wait"});
+  const WatchedProcess watched = openProcess(slow.id);
+  EXPECT_FALSE(hasEnded(watched));
+  EXPECT_EQ(-1, waitForChild(slow, 30));
+  killProcess(slow);
+  waitForEnd(watched);
+  EXPECT_TRUE(hasEnded(watched));
+  EXPECT_EQ(137, waitForChild(slow, 20000));
+}
+
+TEST(Processes, WhatDoesNotExistHasEnded) {
+  for (const int id : {0, -1, 2147483647}) {
+    const WatchedProcess none = openProcess(id);
+    EXPECT_TRUE(hasEnded(none)) << id;
+    waitForEnd(none);
+  }
+  EXPECT_FALSE(hasEnded(openProcess(currentProcessId())));
+  EXPECT_THROW(startWithPipes("/no/such/program", {}), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace odbs::port

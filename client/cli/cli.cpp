@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "client/cli/cli.h"
+
+#include <climits>
+#include <cmath>
+
+#include "base/text.h"
+
+namespace odbs::client {
+
+namespace {
+
+constexpr double kDefaultTimeoutSeconds = 300;
+constexpr std::size_t kAnyNumber = static_cast<std::size_t>(-1);
+
+const std::vector<Subcommand>& subcommands() {
+  static const std::vector<Subcommand> table{
+      {"ping",
+       "",
+       "start a server and ask for its process id",
+       "Starts a server, asks for its process id and ends it: shows that it can be found, started\n"
+       "and talked to.\n",
+       0,
+       0,
+       {},
+       runPing},
+      {"model",
+       "FILE",
+       "summarise the model that a database holds",
+       "Prints title and analysis kind, and for each part instance its nodes, bounding box and\n"
+       "elements by type; sections with kind, material and layers; materials with density and\n"
+       "elastic data; rigid bodies, analytic surfaces, and what the server said while opening.\n",
+       1,
+       1,
+       {},
+       runModel},
+      {"send",
+       "FILE LINE...",
+       "send raw command lines, print every record of the replies",
+       "Sends each LINE as it stands, after replacing every {} in it by FILE, and prints each\n"
+       "record of its reply decoded: the record's position in the stream, its kind, its fields.\n"
+       "Lines that have no reply by nature (C, D, d, ho, hb, irc, q) print none.\n"
+       "  odb_client send job.odb 'u {}' 'g {}'\n"
+       "  odb_client send - p 'm 2 3'\n",
+       2,
+       kAnyNumber,
+       {},
+       runSend},
+  };
+  return table;
+}
+
+const char* const kCommonHelp =
+    "Options of every command:\n"
+    "  --server PATH     the server program; default: odb_server beside this program, else the\n"
+    "                    one that the environment variable ODB_SERVER names\n"
+    "  --timeout SECONDS give up when the server is silent for so long; default 300, 0: never\n"
+    "  --format FORMAT   table (default), csv, or jsonl: one JSON object a line\n"
+    "  --help            this text, or a command's own after its name\n"
+    "  --version         print the version\n"
+    "Exit status: 0 answered; 1 failed (no server, a database that does not open, a malformed\n"
+    "reply, a time-out; the reason is on standard error); 2 the command line is wrong.\n";
+
+void printHelp(std::ostream& out) {
+  out << "odb_client starts an odb_server, asks it, prints the answer and ends it.\n\n"
+         "Usage: odb_client COMMAND [ARGUMENTS] [OPTIONS]\n\nCommands:\n";
+  for (const Subcommand& row : subcommands()) {
+    std::string synopsis = std::string("  ") + row.name + " " + row.arguments;
+    synopsis.resize(std::max<std::size_t>(synopsis.size() + 2, 22), ' ');
+    out << synopsis << row.summary << "\n";
+  }
+  out << "\n" << kCommonHelp << "\nExample:\n  odb_client model job.odb --format jsonl\n";
+}
+
+void printCommandHelp(const Subcommand& row, std::ostream& out) {
+  out << "Usage: odb_client " << row.name << " " << row.arguments << " [OPTIONS]\n\n"
+      << row.help << "\n"
+      << kCommonHelp;
+}
+
+const Subcommand& findSubcommand(const std::string& name) {
+  for (const Subcommand& row : subcommands()) {
+    if (name == row.name) return row;
+  }
+  throw UsageError("there is no command \"" + name + "\"");
+}
+
+Format formatOf(const std::string& name) {
+  if (name == "table") return Format::kTable;
+  if (name == "csv") return Format::kCsv;
+  if (name == "jsonl") return Format::kJsonl;
+  throw UsageError("--format wants table, csv or jsonl, not \"" + name + "\"");
+}
+
+int timeoutOf(const std::string& seconds) {
+  const std::optional<double> value = parseReal(seconds);
+  if (!value || !std::isfinite(*value) || *value < 0) {
+    throw UsageError("--timeout wants a number of seconds, not \"" + seconds + "\"");
+  }
+  if (*value == 0) return -1;
+  return static_cast<int>(std::min(std::ceil(*value * 1000), double{INT_MAX}));
+}
+
+struct CommandLine {
+  const Subcommand* subcommand = nullptr;
+  std::vector<std::string> arguments;
+  std::vector<std::pair<std::string, std::string>> options;
+  StartOptions start;
+  Format format = Format::kTable;
+  bool help = false;
+  bool version = false;
+};
+
+bool isOwnOption(const CommandLine& line, const std::string& name) {
+  if (line.subcommand == nullptr) return false;
+  for (const char* own : line.subcommand->options) {
+    if (name == own) return true;
+  }
+  return false;
+}
+
+void takeOption(CommandLine& line, const std::string& name, const std::string& value) {
+  if (name == "--server") {
+    line.start.server = value;
+  } else if (name == "--timeout") {
+    line.start.timeoutMs = timeoutOf(value);
+  } else if (name == "--format") {
+    line.format = formatOf(value);
+  } else if (isOwnOption(line, name)) {
+    line.options.emplace_back(name, value);
+  } else {
+    throw UsageError("there is no option \"" + name + "\"");
+  }
+}
+
+// Options may stand anywhere, as "--name value" or "--name=value"; after "--" nothing is one.
+CommandLine parse(const std::vector<std::string>& arguments) {
+  CommandLine line;
+  line.start.timeoutMs = static_cast<int>(kDefaultTimeoutSeconds * 1000);
+  bool optionsEnded = false;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    if (optionsEnded || !startsWith(argument, "--")) {
+      if (line.subcommand == nullptr) {
+        line.subcommand = &findSubcommand(argument);
+      } else {
+        line.arguments.push_back(argument);
+      }
+    } else if (argument == "--") {
+      optionsEnded = true;
+    } else if (argument == "--help") {
+      line.help = true;
+    } else if (argument == "--version") {
+      line.version = true;
+    } else if (const std::size_t equals = argument.find('='); equals != std::string::npos) {
+      takeOption(line, argument.substr(0, equals), argument.substr(equals + 1));
+    } else if (i + 1 < arguments.size()) {
+      takeOption(line, argument, arguments[i + 1]);
+      ++i;
+    } else {
+      throw UsageError(argument + " wants a value");
+    }
+  }
+  return line;
+}
+
+void checkArguments(const CommandLine& line) {
+  if (line.subcommand == nullptr) throw UsageError("a command is missing");
+  const Subcommand& row = *line.subcommand;
+  if (line.arguments.size() >= row.leastArguments && line.arguments.size() <= row.mostArguments) {
+    return;
+  }
+  throw UsageError(std::string("the command is: odb_client ") + row.name + " " + row.arguments);
+}
+
+}  // namespace
+
+std::string Call::option(const std::string& name, const std::string& otherwise) const {
+  std::string text = otherwise;
+  for (const auto& [given, value] : options) {
+    if (given == name) text = value;
+  }
+  return text;
+}
+
+int runClient(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+  try {
+    const CommandLine line = parse(arguments);
+    if (line.help) {
+      line.subcommand ? printCommandHelp(*line.subcommand, out) : printHelp(out);
+      return kDone;
+    }
+    if (line.version) {
+      out << "odb_client " << ODBS_VERSION << "\n";
+      return kDone;
+    }
+    checkArguments(line);
+    Report report(out, line.format);
+    Call call{line.arguments, line.options, line.start, report, err};
+    line.subcommand->run(call);
+    return kDone;
+  } catch (const UsageError& error) {
+    err << "odb_client: " << error.what() << "\nTry: odb_client --help\n";
+    return kUsage;
+  } catch (const std::exception& error) {
+    err << "odb_client: " << printable(error.what()) << "\n";
+    return kFailed;
+  }
+}
+
+}  // namespace odbs::client

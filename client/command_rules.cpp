@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "client/command_rules.h"
+
+#include <cstdio>
+#include <string>
+
+#include "base/text.h"
+
+namespace odbs::client {
+
+namespace {
+
+struct Row {
+  std::string_view start;  // the line's first characters; the first row that fits counts
+  ReplyEnd end;
+  RecordFamily family;
+};
+
+// Whatever is not here is acknowledged and sends messages at most.
+constexpr Row kRows[] = {
+    {"C", ReplyEnd::kNone, RecordFamily::kOther},
+    {"D", ReplyEnd::kNone, RecordFamily::kOther},
+    {"d", ReplyEnd::kNone, RecordFamily::kOther},
+    {"G", ReplyEnd::kAcknowledged, RecordFamily::kModel},
+    {"g", ReplyEnd::kAcknowledged, RecordFamily::kModel},
+    {"hb", ReplyEnd::kNone, RecordFamily::kOther},
+    {"ho", ReplyEnd::kNone, RecordFamily::kOther},
+    {"irc", ReplyEnd::kNone, RecordFamily::kOther},
+    {"m", ReplyEnd::kAcknowledged, RecordFamily::kThroughput},
+    {"q", ReplyEnd::kNone, RecordFamily::kOther},
+    {"u", ReplyEnd::kUpgradeCheck, RecordFamily::kUpgradeCheck},
+};
+
+// "M r n" sends r times n bytes; a count that is missing, zero or negative sends none.
+std::uint64_t rawBytesOf(std::string_view line) {
+  const std::string arguments(line.substr(line.size() < 2 ? line.size() : 2));
+  int repetitions = 0, bytes = 0;
+  if (std::sscanf(arguments.c_str(), "%d %d", &repetitions, &bytes) != 2) return 0;
+  if (repetitions <= 0 || bytes <= 0) return 0;
+  return static_cast<std::uint64_t>(repetitions) * static_cast<std::uint64_t>(bytes);
+}
+
+}  // namespace
+
+ReplyRule replyRule(std::string_view line) {
+  ReplyRule rule;
+  for (const Row& row : kRows) {
+    if (startsWith(line, row.start)) {
+      rule.end = row.end;
+      rule.family = row.family;
+      break;
+    }
+  }
+  if (startsWith(line, "M")) rule.nRawBytes = rawBytesOf(line);
+  return rule;
+}
+
+}  // namespace odbs::client

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// odb_client's answers, formats and exit statuses.
+#include "client/cli/cli.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+
+namespace odbs::client::test {
+namespace {
+
+std::string fakeServerPath() {
+  std::string path = std::string(ODBS_BIN_DIR) + "/client_fake_server";
+#ifdef _WIN32
+  path += ".exe";
+#endif
+  return path;
+}
+
+struct Outcome {
+  int status;
+  std::string out, err;
+};
+
+Outcome run(const std::vector<std::string>& arguments) {
+  std::ostringstream out, err;
+  const int status = runClient(arguments, out, err);
+  return {status, out.str(), err.str()};
+}
+
+Outcome runOnFake(std::vector<std::string> arguments) {
+  arguments.insert(arguments.end(), {"--server", fakeServerPath(), "--timeout", "20"});
+  return run(arguments);
+}
+
+// A title, a kind, two nodes, a truss, a solid section, a message with an escape in it.
+const char* const kSmallModel =
+    "09 00 7c 04 00 00 00 1b 5b 31 6d 06 00 01 01 00 00 00 54 05 00 02 00 00 00 00 "
+    "17 00 24 01 00 00 00 01 00 00 00 53 fa ff ff ff 01 00 00 00 4d 00 00 00 00 "
+    "0d 00 03 01 00 00 00 00 00 00 00 00 00 80 3f 0d 00 03 02 00 00 00 00 00 00 40 00 00 00 bf "
+    "19 00 04 54 32 44 32 20 20 20 20 05 00 00 00 01 00 00 00 01 00 00 00 02 00 00 00 01 00 7e";
+
+TEST(Cli, ExplainsItselfAndItsCommands) {
+  const Outcome all = run({"--help"});
+  EXPECT_EQ(all.status, kDone);
+  for (const char* word : {"ping", "model", "send", "--server", "ODB_SERVER", "Exit status"}) {
+    EXPECT_NE(all.out.find(word), std::string::npos) << word;
+  }
+  EXPECT_EQ(run({"model", "--help"}).status, kDone);
+  EXPECT_EQ(run({"--version"}).out.rfind("odb_client ", 0), 0u);
+}
+
+TEST(Cli, RefusesWrongCommandLinesWithStatus2) {
+  const std::vector<std::vector<std::string>> kWrong{{},
+                                                     {"dance"},
+                                                     {"model"},
+                                                     {"ping", "x"},
+                                                     {"model", "a", "b"},
+                                                     {"send", "a"},
+                                                     {"ping", "--x"},
+                                                     {"ping", "--x=1"},
+                                                     {"ping", "--server"},
+                                                     {"ping", "--timeout", "soon"},
+                                                     {"ping", "--timeout=-1"},
+                                                     {"ping", "--format", "xml"}};
+  for (const auto& arguments : kWrong) {
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.status, kUsage) << (arguments.empty() ? "" : arguments.back());
+    EXPECT_NE(outcome.err.find("--help"), std::string::npos);
+    EXPECT_EQ(outcome.out, "");
+  }
+}
+
+TEST(Cli, FailsWithStatus1WhenThereIsNoServer) {
+  const Outcome outcome = run({"ping", "--server", "/no/such/server"});
+  EXPECT_EQ(outcome.status, kFailed);
+  EXPECT_NE(outcome.err.find("/no/such/server"), std::string::npos) << outcome.err;
+}
+
+TEST(Cli, SummarisesAModel) {
+  const Outcome outcome = runOnFake({"model", kSmallModel});
+  EXPECT_EQ(outcome.status, kDone) << outcome.err;
+  for (const char* piece :
+       {"T2D2", "homogeneous solid", "(the only one)", "standard", "\\x1b[1m"}) {
+    EXPECT_NE(outcome.out.find(piece), std::string::npos) << piece << "\n" << outcome.out;
+  }
+  EXPECT_EQ(outcome.out.find('\x1b'), std::string::npos);
+}
+
+TEST(Cli, WritesAModelAsJsonLinesAndCsv) {
+  const Outcome json = runOnFake({"model", kSmallModel, "--format", "jsonl"});
+  EXPECT_NE(json.out.find("{\"table\":\"instance\",\"instance\":\"(the only one)\",\"nodes\":2,"
+                          "\"elements\":1,\"dimensions\":2,\"box_least\":[0,-0.5],"
+                          "\"box_greatest\":[2,1]}\n"),
+            std::string::npos)
+      << json.out;
+  EXPECT_NE(json.out.find("{\"table\":\"message\",\"message\":\"\\u001b[1m\"}"), std::string::npos);
+  const Outcome csv = runOnFake({"model", kSmallModel, "--format=csv"});
+  EXPECT_NE(csv.out.find("table,instance,type,elements,nodes_each,without_section\n"
+                         "elements,(the only one),T2D2,1,2,0\n"),
+            std::string::npos)
+      << csv.out;
+}
+
+TEST(Cli, SaysWhenADatabaseDoesNotOpen) {
+  const Outcome outcome = runOnFake({"model", "01 00 7e"});
+  EXPECT_EQ(outcome.status, kFailed);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_NE(outcome.err.find("could not open 01 00 7e"), std::string::npos) << outcome.err;
+}
+
+TEST(Cli, SendsRawLinesAndPrintsEachRecord) {
+  const Outcome outcome = runOnFake(
+      {"send", "49", "x 01 00 {} 01 00 7e", "u 05 00 7c 01 00 00 00", "--format", "jsonl"});
+  EXPECT_EQ(outcome.status, kDone) << outcome.err;
+  EXPECT_EQ(outcome.out,
+            "{\"table\":\"record\",\"line\":\"x 01 00 49 01 00 7e\",\"offset\":0,\"length\":1,"
+            "\"tag\":\"0x49\",\"kind\":\"unknown\",\"body\":\"\"}\n"
+            "{\"table\":\"record\",\"line\":\"u 05 00 7c 01 00 00 00\",\"offset\":6,\"length\":5,"
+            "\"tag\":\"0x7c\",\"kind\":\"upgrade check\",\"upgrade_needed\":1}\n");
+}
+
+TEST(Cli, PrintsWhatCameBeforeAFailure) {
+  const Outcome outcome = runOnFake({"send", "-", "g 05 00 02 01 00 00 00 02 00 03 01 01 00 7e"});
+  EXPECT_EQ(outcome.status, kFailed);
+  EXPECT_NE(outcome.out.find("analysis kind"), std::string::npos);
+  EXPECT_NE(outcome.err.find("at byte 7: node record"), std::string::npos) << outcome.err;
+}
+
+TEST(Report, AlignsColumnsAndKeepsGoingAfterTheRowsThatItHeldBack) {
+  std::ostringstream out;
+  Report report(out, Format::kTable);
+  report.begin("row", {"name", "n"});
+  for (std::int64_t i = 0; i < 2500; ++i) report.row({std::string("r"), i});
+  report.end();
+  const std::string text = out.str();
+  EXPECT_EQ(text.substr(0, 30), "name    n\nr       0\nr       1\n");
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2501);
+  EXPECT_NE(text.find("r     2499\n"), std::string::npos);
+}
+
+TEST(Report, WritesTextsSafelyInEveryFormat) {
+  const std::string nasty = "a\"b,\n\x01\xff\xc3\xa4\xc2\x9b";
+  EXPECT_EQ(printable(nasty), "a\"b,\\n\\x01\\xff\xc3\xa4\\xc2\\x9b");
+  EXPECT_EQ(jsonText(nasty), "\"a\\\"b,\\u000a\\u0001\\u00ff\xc3\xa4\xc2\x9b\"");
+  EXPECT_EQ(jsonText(std::vector<float>{0.1f, std::nanf(""), 1e30f}), "[0.1,null,1e+30]");
+  EXPECT_EQ(jsonText(std::vector<std::vector<float>>{{1, 2}, {}}), "[[1,2],[]]");
+  EXPECT_EQ(plainText(0.1f), "0.1");
+  std::ostringstream out;
+  Report report(out, Format::kCsv);
+  report.begin("t", {"c"});
+  report.row({std::string("x,\"y\"")});
+  EXPECT_EQ(out.str(), "table,c\nt,\"x,\"\"y\"\"\"\n");
+}
+
+}  // namespace
+}  // namespace odbs::client::test

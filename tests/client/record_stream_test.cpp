@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Cutting the received bytes into records, and the rules that say how a reply ends.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "client/command_rules.h"
+#include "tests/client/bytes.h"
+
+namespace odbs::client::test {
+namespace {
+
+void put(RecordStream& stream, const std::string& bytes) {
+  std::size_t room = 0;
+  std::memcpy(stream.space(&room), bytes.data(), bytes.size());
+  stream.filled(bytes.size());
+}
+
+TEST(RecordStream, CutsBytesIntoRecordsHoweverTheyArrive) {
+  const std::string bytes = Bytes('H').text("A").framed() + Bytes('I').framed() +
+                            Bytes(3).u32(7).f32(1).framed() + std::string("\x01\x00~", 3);
+  const std::vector<std::pair<int, int>> expected{{'H', 0}, {'I', 8}, {3, 11}, {'~', 22}};
+  for (std::size_t chunk = 1; chunk <= bytes.size(); ++chunk) {
+    RecordStream stream;
+    std::vector<std::pair<int, int>> seen;
+    for (std::size_t at = 0; at < bytes.size(); at += chunk) {
+      put(stream, bytes.substr(at, chunk));
+      for (Record r; stream.take(r);) seen.emplace_back(r.tag, static_cast<int>(r.offset));
+    }
+    ASSERT_EQ(seen, expected) << "in chunks of " << chunk;
+    EXPECT_EQ(stream.pending(), 0u);
+  }
+}
+
+TEST(RecordStream, CarriesRecordsOfTheLargestSizeAcrossTheEndOfItsBuffer) {
+  RecordStream stream(1);
+  std::string payload(65535, 'x');
+  int nTaken = 0;
+  for (int i = 0; i < 20; ++i) {
+    payload[1] = static_cast<char>(i);
+    const std::string frame = "\xFF\xFF" + payload;
+    for (std::size_t at = 0; at < frame.size();) {
+      std::size_t room = 0;
+      unsigned char* space = stream.space(&room);
+      const std::size_t n = std::min({room, frame.size() - at, std::size_t{40000}});
+      ASSERT_GT(n, 0u);
+      std::memcpy(space, frame.data() + at, n);
+      stream.filled(n);
+      at += n;
+    }
+    for (Record record; stream.take(record); ++nTaken) {
+      ASSERT_EQ(record.size, 65534u);
+      ASSERT_EQ(record.body[0], nTaken);
+    }
+  }
+  EXPECT_EQ(nTaken, 20);
+}
+
+TEST(RecordStream, RefusesAFrameOfLengthZeroAndSaysWhere) {
+  RecordStream stream;
+  put(stream, Bytes('I').framed() + std::string(2, '\0'));
+  Record record;
+  ASSERT_TRUE(stream.take(record));
+  try {
+    stream.take(record);
+    FAIL() << "a frame of length 0 was taken";
+  } catch (const MalformedRecord& error) {
+    EXPECT_EQ(error.offset(), 3u);
+  }
+}
+
+TEST(CommandRules, TellHowEachReplyEnds) {
+  for (const char* line : {"C", "D 1 2 3 S", "d", "ho 3", "hb NAME", "irc 1 2 X", "q"}) {
+    EXPECT_EQ(replyRule(line).end, ReplyEnd::kNone) << line;
+  }
+  for (const char* line : {"", "g f", "G f", "hi f", "hr 1 f", "h", "ir", "irf f", "is", "p", "x",
+                           "a 3", "b 1", "c f", "l", "M 1 2", "m 1 2", "T f", "v 1"}) {
+    EXPECT_EQ(replyRule(line).end, ReplyEnd::kAcknowledged) << line;
+  }
+  EXPECT_EQ(replyRule("u f").end, ReplyEnd::kUpgradeCheck);
+}
+
+TEST(CommandRules, CountTheBytesOfTheRawTest) {
+  EXPECT_EQ(replyRule("M 3 40950").nRawBytes, 122850u);
+  EXPECT_EQ(replyRule("M 100000 100000").nRawBytes, 10000000000u);
+  for (const char* line : {"M", "M 3", "M -1 5", "M 5 0", "M x 5", "m 3 5"}) {
+    EXPECT_EQ(replyRule(line).nRawBytes, 0u) << line;
+  }
+}
+
+}  // namespace
+}  // namespace odbs::client::test

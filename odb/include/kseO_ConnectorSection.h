@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Forwards to the header that declares kseO_ConnectorSection.
+#pragma once
+#include <odb_SectionTypes.h>

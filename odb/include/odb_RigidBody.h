@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Analytic surfaces and rigid bodies.
+#pragma once
+
+#include <odb_Orientations.h>
+
+namespace odbs::engine {
+struct SurfaceData;
+struct SegmentData;
+struct RigidBodyData;
+}  // namespace odbs::engine
+
+// One piece of an analytic surface's profile.
+class odb_AnalyticSurfaceSegment : public odbs::Handle<odbs::engine::SegmentData> {
+ public:
+  using Handle::Handle;
+  odb_AnalyticSurfaceSegment() = default;
+  // A segment for a profile to be written. `type` is START, LINE, CIRCLE or PARABOLA; `data` are
+  // its points.
+  odb_AnalyticSurfaceSegment(const odb_String& type, const odb_SequenceSequenceFloat& data);
+  const odb_String& type() const;
+  const odb_SequenceSequenceFloat& data() const;
+
+ private:
+  std::shared_ptr<odbs::engine::SegmentData> own_;
+};
+
+ODBS_OBJECT_SEQUENCE(odb_SequenceAnalyticSurfaceSegment, odb_AnalyticSurfaceSegment);
+
+class odb_AnalyticSurface : public odbs::Handle<odbs::engine::SurfaceData> {
+ public:
+  using Handle::Handle;
+  const odb_String& name() const;
+  // SEGMENTS, CYLINDER or REVOLUTION.
+  const odb_String& type() const;
+  double filletRadius() const;
+  // Rows of coordinates that place the profile; empty when it lies in the part's own system.
+  const odb_SequenceSequenceFloat& localCoordData() const;
+  const odb_SequenceAnalyticSurfaceSegment& segments() const;
+};
+
+class odb_RigidBody : public odbs::Handle<odbs::engine::RigidBodyData> {
+ public:
+  using Handle::Handle;
+  odb_Set& referenceNodeSet() const;
+  odb_Set& referenceNode() const { return referenceNodeSet(); }
+  odb_Enum::odb_PositionEnum position() const;
+  bool isothermal() const;
+  bool hasAnalyticSurface() const;
+  // These throw odb_Exception when the body has none.
+  const odb_AnalyticSurface& analyticSurface() const;
+  odb_Set& elements() const;
+  odb_Set& tieNodes() const;
+  odb_Set& pinNodes() const;
+};
+
+ODBS_OBJECT_SEQUENCE(odb_SequenceRigidBody, odb_RigidBody);

@@ -13,14 +13,16 @@ import re
 import sys
 
 # Files of server/ that form its core; every other file there belongs to the shell above all layers.
-SERVER_CORE = {"channel", "record", "server_state", "sdk_adapter", "shutdown"}
+SERVER_CORE = {"allocation", "channel", "entity_records", "field_scanner", "label_chunks", "record",
+               "sdk_adapter", "sdk_embedded", "sdk_vendor", "server_state", "shutdown"}
 
 # Who may include whose headers. Units of one layer never include each other.
 MAY_INCLUDE = {
     "base": ["base"],
     "port": ["base", "port"],
-    "odb/include": ["odb/include"],
-    "odb/src": ["base", "port", "odb/include", "odb/src"],
+    "odb/include": ["odb/include", "odb engine"],
+    "odb engine": ["base", "port", "odb/include", "odb engine"],
+    "odb/src": ["base", "port", "odb/include", "odb engine", "odb/src"],
     "server core": ["base", "port", "odb/include", "server core"],
     "registry": ["base", "port", "odb/include", "server core", "registry"],
     "model": ["base", "port", "odb/include", "server core", "registry", "model"],
@@ -43,6 +45,9 @@ LIBRARIES = [
     ("the leak sanitizer's interface", r"sanitizer/", r"^server/shutdown\.cpp$"),
     ("GoogleTest", r"(gtest|gmock)/", r"^tests/"),
 ]
+# What the API cannot write, which a vendor's library has no name for.
+EMBEDDED_HEADER = "odb_embedded.h"
+EMBEDDED_FILES = r"^(odb|importer|tests|bench)/|^server/sdk_embedded\.h$"
 PLATFORM_FILES = r"^port/\w+\.cpp$"
 
 STANDARD = set("""
@@ -67,7 +72,7 @@ def unitOf(path):
     """The architecture's name of what a file belongs to, None where the table has no row."""
     parts = path.split("/")
     if parts[0] == "odb":
-        return "/".join(parts[:2])
+        return "odb engine" if parts[1:3] == ["include", "odb_engine"] else "/".join(parts[:2])
     if parts[0] == "server":
         stem = os.path.splitext(parts[-1])[0]
         return "server core" if stem in SERVER_CORE else "server shell"
@@ -100,8 +105,6 @@ class Checker:
     def __init__(self, root):
         self.root = root
         self.problems = []
-        include = os.path.join(root, "odb", "include")
-        self.apiHeaders = set(os.listdir(include)) if os.path.isdir(include) else set()
 
     def report(self, path, line, text, why):
         self.problems.append(f"{path}:{line}: {text}\n    {why}")
@@ -152,11 +155,19 @@ class Checker:
             return None
         return f"{unit} must not include {target}; allowed: " + ", ".join(MAY_INCLUDE[unit])
 
+    def isApiHeader(self, name):
+        return name.startswith("odb_") or os.path.isfile(os.path.join(self.root, "odb/include", name))
+
+    def apiFault(self, path, unit, name):
+        if name == EMBEDDED_HEADER and not re.search(EMBEDDED_FILES, path):
+            return f"{EMBEDDED_HEADER} is included by files that match {EMBEDDED_FILES} alone"
+        return self.unitFault(unit, unitOf("odb/include/" + name))
+
     def quotedFault(self, path, unit, name):
         if ".." in name.split("/"):
             return "allowed: names from the repository's root, without .."
         if "/" not in name:
-            if unit == "odb/include" and name in self.apiHeaders:
+            if unit == "odb/include" and self.isApiHeader(name):
                 return None
             return "allowed: names from the repository's root, as in \"base/bytes.h\""
         target = unitOf(name)
@@ -165,10 +176,10 @@ class Checker:
         return self.unitFault(unit, target)
 
     def angledFault(self, path, unit, name):
-        if name in self.apiHeaders:
-            return self.unitFault(unit, "odb/include")
         if name in STANDARD:
             return None
+        if self.isApiHeader(name):
+            return self.apiFault(path, unit, name)
         return self.libraryFault(path, name)
 
     def libraryFault(self, path, name):

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The reader's inside: where in the deck's structure reading stands, the helpers that all keywords
+// use, and one function per keyword. Functions are in read_*.cpp by subject.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "importer/deck.h"
+#include "importer/element_types.h"
+#include "importer/line_source.h"
+
+namespace odbs::importer {
+
+using Vec3 = std::array<double, 3>;
+
+class DeckParser {
+ public:
+  DeckParser(const std::string& path, std::function<void(double)> progress);
+  Deck parse();
+
+ private:
+  enum class Level { flat, part, assembly, instance };
+  using Handler = void (DeckParser::*)(const Keyword&);
+  struct KeywordRow {
+    std::string_view name;
+    Handler handler;
+  };
+  static const KeywordRow kKeywords[];
+
+  // ---- Helpers (deck_parser.cpp) ----
+  [[noreturn]] void fail(const std::string& reason) const { lines_.fail(reason); }
+  Scope& scope();
+  // A required parameter's value; fails at the keyword's line when it is missing or empty.
+  const std::string& required(const Keyword& keyword, std::string_view name) const;
+  std::int32_t labelOf(std::string_view field) const;
+  std::int64_t integerOf(std::string_view field) const;
+  double realOf(std::string_view field) const;
+  int pointsOf(std::string_view field, int fallback) const;
+  // The reals of a data line, blank fields as 0; at most `limit`.
+  std::vector<double> realsOf(std::string_view line, std::size_t limit) const;
+  // All data lines up to the next keyword, each as its fields.
+  std::vector<std::vector<std::string>> dataFields();
+  // "12", "SET", "INSTANCE.12" or "INSTANCE.SET".
+  Reference referenceOf(std::string_view field, std::int32_t owner = kOwn) const;
+  std::int32_t instanceIndex(const std::string& name) const;  // or -1
+  // The owner that the parameter INSTANCE names, kOwn without it.
+  std::int32_t ownerOf(const Keyword& keyword) const;
+  // The set that `reference` names, looked up where its owner keeps it; null when there is none.
+  const Set* findSet(const Reference& reference, bool elements) const;
+  void countGenerated(std::int64_t n);
+  void warn(Place place, const std::string& text);
+
+  // ---- Mesh (read_mesh.cpp) ----
+  void readNode(const Keyword&);
+  void readElement(const Keyword&);
+  void readSystem(const Keyword&);
+  void addElementLine(std::string_view line, std::size_t block, const ElementType& type,
+                      Set* elset);
+  Vec3 toGlobal(const Vec3& point) const;
+
+  // ---- Mesh generation (read_generation.cpp) ----
+  void readNgen(const Keyword&);
+  void readNfill(const Keyword&);
+  void readNcopy(const Keyword&);
+  void readElgen(const Keyword&);
+  void readElcopy(const Keyword&);
+  Vec3 nodeAt(std::int64_t label);
+  void generateNode(std::int64_t label, const Vec3& at, Set* nset);
+  void generateElement(std::int64_t label, ElementTable::Position master, std::int64_t nodeShift,
+                       Set* elset);
+  std::vector<std::int32_t> membersInOrder(const std::string& setName, bool elements);
+
+  // ---- Sets and surfaces (read_sets.cpp) ----
+  void readNset(const Keyword&);
+  void readElset(const Keyword&);
+  void readSet(const Keyword&, bool elements);
+  void addSetLine(std::string_view line, bool generate, bool elements, std::int32_t owner,
+                  Set& set);
+  void addNodesOfElements(const Keyword&, Set& set);
+  void readSurface(const Keyword&);
+  void readAnalyticSurface(const Keyword&);
+  void combineSurfaces(const Keyword&, Surface& surface);
+
+  // ---- Sections and orientations (read_sections.cpp) ----
+  void readSolidSection(const Keyword&);
+  void readShellSection(const Keyword&);
+  void readShellGeneralSection(const Keyword&);
+  void readMembraneSection(const Keyword&);
+  void readBeamSection(const Keyword&);
+  void readGasketSection(const Keyword&);
+  void readCohesiveSection(const Keyword&);
+  void readConnectorSection(const Keyword&);
+  void readMass(const Keyword&);
+  void readRotaryInertia(const Keyword&);
+  void readOtherSection(const Keyword&);
+  void readOrientation(const Keyword&);
+  Section startSection(const Keyword&, SectionKind kind, const std::string& word);
+  void readLayers(Section& section);
+
+  // ---- Materials (read_materials.cpp) ----
+  void readMaterial(const Keyword&);
+  void readDensity(const Keyword&);
+  void readElastic(const Keyword&);
+  void readFailStress(const Keyword&);
+  void readFailStrain(const Keyword&);
+  void readAcousticMedium(const Keyword&);
+  void readNoCompression(const Keyword&);
+  void readNoTension(const Keyword&);
+  Material& material(const Keyword&);
+  void readTable(Table& table, std::size_t nConstants);
+
+  // ---- Structure (read_assembly.cpp) ----
+  void readPart(const Keyword&);
+  void readEndPart(const Keyword&);
+  void readAssembly(const Keyword&);
+  void readEndAssembly(const Keyword&);
+  void readInstance(const Keyword&);
+  void readEndInstance(const Keyword&);
+  void readRigidBody(const Keyword&);
+
+  // ---- Steps (read_steps.cpp) ----
+  void readHeading(const Keyword&);
+  void readStep(const Keyword&);
+  void readEndStep(const Keyword&);
+  void readProcedure(const Keyword&);
+
+  // ---- Resolution (finish_deck.cpp) ----
+  void finish();
+  void finishMesh(Scope& content);
+  void checkConnectivity(const Scope& content);
+  const std::vector<std::int32_t>& sortedElements(const Scope& mesh);
+  void finishSets(SetTable& sets, const Scope& home, bool elements);
+  void finishMembers(Members& members, const Scope& home, bool elements, bool unsorted);
+  void finishSurfaces(Scope& content, const Scope& home);
+  void finishSections(Scope& content, const Scope& home);
+  void finishRigidBodies(Scope& content);
+  const Scope& homeOf(std::int32_t owner, const Scope& home) const;
+
+  LineSource lines_;
+  std::function<void(double)> progress_;
+  Deck deck_;
+  Level level_ = Level::flat;
+  std::int32_t part_ = -1, instance_ = -1;  // being read, in their levels
+  std::int32_t flatPart_ = -1;              // part that takes what stands outside of parts
+  bool assemblySeen_ = false;
+  bool inStep_ = false;
+  std::int32_t material_ = -1;
+  std::int64_t nGenerated_ = 0;
+  std::int64_t nResolved_ = 0;
+  std::unordered_map<const Scope*, std::vector<std::int32_t>> elementLabels_;
+  // *SYSTEM in force: origin and axes of the coordinates that *NODE gives.
+  bool systemSet_ = false;
+  Vec3 systemOrigin_{};
+  std::array<Vec3, 3> systemAxes_{};
+};
+
+// ---- Small vector algebra, shared by the reader's files ----
+
+Vec3 operator+(const Vec3& a, const Vec3& b);
+Vec3 operator-(const Vec3& a, const Vec3& b);
+Vec3 operator*(double s, const Vec3& a);
+double dot(const Vec3& a, const Vec3& b);
+Vec3 cross(const Vec3& a, const Vec3& b);
+double norm(const Vec3& a);
+// `point` turned about the axis from a to b by `degrees`, right-handed; unchanged when a equals b.
+Vec3 rotated(const Vec3& point, const Vec3& a, const Vec3& b, double degrees);
+
+}  // namespace odbs::importer

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What the name of an element type tells: its number of nodes, its space, its family.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace odbs::importer {
+
+enum class Space { unknown, threeD, planar, axisymmetric };
+
+enum class Family {
+  solid,      // three-dimensional continua, and gaskets and cohesive elements of their shape
+  planar,     // plane and axisymmetric continua: their faces are edges
+  shell,      // shells, membranes, surface and rigid elements with two sides
+  line,       // beams, pipes, trusses, axisymmetric shells
+  connector,  // CONN3D2, springs, dashpots, gaps: two ends
+  point,      // masses and the like
+  other       // not known here
+};
+
+struct ElementType {
+  int nNodes = 0;  // 0: not known, the deck's continuation lines decide
+  Space space = Space::unknown;
+  Family family = Family::other;
+  bool zeroNodes = false;   // label 0 stands for "no node" (ends of fluid networks)
+  bool extraNodes = false;  // a further node may follow: the orientation node of beams
+};
+
+// `name` is in upper case. Never fails: an unknown name gives an empty ElementType.
+ElementType elementTypeOf(std::string_view name);
+
+// Corner-node positions (from 0) of a solid's face 1 to 6, at most 4; returns their number, 0 when
+// there is no such face. Faces are numbered as decks number them (S1 to S6).
+int faceCorners(const ElementType& type, int face, int corners[4]);
+
+}  // namespace odbs::importer

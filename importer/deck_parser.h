@@ -148,6 +148,7 @@ class DeckParser {
   std::int32_t flatPart_ = -1;              // part that takes what stands outside of parts
   bool assemblySeen_ = false;
   bool inStep_ = false;
+  bool surplusWarned_ = false;  // elements with too many nodes: one warning a keyword
   std::int32_t material_ = -1;
   std::int64_t nGenerated_ = 0;
   std::int64_t nResolved_ = 0;

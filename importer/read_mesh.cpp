@@ -104,6 +104,7 @@ void DeckParser::readElement(const Keyword& keyword) {
   const std::string typeName = upperCase(required(keyword, "TYPE"));
   if (typeName.size() > 80) lines_.fail(keyword.place, "an element type of that length is unknown");
   const ElementType type = elementTypeOf(typeName);
+  surplusWarned_ = false;
   const std::size_t block = content.elements.blockOf(typeName);
   const Parameter* elsetName = keyword.find("ELSET");
   Set* elset =
@@ -175,8 +176,10 @@ void DeckParser::addElementLine(std::string_view line, std::size_t block, const 
   }
   if (wanted > 0 && nFields > wanted && !type.extraNodes) {
     // Solvers read as many as the type has; decks with a few too many are about.
-    warn(place, text + " has " + std::to_string(nFields) + " nodes; the first " +
-                    std::to_string(wanted) + " are taken");
+    if (!surplusWarned_)
+      warn(place, text + " has " + std::to_string(nFields) + " nodes; the first " +
+                      std::to_string(wanted) + " are taken");
+    surplusWarned_ = true;
   }
   if (nodes.empty()) lines_.fail(place, text + " has no nodes");
   content.elements.add(block, label, nodes.data(), inAssembly ? owners.data() : nullptr,

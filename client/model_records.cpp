@@ -119,7 +119,7 @@ const char* sectionKindName(SectionKind kind) {
     case SectionKind::kTruss:
       return "truss";
     case SectionKind::kPeg:
-      return "plane of generalised strain";
+      return "generalised plane strain";
     case SectionKind::kMembrane:
       return "membrane";
     case SectionKind::kGasket:

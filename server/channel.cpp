@@ -70,8 +70,8 @@ void flushOutput(int outputFd) {
   outputBuffer.fill = 0;
 }
 
-void writeDirect(int outputFd, const unsigned char* framed, std::size_t size) {
-  port::writeAll(outputFd, framed, size);
+bool writeDirect(int outputFd, const unsigned char* bytes, std::size_t size) {
+  return port::writeAll(outputFd, bytes, size);
 }
 
 }  // namespace odbs

@@ -42,9 +42,9 @@ std::string_view readCommandLine(int inputFd);
 // be written is lost: the protocol has no way to say so.
 void flushOutput(int outputFd);
 
-// Writes one framed record at once, past the output buffer. `framed` starts with the two length
-// bytes. Only to be used while the output buffer is empty, or the stream gets out of order.
-void writeDirect(int outputFd, const unsigned char* framed, std::size_t size);
+// Writes bytes at once, past the output buffer. For a framed record only while the output buffer is
+// empty, or the stream gets out of order. Returns false when not all could be written.
+bool writeDirect(int outputFd, const unsigned char* bytes, std::size_t size);
 
 // The fast way to append a record: writes the output buffer out first when the record would bring
 // it to the threshold, puts the two length bytes, and returns the place of the payload. The caller

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "server/label_chunks.h"
+
 namespace odbs {
 
 namespace {
@@ -13,11 +15,6 @@ constexpr unsigned char kAckTag = '~';
 constexpr unsigned char kMessageTag = '|';
 constexpr unsigned char kNameTag = 'H';
 constexpr unsigned char kMarkerTag = 'I';
-constexpr unsigned char kNodeLabelsTag = 0x08;
-constexpr unsigned char kElementLabelsTag = 0x09;
-constexpr unsigned char kElementLabelPairsTag = 0x0A;
-
-constexpr int kLabelsPerRecord = 30;
 
 // The record being built, with room for its frame, so that a direct record needs no copy.
 struct Staging {
@@ -36,17 +33,6 @@ unsigned char* stage(std::uint32_t n) {
   unsigned char* place = staging.frame + 2 + staging.length;
   staging.length += n;
   return place;
-}
-
-// Sends `n` items of `width` bytes in records of at most 30 items; `putItem(p, i)` puts item i.
-template <typename PutItem>
-void sendChunks(int outputFd, unsigned char tag, int n, std::uint32_t width, PutItem putItem) {
-  for (int first = 0; first < n; first += kLabelsPerRecord) {
-    const int k = std::min(kLabelsPerRecord, n - first);
-    unsigned char* p = reserveRecord(outputFd, 1 + width * static_cast<std::uint32_t>(k));
-    *p++ = tag;
-    for (int i = first; i < first + k; ++i, p += width) putItem(p, i);
-  }
 }
 
 }  // namespace
@@ -139,13 +125,13 @@ void sendMarker(int outputFd) {
 //   0       1     tag: 08 nodes, 09 elements
 //   1       4*k   labels, k from 1 to 30
 void sendNodeLabels(int outputFd, const int* labels, int n) {
-  sendChunks(outputFd, kNodeLabelsTag, n, 4,
-             [=](unsigned char* p, int i) { putI32(p, labels[i]); });
+  sendLabelChunks(outputFd, kNodeLabelsTag, n, 4,
+                  [=](unsigned char* p, int i) { putI32(p, labels[i]); });
 }
 
 void sendElementLabels(int outputFd, const int* labels, int n) {
-  sendChunks(outputFd, kElementLabelsTag, n, 4,
-             [=](unsigned char* p, int i) { putI32(p, labels[i]); });
+  sendLabelChunks(outputFd, kElementLabelsTag, n, 4,
+                  [=](unsigned char* p, int i) { putI32(p, labels[i]); });
 }
 
 // Element label pair chunk, buffered.
@@ -153,7 +139,7 @@ void sendElementLabels(int outputFd, const int* labels, int n) {
 //   0       1     tag 0A
 //   1       8*k   k times: element label, associated integer
 void sendElementLabelPairs(int outputFd, const int* labels, const int* associated, int n) {
-  sendChunks(outputFd, kElementLabelPairsTag, n, 8, [=](unsigned char* p, int i) {
+  sendLabelChunks(outputFd, kElementLabelPairsTag, n, 8, [=](unsigned char* p, int i) {
     putI32(p, labels[i]);
     putI32(p + 4, associated[i]);
   });

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The commands that manage open databases.
+#include "registry/database_commands.h"
+
+#include "registry/open_database.h"
+#include "registry/upgrade_check.h"
+#include "server/record.h"
+
+namespace odbs {
+
+namespace {
+
+constexpr unsigned char kUpgradeNeededTag = '|';
+
+// Upgrade-needed record, direct. Shares its tag with the message record.
+//   offset  size  content
+//   0       1     kUpgradeNeededTag
+//   1       4     1
+void sendUpgradeNeeded(int outputFd) {
+  beginRecord(kUpgradeNeededTag);
+  putU32(1);
+  sendDirect(outputFd);
+}
+
+}  // namespace
+
+void walkOpenDatabases(sdk::Repository& repository) {
+  try {
+    for (const std::string& key : sdk::openKeys(repository)) sdk::database(repository, key);
+  } catch (...) {
+  }
+}
+
+void closeCommand(sdk::Repository& repository, const std::string& path, int outputFd) {
+  try {
+    std::string key = path;
+    if (upgradeRequired(path)) {
+      announceUpgradedCopy(path, outputFd);
+      key = upgradedCopyOf(path);
+    }
+    if (!sdk::isOpen(repository, key)) return;
+    closeDatabase(repository, key);
+    forgetUpgradeCheck(path);
+  } catch (...) {
+  }
+}
+
+bool checkUpgradeCommand(const std::string& path, int outputFd) {
+  try {
+    if (!upgradeRequired(path)) return false;
+    if (!upgradedCopyIsStale(path) && !upgradeRequired(upgradedCopyOf(path))) return false;
+  } catch (...) {
+    return false;
+  }
+  sendUpgradeNeeded(outputFd);
+  return true;
+}
+
+}  // namespace odbs

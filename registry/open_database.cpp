@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Opening, reopening and evicting databases.
+#include "registry/open_database.h"
+
+#include <cstdint>
+#include <map>
+
+#include "port/port.h"
+#include "registry/canonical_path.h"
+#include "registry/database_caches.h"
+#include "registry/upgrade_check.h"
+
+namespace odbs {
+
+namespace {
+
+constexpr int kMostOpen = 4;  // an open that reaches this number evicts
+
+struct OpenFile {
+  port::FileStatus status;  // when the database was opened
+  std::uint32_t stamp = 0;  // the smallest is the least recently used
+  bool flag = false;        // set by the parent
+};
+
+// By repository key.
+std::map<std::string, OpenFile> openFiles;
+std::uint32_t stampCounter = 1;
+
+// The least recently used database but the new one, or an empty key.
+std::string evictionCandidate(sdk::Repository& repository, const std::string& newKey) {
+  const std::uint16_t newInode = port::fileStatus(newKey).inode;
+  std::string candidate;
+  std::uint32_t least = stampCounter + 1;
+  for (const std::string& key : sdk::openKeys(repository)) {
+    // Contract: 16 bits of the inode number. Where a file system has none, all numbers are 0 and
+    // nothing is ever evicted.
+    if (key == newKey || port::fileStatus(key).inode == newInode) continue;
+    const auto record = openFiles.find(key);
+    if (record == openFiles.end() || record->second.stamp > least) continue;
+    candidate = key;
+    least = record->second.stamp;
+  }
+  return candidate;
+}
+
+// Closes one database when too many are open. Its failures are not the new database's.
+void evict(sdk::Repository& repository, const std::string& newKey) {
+  try {
+    if (sdk::nOpen(repository) < kMostOpen) return;
+    std::string candidate = evictionCandidate(repository, newKey);
+    if (upgradeRequired(candidate)) candidate = upgradedCopyOf(candidate);
+    if (!sdk::isOpen(repository, candidate)) return;
+    closeDatabase(repository, candidate);
+    forgetUpgradeCheck(candidate);
+  } catch (...) {
+  }
+}
+
+odb_Odb& openNew(sdk::Repository& repository, const std::string& key) {
+  odb_Odb& odb = sdk::openReadOnly(repository, key);
+  openFiles[key] = {port::fileStatus(key), ++stampCounter, false};
+  evict(repository, key);
+  return odb;
+}
+
+// The open database `key`, opened again when its file has changed since.
+odb_Odb& revalidate(sdk::Repository& repository, const std::string& key,
+                    const std::string& askedFor) {
+  const auto found = openFiles.find(key);
+  if (found == openFiles.end()) return sdk::database(repository, key);
+  OpenFile& record = found->second;
+  if (sameFileState(port::fileStatus(key), record.status)) {
+    if (record.stamp != stampCounter) record.stamp = ++stampCounter;
+    return sdk::database(repository, key);
+  }
+  closeDatabase(repository, key);
+  forgetUpgradeCheck(askedFor);
+  return openNew(repository, key);
+}
+
+// The path that stands for `path`: itself, or its upgraded copy, which is made if need be.
+std::string currentRelease(sdk::Repository& repository, const std::string& path, int outputFd) {
+  if (!upgradeRequired(path)) return path;
+  const std::string copy = upgradedCopyOf(path);
+  if (announceUpgradedCopy(path, outputFd)) {
+    if (sdk::isOpen(repository, copy)) {
+      closeDatabase(repository, copy);
+      forgetUpgradeCheck(path);
+    }
+    sdk::upgrade(path, copy);
+  }
+  return copy;
+}
+
+// The key under which `path` is open, perhaps written in another way, or an empty text.
+std::string openKeyOf(sdk::Repository& repository, const std::string& path) {
+  if (sdk::isOpen(repository, path)) return path;
+  const std::string canonical = canonicalPath(path);
+  for (const std::string& key : sdk::openKeys(repository)) {
+    if (canonicalPath(key) == canonical) return key;
+  }
+  return {};
+}
+
+}  // namespace
+
+odb_Odb& openDatabase(sdk::Repository& repository, const std::string& path, int outputFd) {
+  try {
+    const std::string current = currentRelease(repository, path, outputFd);
+    const std::string key = openKeyOf(repository, current);
+    return key.empty() ? openNew(repository, current) : revalidate(repository, key, path);
+  } catch (...) {
+    throw OpenError();
+  }
+}
+
+void closeDatabase(sdk::Repository& repository, const std::string& key) {
+  resetDatabaseCaches(key);
+  sdk::close(repository, sdk::database(repository, key));
+  openFiles.erase(key);
+}
+
+void setDatabaseFlag(const odb_Odb& odb, bool flag) {
+  const auto record = openFiles.find(sdk::keyOf(odb));
+  if (record != openFiles.end()) record->second.flag = flag;
+}
+
+bool databaseFlag(const odb_Odb& odb) {
+  const auto record = openFiles.find(sdk::keyOf(odb));
+  return record != openFiles.end() && record->second.flag;
+}
+
+}  // namespace odbs

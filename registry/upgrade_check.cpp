@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Databases of older releases.
+#include "registry/upgrade_check.h"
+
+#include <map>
+
+#include "server/record.h"
+#include "server/sdk_adapter.h"
+
+namespace odbs {
+
+namespace {
+
+struct UpgradeCheck {
+  port::FileStatus status;  // when the library was asked
+  bool required = false;    // its answer
+};
+
+// By path, also of paths that are not open.
+std::map<std::string, UpgradeCheck> upgradeChecks;
+
+}  // namespace
+
+bool sameFileState(const port::FileStatus& a, const port::FileStatus& b) {
+  return a.modificationTime == b.modificationTime && a.size == b.size;
+}
+
+bool upgradeRequired(const std::string& path) {
+  const port::FileStatus status = port::fileStatus(path);
+  const auto known = upgradeChecks.find(path);
+  if (known == upgradeChecks.end()) {
+    const bool required = sdk::isUpgradeRequired(path);
+    upgradeChecks[path] = {status, required};
+    return required;
+  }
+  UpgradeCheck& check = known->second;
+  if (!sameFileState(status, check.status)) {
+    check.status = status;
+    check.required = sdk::isUpgradeRequired(path);
+  }
+  return check.required;
+}
+
+void forgetUpgradeCheck(const std::string& path) {
+  upgradeChecks.erase(path);
+}
+
+std::string upgradedCopyOf(const std::string& path) {
+  return path + ".odb";
+}
+
+bool upgradedCopyIsStale(const std::string& path) {
+  const port::FileStatus copy = port::fileStatus(upgradedCopyOf(path));
+  return !copy.exists || port::fileStatus(path).modificationTime > copy.modificationTime;
+}
+
+bool announceUpgradedCopy(const std::string& path, int outputFd) {
+  const bool stale = upgradedCopyIsStale(path);
+  sendMessage(outputFd,
+              (stale ? "odb upgrade to: " : "Found upgraded odb: ") + upgradedCopyOf(path));
+  return stale;
+}
+
+}  // namespace odbs

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The table of all commands: one row is one command. Lines that start with no row's letters are
+// unknown commands: they do nothing and are acknowledged, such as "h" and "i" with a second letter
+// that has no row.
+//
+// To give a command its work, change its handler: server/small_commands.cpp for what needs no
+// database, server/database_commands.cpp for what opens one. Rows whose handler opens a database
+// carry Guard::kDiscard.
+#include "server/command_table.h"
+
+#include "server/database_commands.h"
+#include "server/small_commands.h"
+
+namespace odbs {
+
+namespace {
+
+constexpr Acknowledge kAck = Acknowledge::kAlways;
+constexpr Acknowledge kSilent = Acknowledge::kNever;
+constexpr Acknowledge kUnless = Acknowledge::kUnlessAnswered;
+constexpr Guard kNone = Guard::kNone;
+constexpr Guard kDiscard = Guard::kDiscard;
+
+// clang-format off
+constexpr Command kCommands[] = {
+    // letters column ack    guard     handler               parameters            synopsis
+    {"C",   1, kSilent, kNone,    freeModeStresses,     "",                   "free the gathered stresses of eigenmodes"},
+    {"D",   1, kSilent, kNone,    selectFlagged,        "step frame pos var", "select a result, restricted to the region selection"},
+    {"d",   1, kSilent, kNone,    selectPlain,          "step frame pos var", "select a result"},
+    {"G",   2, kAck,    kDiscard, sendNodesOnly,        "path",               "model stream, nodes only"},
+    {"g",   2, kAck,    kDiscard, sendModel,            "path",               "model stream"},
+    {"M",   2, kAck,    kNone,    testRawThroughput,    "repetitions bytes",  "raw throughput test"},
+    {"m",   2, kAck,    kNone,    testFramedThroughput, "records integers",   "framed throughput test"},
+    {"S",   6, kAck,    kDiscard, sendSetsOnly,         "x y path",           "node and element sets"},
+    {"s",   6, kAck,    kDiscard, sendSetsAndSurfaces,  "x y path",           "node and element sets, and surfaces"},
+    {"T",   2, kAck,    kNone,    nameCatalogueCache,   "path",               "name the catalogue cache file"},
+    {"a",   1, kAck,    kNone,    createLabelList,      "capacity",           "create the label list"},
+    {"b",   1, kAck,    kNone,    appendLabels,         "label...",           "append to the label list"},
+    {"c",   2, kAck,    kNone,    closeOne,             "path",               "close a database"},
+    {"f",   3, kAck,    kDiscard, listResults,          "path",               "result catalogue, as the second letter says"},
+    {"hb",  3, kSilent, kNone,    appendHistoryName,    "name",               "append to the history region names"},
+    {"hi",  3, kAck,    kDiscard, listHistory,          "path",               "history overview"},
+    {"ho",  3, kSilent, kNone,    createHistoryNames,   "capacity",           "start a table of history region names"},
+    {"hr",  3, kAck,    kDiscard, sendHistoryValues,    "step path",          "history values of the named regions"},
+    {"irc", 3, kSilent, kNone,    appendRegionRequest,  "kind value name",    "append a region request"},
+    {"irf", 4, kAck,    kDiscard, resolveRegions,       "path",               "answer the region requests, empty the list"},
+    {"irs", 6, kAck,    kDiscard, sendRegionSets,       "x path",             "answer the region requests as sets, keep the list"},
+    {"is",  5, kAck,    kDiscard, sendSectionSummary,   "path",               "section summary"},
+    {"l",   1, kAck,    kNone,    walkOpen,             "",                   "walk the open databases"},
+    {"o",   2, kAck,    kDiscard, openOne,              "path",               "open a database"},
+    {"p",   1, kAck,    kNone,    ping,                 "",                   "ask for the server's process id"},
+    {"q",   1, kSilent, kNone,    quitServer,           "",                   "quit"},
+    {"r",   2, kAck,    kDiscard, sendResults,          "... path",           "values of the selected result, as the second letter says"},
+    {"u",   2, kUnless, kNone,    checkUpgradeOf,       "path",               "does opening this database run an upgrade?"},
+    {"v",   2, kAck,    kNone,    setVerbosity,         "level",              "set the verbosity"},
+};
+// clang-format on
+
+constexpr std::string_view lettersOf(const Command& command) {
+  return command.letters;
+}
+
+constexpr bool tableIsSound() {
+  for (const Command& row : kCommands) {
+    const std::string_view letters = lettersOf(row);
+    if (letters.empty() || letters[0] < 'C' || letters[0] > 'v') return false;
+    if (row.column < letters.size() || row.run == nullptr) return false;
+    int nSame = 0;
+    for (const Command& other : kCommands) nSame += lettersOf(other) == letters;
+    if (nSame != 1) return false;
+  }
+  return true;
+}
+static_assert(tableIsSound(), "a row without letters or handler, out of range, or given twice");
+
+}  // namespace
+
+const Command* findCommand(std::string_view line) {
+  const Command* found = nullptr;
+  for (const Command& row : kCommands) {
+    const std::string_view letters = lettersOf(row);
+    if (line.substr(0, letters.size()) == letters &&
+        (!found || letters.size() > lettersOf(*found).size())) {
+      found = &row;
+    }
+  }
+  return found;
+}
+
+CommandRows allCommands() {
+  return {kCommands, sizeof kCommands / sizeof kCommands[0]};
+}
+
+}  // namespace odbs

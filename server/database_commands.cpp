@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The commands that work on a database. An exporter is a free function over the open database and
+// the output descriptor; calling it here is all that it takes to give a command its work.
+#include "server/database_commands.h"
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "registry/database_commands.h"
+#include "registry/open_database.h"
+#include "server/field_scanner.h"
+#include "server/sdk_adapter.h"
+#include "server/server_state.h"
+
+namespace odbs {
+
+namespace {
+
+odb_Odb& open(const Call& call, const std::string& path) {
+  return openDatabase(sdk::openDatabases(), path, call.outputFd);
+}
+
+odb_Odb& open(const Call& call) {
+  return open(call, call.arguments);
+}
+
+bool isSet(char flag) {
+  return flag == '1';
+}
+
+// S and s: position 2 holds the per-database flag, position 4 says whether coupling sets are sent.
+void sendSets(Call& call, bool withSurfaces) {
+  odb_Odb& odb = open(call);
+  setDatabaseFlag(odb, isSet(call.at(2)));
+  const bool withCouplings = isSet(call.at(4));
+  static_cast<void>(withSurfaces);
+  static_cast<void>(withCouplings);
+}
+
+}  // namespace
+
+void sendNodesOnly(Call& call) {
+  open(call);
+}
+
+void sendModel(Call& call) {
+  open(call);
+}
+
+void sendSetsOnly(Call& call) {
+  sendSets(call, false);
+}
+
+void sendSetsAndSurfaces(Call& call) {
+  sendSets(call, true);
+}
+
+void closeOne(Call& call) {
+  closeCommand(sdk::openDatabases(), call.arguments, call.outputFd);
+}
+
+// The second letter names the variant of the listing, its capital form lists every frame. The
+// database is opened, and the mode is set, whether or not a listing follows.
+void listResults(Call& call) {
+  const char letter = call.at(1);
+  open(call);
+  if (std::strchr("dsvn", letter) && letter != '\0') {
+    serverState.catalogueMode = CatalogueMode::kLastFrame;
+  } else if (std::strchr("DSVN", letter) && letter != '\0') {
+    serverState.catalogueMode = CatalogueMode::kEveryFrame;
+  }
+}
+
+void listHistory(Call& call) {
+  open(call);
+}
+
+void sendHistoryValues(Call& call) {
+  const char* blank = std::strchr(call.arguments, ' ');
+  if (!blank) return;
+  open(call, blank + 1);
+}
+
+void resolveRegions(Call& call) {
+  open(call);
+  // Contract: kept when anything above failed.
+  serverState.regionRequests.clear();
+}
+
+void sendRegionSets(Call& call) {
+  odb_Odb& odb = open(call);
+  setDatabaseFlag(odb, isSet(call.at(4)));
+}
+
+void sendSectionSummary(Call& call) {
+  open(call);
+}
+
+void walkOpen(Call&) {
+  walkOpenDatabases(sdk::openDatabases());
+}
+
+void openOne(Call& call) {
+  open(call);
+}
+
+// The second letter says where the path stands: behind the first comma (l), behind the second colon
+// of a blank-free word (n, g), or at position 3.
+void sendResults(Call& call) {
+  const char* fromColumn3 = call.line.size() > 3 ? call.line.data() + 3 : "";
+  switch (call.at(1)) {
+    case 'l':
+    case 'L': {
+      const char* comma = std::strchr(call.arguments, ',');
+      if (comma) open(call, comma + 1);
+      break;
+    }
+    case 'n':
+    case 'N':
+    case 'g':
+    case 'G': {
+      const std::vector<std::string_view> items = split(FieldScanner(fromColumn3).nextWord(), ':');
+      if (items.size() < 3) break;
+      const std::string_view path(items[2].data());
+      open(call, std::string(FieldScanner(path).nextWord()));
+      break;
+    }
+    default:
+      open(call, fromColumn3);
+  }
+}
+
+void checkUpgradeOf(Call& call) {
+  call.answered = checkUpgradeCommand(call.arguments, call.outputFd);
+}
+
+}  // namespace odbs

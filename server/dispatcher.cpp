@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The command loop.
+#include "server/dispatcher.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "server/channel.h"
+#include "server/command_table.h"
+#include "server/record.h"
+#include "server/sdk_adapter.h"
+
+namespace odbs {
+
+namespace {
+
+void runHandler(const Command& command, Call& call) {
+  if (command.guard == Guard::kNone) {
+    command.run(call);
+    return;
+  }
+  try {
+    sdk::guarded([&] { command.run(call); });
+  } catch (const std::exception&) {
+    // Contract: the parent is told nothing. Records already appended stay in the buffer and leave
+    // with the next flush, behind this command's acknowledgement.
+  }
+}
+
+bool isAcknowledged(Acknowledge rule, const Call& call) {
+  switch (rule) {
+    case Acknowledge::kNever:
+      return false;
+    case Acknowledge::kUnlessAnswered:
+      return !call.answered;
+    case Acknowledge::kAlways:
+      break;
+  }
+  return true;
+}
+
+}  // namespace
+
+void runCommand(std::string_view line, int outputFd) {
+  Acknowledge rule = Acknowledge::kAlways;
+  Call call{line, line.data() + line.size(), outputFd};
+  if (const Command* command = findCommand(line)) {
+    rule = command->acknowledge;
+    call.arguments = line.data() + std::min<std::size_t>(command->column, line.size());
+    runHandler(*command, call);
+  }
+  if (isAcknowledged(rule, call)) sendAck(outputFd);
+}
+
+void runCommandLoop(int inputFd, int outputFd) {
+  for (;;) runCommand(readCommandLine(inputFd), outputFd);
+}
+
+}  // namespace odbs

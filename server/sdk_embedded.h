@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The embedded library's variant of the adapter; see server/sdk_adapter.h, which includes this.
+#pragma once
+
+#include <odb_API.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace odbs::sdk {
+
+using Repository = odb_OdbRepository;
+
+inline Repository& openDatabases() {
+  return odb_openDatabases();
+}
+
+inline bool isOpen(Repository& repository, const std::string& key) {
+  return repository.isMember(key.c_str());
+}
+
+inline odb_Odb& database(Repository& repository, const std::string& key) {
+  return repository.get(key.c_str());
+}
+
+inline int nOpen(Repository& repository) {
+  return repository.size();
+}
+
+inline std::vector<std::string> openKeys(Repository& repository) {
+  std::vector<std::string> keys;
+  odb_OdbRepositoryIT it(repository);
+  for (it.first(); !it.isDone(); it.next()) keys.emplace_back(it.currentKey().CStr());
+  return keys;
+}
+
+inline odb_Odb& openReadOnly(Repository&, const std::string& path) {
+  return openOdb(path.c_str(), true);
+}
+
+inline void close(Repository&, odb_Odb& odb) {
+  closeOdb(odb);
+}
+
+// Databases are open read-only here, and the main thread may be reading one at this moment: closing
+// under its hands would crash it. The end of the process closes the files just as well.
+inline void closeAllAtExit() {}
+
+// Everything that the embedded library throws derives from std::exception.
+template <typename Function>
+decltype(auto) guarded(Function&& function) {
+  return std::forward<Function>(function)();
+}
+
+inline std::string annotationText(odb_Odb& odb, const char* key) {
+  const auto& annotations = odb.userData().annotationObjects();
+  return annotations.isMember(key) ? annotations[key].text().CStr() : "";
+}
+
+inline bool hasCsys1(const odb_ConnectorOrientation& orientation) {
+  return orientation.hasCsys1();
+}
+
+inline bool hasCsys2(const odb_ConnectorOrientation& orientation) {
+  return orientation.hasCsys2();
+}
+
+inline bool hasAnalyticSurface(const odb_RigidBody& body) {
+  return body.hasAnalyticSurface();
+}
+
+}  // namespace odbs::sdk

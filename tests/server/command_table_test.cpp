@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Each row of the command table against a real server: what it answers, byte by byte, and where it
+// stays silent. And what the commands leave in the server's state, seen from inside.
+#include "server/command_table.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "server/dispatcher.h"
+#include "server/server_state.h"
+#include "server/shutdown.h"
+#include "tests/support/server_process.h"
+
+namespace odbs {
+namespace {
+
+using tests::kAckHex;
+using tests::ServerProcess;
+
+TEST(CommandTable, FindsTheLongestLetters) {
+  const auto lettersOf = [](const char* line) {
+    const Command* command = findCommand(line);
+    return std::string(command ? command->letters : "");
+  };
+  EXPECT_EQ(lettersOf("irc1 2 N"), "irc");
+  EXPECT_EQ(lettersOf("is   p"), "is");
+  EXPECT_EQ(lettersOf("fd p"), "f");
+  EXPECT_EQ(lettersOf("Cxyz"), "C");
+  for (const char* unknown : {"", "i", "ir", "irx", "ix", "h", "hx", "HI", "x", "B", "w", "P"}) {
+    EXPECT_EQ(lettersOf(unknown), "") << unknown;
+  }
+}
+
+// Every command with a path that leads nowhere, short lines, and unknown commands.
+TEST(CommandReplies, AreTheAcknowledgementAlone) {
+  ServerProcess server;
+  for (const char* line : {"G /nowhere.odb",
+                           "g /nowhere.odb",
+                           "G",
+                           "g",
+                           "S 0 0 /nowhere.odb",
+                           "s 1 1 /nowhere.odb",
+                           "S",
+                           "s 0",
+                           "T /nowhere/cache",
+                           "a 5",
+                           "a",
+                           "a -3",
+                           "b 1 2 3",
+                           "b",
+                           "c /nowhere.odb",
+                           "c",
+                           "fd /nowhere.odb",
+                           "fD /nowhere.odb",
+                           "fs /nowhere.odb",
+                           "fS /nowhere.odb",
+                           "fv /nowhere.odb",
+                           "fV /nowhere.odb",
+                           "fn /nowhere.odb",
+                           "fN /nowhere.odb",
+                           "fx /nowhere.odb",
+                           "f",
+                           "hi /nowhere.odb",
+                           "hi",
+                           "hr 1 /nowhere.odb",
+                           "hr 1",
+                           "hr",
+                           "h",
+                           "hx",
+                           "irf /nowhere.odb",
+                           "irf",
+                           "irs 1 /nowhere.odb",
+                           "irs",
+                           "ir",
+                           "irx",
+                           "is   /nowhere",
+                           "is",
+                           "i",
+                           "ix",
+                           "l",
+                           "o /nowhere.odb",
+                           "o",
+                           "rl 1 2,/nowhere.odb",
+                           "rl 1 2 /nowhere.odb",
+                           "rL",
+                           "rs /nowhere.odb",
+                           "rS /x",
+                           "rm /x",
+                           "rv /x",
+                           "rt /x",
+                           "rb /x",
+                           "rd /x",
+                           "rD /x",
+                           "rn S.INNER:S.OUTER:/x",
+                           "rn S:/x",
+                           "rn",
+                           "rg 1:2:/x",
+                           "rg",
+                           "rx /x",
+                           "r",
+                           "u /nowhere.odb",
+                           "u",
+                           "v 1",
+                           "v",
+                           "v -99999999999",
+                           "x",
+                           "",
+                           "A",
+                           "w",
+                           "~",
+                           "\x7f",
+                           "\xff",
+                           " p",
+                           "P"}) {
+    EXPECT_EQ(server.reply(line), kAckHex) << "\"" << line << "\"";
+  }
+}
+
+TEST(CommandReplies, AreAbsentForTheSilentCommands) {
+  ServerProcess server;
+  for (const char* line :
+       {"C", "C x", "D 1 2 0 S", "D", "d 1 2 1 MATRIX^Sqq", "d x", "ho 2", "ho", "ho -1",
+        "ho 99999999999999", "hb NAME", "hb", "irc 1 2 NAME", "irc", "irc 9 0 N", "irc 0 0 N"}) {
+    EXPECT_EQ(server.reply(line), "") << "\"" << line << "\"";
+  }
+}
+
+TEST(CommandReplies, APingGivesTheServersProcessId) {
+  ServerProcess server;
+  server.send("p");
+  EXPECT_EQ(tests::hexOf(server.read(10)), tests::hexOf(server.pingReply()));
+  EXPECT_NE(server.id(), port::currentProcessId());
+}
+
+TEST(CommandReplies, QuittingSendsNothingAndEndsWithStatus0) {
+  ServerProcess server;
+  server.send("q");
+  EXPECT_EQ(server.readToEnd(), "");
+  EXPECT_EQ(server.wait(), 0);
+}
+
+// State is looked at in this process; what little is sent goes to a file nobody reads.
+class ServerState : public testing::Test {
+ protected:
+  ServerState() : file_(std::tmpfile()) { serverState = {}; }
+  ~ServerState() override {
+    serverState = {};
+    clearCachePath();
+    std::fclose(file_);
+  }
+  void run(const std::string& line) {
+#if defined(_WIN32)
+    runCommand(line, ::_fileno(file_));
+#else
+    runCommand(line, ::fileno(file_));
+#endif
+  }
+  std::vector<int> labels() const {
+    const LabelList& list = serverState.labelList;
+    return {list.items.get(), list.items.get() + list.count};
+  }
+  std::FILE* file_;
+};
+
+TEST_F(ServerState, KeepsTheSelectionWithItsPositionRemapped) {
+  const Selection& selection = serverState.selection;
+  run("D 1 2 0 S");
+  EXPECT_EQ(selection.stepNumber, 1);
+  EXPECT_EQ(selection.frameIndex, 2);
+  EXPECT_EQ(selection.position, 4);
+  EXPECT_EQ(selection.variableName, "S");
+  EXPECT_TRUE(selection.flag);
+  run("d 1 2 1 MATRIX^Sqq");
+  EXPECT_EQ(selection.position, 2);
+  EXPECT_EQ(selection.variableName, "MATRIX Sqq");
+  EXPECT_FALSE(selection.flag);
+  run("D");
+  EXPECT_EQ(selection.stepNumber, 0);
+  EXPECT_EQ(selection.frameIndex, 0);
+  EXPECT_EQ(selection.position, 4);
+  EXPECT_EQ(selection.variableName, "");
+}
+
+TEST_F(ServerState, RemapsOnlyThreePositions) {
+  const int expected[][2] = {{0, 4}, {1, 2}, {2, 3}, {3, 3}, {4, 4}, {-1, -1}, {99, 99}};
+  for (const auto& row : expected) {
+    run("D 1 1 " + std::to_string(row[0]) + " S");
+    EXPECT_EQ(serverState.selection.position, row[1]) << row[0];
+  }
+}
+
+TEST_F(ServerState, CutsAVariableNameAt199Characters) {
+  run("D 1 1 1 " + std::string(300, 'V'));
+  EXPECT_EQ(serverState.selection.variableName, std::string(199, 'V'));
+}
+
+TEST_F(ServerState, FillsTheLabelListUpToItsCapacity) {
+  run("b 1");
+  EXPECT_EQ(serverState.labelList.count, 0);
+  run("a 3");
+  run("b 5  6 7 8");
+  EXPECT_EQ(labels(), (std::vector<int>{5, 6, 7}));
+  run("a 4");
+  EXPECT_EQ(serverState.labelList.count, 0);
+  run("b 1 x");
+  run("b -2\t9");
+  EXPECT_EQ(labels(), (std::vector<int>{1, 0, -2}));
+  run("a 0");
+  EXPECT_EQ(serverState.labelList.items, nullptr);
+  EXPECT_EQ(serverState.labelList.capacity, 0);
+}
+
+TEST_F(ServerState, HasNoLabelListAfterAnAbsurdCapacity) {
+  run("a 3");
+  testing::internal::CaptureStderr();
+  run("a 2147483647");
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(said.find("Memory allocation error!!!!"), 0u);
+  EXPECT_NE(said.find("FILE :odb_server , LINE :"), std::string::npos);
+  EXPECT_EQ(serverState.labelList.items, nullptr);
+  EXPECT_EQ(serverState.labelList.capacity, 0);
+  run("b 1");
+  EXPECT_EQ(serverState.labelList.count, 0);
+}
+
+TEST_F(ServerState, KeepsHistoryNamesWithinTheCapacity) {
+  const HistoryNames& table = serverState.historyNames;
+  run("hb early");
+  EXPECT_TRUE(table.names.empty());
+  run("ho 2");
+  run("hb Node PART-1-1.1");
+  run("hb B");
+  run("hb C");
+  EXPECT_EQ(table.names, (std::vector<std::string>{"Node PART-1-1.1", "B"}));
+  run("ho 1");
+  EXPECT_TRUE(table.names.empty());
+  EXPECT_EQ(table.capacity, 1);
+}
+
+TEST_F(ServerState, KeepsRegionRequestsOfKinds1To8) {
+  run("irc1 2 SET A B");
+  run("irc 8 -4 X");
+  run("irc 0 1 X");
+  run("irc 9 1 X");
+  run("irc -1 1 X");
+  run("irc 1 2");
+  run("irc 1 x NAME");
+  run("irc");
+  ASSERT_EQ(serverState.regionRequests.size(), 2u);
+  EXPECT_EQ(serverState.regionRequests[0].kind, 1);
+  EXPECT_EQ(serverState.regionRequests[0].value, 2);
+  EXPECT_EQ(serverState.regionRequests[0].name, "SET A B");
+  EXPECT_EQ(serverState.regionRequests[1].kind, 8);
+  EXPECT_EQ(serverState.regionRequests[1].value, -4);
+}
+
+TEST_F(ServerState, StartsARegionNameWhereItsFirstWordIsFirstFound) {
+  run("irc 2 1 1 layers");
+  ASSERT_EQ(serverState.regionRequests.size(), 1u);
+  EXPECT_EQ(serverState.regionRequests[0].name, "1 1 layers");
+}
+
+TEST_F(ServerState, KeepsTheRegionRequestsOfAFailedCommand) {
+  run("irc 1 2 N");
+  run("irf /nowhere.odb");
+  EXPECT_EQ(serverState.regionRequests.size(), 1u);
+}
+
+TEST_F(ServerState, KeepsTheCachePath) {
+  EXPECT_EQ(cachePath(), nullptr);
+  run("T /some where/cache");
+  ASSERT_NE(cachePath(), nullptr);
+  EXPECT_EQ(*cachePath(), "/some where/cache");
+  run("T");
+  ASSERT_NE(cachePath(), nullptr);
+  EXPECT_EQ(*cachePath(), "");
+}
+
+TEST_F(ServerState, KeepsTheVerbosityAsOneOfTwoValues) {
+  EXPECT_EQ(serverState.verbosity, -1);
+  run("v 5");
+  EXPECT_EQ(serverState.verbosity, 1);
+  run("v 0");
+  EXPECT_EQ(serverState.verbosity, -1);
+}
+
+TEST_F(ServerState, FreesTheModeStresses) {
+  serverState.modeStress.blocks = {{1, 2}, {3}};
+  run("C");
+  EXPECT_TRUE(serverState.modeStress.blocks.empty());
+}
+
+TEST_F(ServerState, DoesNotSetTheCatalogueModeWhenTheDatabaseDoesNotOpen) {
+  run("fD /nowhere.odb");
+  EXPECT_EQ(serverState.catalogueMode, CatalogueMode::kLastFrame);
+}
+
+}  // namespace
+}  // namespace odbs

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The server ends with its parent: with status 0, within a second, with the companions of the
+// catalogue cache removed, whatever it is doing.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+#include "tests/support/server_process.h"
+
+namespace odbs::tests {
+namespace {
+
+constexpr int kOneSecondMs = 1000;
+#if defined(_WIN32)
+constexpr int kKills = 10;  // starting a process costs a second under emulation
+#else
+constexpr int kKills = 60;
+#endif
+
+// A server that watches a process of its own. This test holds the pipes, so that the server learns
+// of its parent's end through the watchdog alone.
+class Watched : public testing::Test {
+ protected:
+  void makeCompanions() {
+    server.send("T " + folder.file("cache"));
+    server.read(3);
+    writeFile(folder.file("cache_tmp"), "x");
+    writeFile(folder.file("cache_lock"), "");
+    writeFile(folder.file("cache"), "kept");
+  }
+  bool exists(const std::string& name) { return std::filesystem::exists(folder.file(name)); }
+  void expectClean() {
+    EXPECT_FALSE(exists("cache_tmp"));
+    EXPECT_FALSE(exists("cache_lock"));
+    EXPECT_TRUE(exists("cache"));
+  }
+
+  TemporaryFolder folder;
+  IdleParent parent;
+  ServerProcess server{parent.id()};
+};
+
+TEST_F(Watched, EndsWhileItWaitsForACommand) {
+  makeCompanions();
+  parent.kill();
+  EXPECT_EQ(server.wait(kOneSecondMs), 0);
+  expectClean();
+}
+
+TEST_F(Watched, EndsWhileItIsBlockedInAWrite) {
+  makeCompanions();
+  server.send("M 1000000 40950");
+  server.read(100000);  // it is at work
+  port::sleepMs(100);   // and the pipe is full by now
+  parent.kill();
+  EXPECT_EQ(server.wait(kOneSecondMs), 0);
+  expectClean();
+}
+
+TEST_F(Watched, EndsWithoutTouchingFilesWhenNoCacheIsNamed) {
+  writeFile(folder.file("_tmp"), "kept");
+  parent.kill();
+  EXPECT_EQ(server.wait(kOneSecondMs), 0);
+  EXPECT_TRUE(exists("_tmp"));
+}
+
+TEST_F(Watched, RemovesTheCompanionsOfALongPath) {
+  std::filesystem::path deep = folder.path();
+  // As long as a line and most file systems allow; Windows stops at 260.
+#if !defined(_WIN32)
+  for (int i = 0; i < 15; ++i) deep /= std::string(240, 'd');
+#endif
+  std::filesystem::create_directories(deep);
+  const std::string cache = (deep / "cache").string();
+  server.send("T " + cache);
+  server.read(3);
+  writeFile(cache + "_tmp", "x");
+  writeFile(cache + "_lock", "x");
+  parent.kill();
+  EXPECT_EQ(server.wait(kOneSecondMs), 0);
+  EXPECT_FALSE(std::filesystem::exists(cache + "_tmp"));
+  EXPECT_FALSE(std::filesystem::exists(cache + "_lock"));
+}
+
+TEST(Watchdog, EndsTheServerAtAnyMomentOfAnyCommand) {
+  std::mt19937 random(20240607);
+  const char* const work[] = {"M 1000000 40950", "m 100000000 2000", "m 100000000 0"};
+  for (int i = 0; i < kKills; ++i) {
+    TemporaryFolder folder;
+    IdleParent parent;
+    ServerProcess server(parent.id());
+    server.send("T " + folder.file("cache"));
+    server.read(3);
+    writeFile(folder.file("cache_tmp"), "x");
+    writeFile(folder.file("cache_lock"), "x");
+    // Paths change back and forth while the parent dies.
+    std::string lines;
+    for (int k = 0; k < 300; ++k) lines += "T " + folder.file("cache") + "\n";
+    server.sendBytes(lines + work[i % 3] + "\n");
+    port::sleepMs(static_cast<int>(random() % 20));
+    parent.kill();
+    EXPECT_EQ(server.wait(kOneSecondMs), 0) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("cache_tmp"))) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("cache_lock"))) << "round " << i;
+  }
+}
+
+// Here the parent owns the pipes as well: they close with it, so that the server's main thread
+// meets the end of its input while the watchdog is at work.
+TEST(Watchdog, CleansUpAlsoWhenTheMainThreadMeetsTheEndOfInput) {
+  for (int i = 0; i < kKills / 2; ++i) {
+    TemporaryFolder folder;
+    writeFile(folder.file("cache_tmp"), "x");
+    writeFile(folder.file("cache_lock"), "x");
+    std::vector<std::string> arguments{"serve", "{out}", siblingProgram("odb_server"),
+                                       "T " + folder.file("cache")};
+    if (i % 2) arguments.push_back("m 100000000 1000");  // blocked in a write, else in a read
+    Process parent(siblingProgram("test_parent"), arguments);
+    std::string id;
+    for (std::string c; (c = parent.read(1)) != "\n" && !c.empty();) id += c;
+    const port::WatchedProcess server = port::openProcess(std::stoi(id));
+    port::sleepMs(50);
+    parent.kill();
+    parent.wait();
+    int waited = 0;
+    while (!port::hasEnded(server) && waited < kOneSecondMs) {
+      port::sleepMs(10);
+      waited += 10;
+    }
+    EXPECT_LT(waited, kOneSecondMs) << "an orphan is left, round " << i;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("cache_tmp"))) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("cache_lock"))) << "round " << i;
+  }
+}
+
+}  // namespace
+}  // namespace odbs::tests

@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The reader of .frd files on blocks of each format, and on files that break it.
+#include "importer/frd_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tests/importer_results/result_text.h"
+
+namespace odbs::importer {
+namespace {
+
+using Block = FrdReader::Block;
+using Doubles = std::vector<double>;
+using Labels = std::vector<std::int32_t>;
+
+// The message of the error that reading all of `bytes` ends with; empty when there is none.
+std::string errorOf(const std::string& bytes) {
+  const TemporaryFile file(bytes);
+  try {
+    FrdReader reader(file.path());
+    while (reader.next() != Block::end) {
+    }
+  } catch (const ResultFileError& error) {
+    const std::string text = error.what();
+    return text.substr(text.find(file.name()) + file.name().size());
+  }
+  return {};
+}
+
+const std::string kDisp = field("DISP", {"D1", "D2", "D3"}, true);
+
+TEST(FrdReader, ReadsNodesAndElementsOfBothTextWidths) {
+  const TemporaryFile file(
+      "    1C\n    1UPGM               CalculiX\n" + blockHead("2", 2, 0) +
+      " -1    7 1.00000E+00-2.50000E+00 0.00000E+00\n"
+      " -1    8 3.00000E+00 4.00000E+00-5.00000E-01\n -3\n" +
+      blockHead("3", 1, 0) + " -1    3   12    2    1\n -2    7    8    9\n -3\n" +
+      blockHead("2", 1, 1) + " -1 123456789 1.00000E+00-2.50000E+00 0.00000E+00\n -3\n" +
+      blockHead("3", 1, 1) +
+      " -1       251    4    0STEEL\n"
+      " -2         1         2         3         4         5         6         7         8         "
+      "9"
+      "        10\n"
+      " -2        11        12        13        14        15        16        17        18"
+      "        19        20\n -3\n 9999\n");
+  FrdReader reader(file.path());
+
+  ASSERT_EQ(reader.next(), Block::nodes);
+  EXPECT_EQ(reader.nodes().labels, (Labels{7, 8}));
+  EXPECT_EQ(reader.nodes().coordinates, (Doubles{1, -2.5, 0, 3, 4, -0.5}));
+  ASSERT_EQ(reader.next(), Block::elements);
+  EXPECT_EQ(reader.elements().types, (std::vector<std::uint8_t>{12}));
+  EXPECT_EQ(reader.elements().nodes, (Labels{7, 8, 9}));
+  ASSERT_EQ(reader.next(), Block::nodes);
+  EXPECT_EQ(reader.nodes().labels, (Labels{123456789}));
+  ASSERT_EQ(reader.next(), Block::elements);
+  EXPECT_EQ(reader.elements().labels, (Labels{251}));
+  EXPECT_EQ(reader.elements().nodes.size(), 20u);
+  EXPECT_EQ(reader.elements().nodes.back(), 20);
+  ASSERT_EQ(reader.next(), Block::end);
+  EXPECT_TRUE(reader.complete());
+  ASSERT_EQ(reader.header().size(), 2u);
+  EXPECT_EQ(reader.header()[1].text, "PGM               CalculiX");
+}
+
+TEST(FrdReader, ReadsWhatAResultBlockSaysOfItself) {
+  const TemporaryFile file(
+      "    1PSTEP                        12           3           2          \n"
+      "    1PGM                2.000000E+00\n    1PGK                8.000000E+00\n"
+      "    1PHID                          4\n    1PMODE                         5\n" +
+      resultHead(2.5, 1, 2, 7, "MODAL", 1) + kDisp +
+      " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n -3\n" + resultHead(3.5, 1, 0, 8, "", 1) +
+      kDisp + " -1         1 4.00000E+00 5.00000E+00 6.00000E+00\n -3\n 9999\n");
+  FrdReader reader(file.path());
+  ASSERT_EQ(reader.next(), Block::result);
+  const FrdResult& result = reader.result();
+  EXPECT_EQ(result.name, "DISP");
+  EXPECT_EQ(result.value, 2.5);
+  EXPECT_EQ(result.analysis, FrdAnalysis::frequency);
+  EXPECT_EQ(result.analysisName, "MODAL");
+  EXPECT_EQ(result.number, 7);
+  EXPECT_EQ(result.parameters.increment, 3);
+  EXPECT_EQ(result.parameters.step, 2);
+  EXPECT_EQ(result.parameters.mode, 5);
+  EXPECT_EQ(result.parameters.nodalDiameter, 4);
+  EXPECT_EQ(result.parameters.generalizedMass, 2);
+  EXPECT_EQ(result.parameters.generalizedStiffness, 8);
+  EXPECT_EQ(result.nStored, 3);
+  ASSERT_EQ(result.components.size(), 4u);
+  EXPECT_TRUE(result.components[3].derived);
+  EXPECT_EQ(result.values, (Doubles{1, 2, 3}));
+
+  ASSERT_EQ(reader.next(), Block::result);
+  EXPECT_EQ(reader.result().parameters.mode, 0) << "parameters belong to one block alone";
+  EXPECT_EQ(reader.result().values, (Doubles{4, 5, 6}));
+}
+
+TEST(FrdReader, ReadsValuesThatFillTheirColumns) {
+  const TemporaryFile file(resultHead(1, 3, 0, 1, "", 1) + kDisp +
+                           " -1         1-1.00000E-05-2.00000E+15-3.00000E+00\n"
+                           " -1         2 1.50000-103-2.50000+102 3.00000D+00\n"
+                           " -1         3         nan         inf        -inf\n -3\n");
+  FrdReader reader(file.path());
+  ASSERT_EQ(reader.next(), Block::result);
+  const Doubles& values = reader.result().values;
+  ASSERT_EQ(values.size(), 9u);
+  EXPECT_EQ(Doubles(values.begin(), values.begin() + 6),
+            (Doubles{-1e-5, -2e15, -3, 1.5e-103, -2.5e102, 3}));
+  EXPECT_TRUE(std::isnan(values[6]));
+  EXPECT_EQ(values[7], INFINITY);
+  EXPECT_EQ(values[8], -INFINITY);
+  EXPECT_EQ(reader.next(), Block::end);
+  EXPECT_FALSE(reader.complete()) << "without the record 9999 the file was cut";
+}
+
+TEST(FrdReader, FollowsColumnsThatLongExponentsHaveShifted) {
+  const TemporaryFile file(resultHead(1, 2, 0, 1, "", 1) + kDisp +
+                           " -1         1-1.00000E-103-2.00000E+00 3.00000E+00\n"
+                           " -1         2 1.00000E-05-2.00000E-112 3.00000E+01\n -3\n 9999\n");
+  FrdReader reader(file.path());
+  ASSERT_EQ(reader.next(), Block::result);
+  EXPECT_EQ(reader.result().values, (Doubles{-1e-103, -2, 3, 1e-5, -2e-112, 30}));
+}
+
+TEST(FrdReader, ContinuesAfterSixComponents) {
+  std::vector<std::string> names;
+  for (int i = 1; i <= 14; ++i) names.push_back("SDV" + std::to_string(i));
+  for (const int format : {0, 1}) {
+    const std::string label = format == 0 ? "    9" : "         9";
+    const std::string blank(label.size(), ' ');
+    std::string six;
+    for (int i = 1; i <= 6; ++i) six += " " + std::to_string(i) + ".00000E+00";
+    const TemporaryFile file(resultHead(1, 1, 0, 1, "", format) + field("SDV", names, false) +
+                             " -1" + label + six + "\r\n -2" + blank + six + "\r\n -2" + blank +
+                             " 7.00000E+00 8.00000E+00\r\n -3\r\n 9999\r\n");
+    FrdReader reader(file.path());
+    ASSERT_EQ(reader.next(), Block::result);
+    EXPECT_EQ(reader.result().labels, (Labels{9}));
+    EXPECT_EQ(reader.result().values, (Doubles{1, 2, 3, 4, 5, 6, 1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(reader.next(), Block::end);
+  }
+}
+
+TEST(FrdReader, ReadsBinaryBlocksAmongText) {
+  std::string elements = blockHead("3", 1, 2);  // announces fewer than there are
+  for (const int label : {1, 2}) {
+    elements += bytes32(label) + bytes32(11) + bytes32(0) + bytes32(1) + bytes32(1) + bytes32(2);
+  }
+  const TemporaryFile file(blockHead("2", 1, 3) + bytes32(1) + bytesDouble(0.1) +
+                           bytesDouble(-0.2) + bytesDouble(3e-200) + elements +
+                           "    1PSTEP                         1           4           1\n" +
+                           resultHead(1, 2, 0, 1, "", 2) + kDisp + bytes32(1) + bytesFloat(1.5f) +
+                           bytesFloat(2) + bytesFloat(10.f) + bytes32(2) + bytesFloat(0) +
+                           bytesFloat(-1e-30f) + bytesFloat(4) + resultHead(1, 1, 0, 1, "", 3) +
+                           field("NDTEMP", {"T"}, false) + bytes32(10) + bytesDouble(0.3) +
+                           " 9999\n");
+  FrdReader reader(file.path());
+  ASSERT_EQ(reader.next(), Block::nodes);
+  EXPECT_EQ(reader.nodes().coordinates, (Doubles{0.1, -0.2, 3e-200}));
+  ASSERT_EQ(reader.next(), Block::elements);
+  EXPECT_EQ(reader.elements().labels, (Labels{1, 2}));
+  ASSERT_EQ(reader.next(), Block::result);
+  EXPECT_EQ(reader.result().parameters.increment, 4);
+  EXPECT_EQ(reader.result().values, (Doubles{1.5, 2, 10, 0, -1e-30f, 4}));
+  ASSERT_EQ(reader.next(), Block::result);
+  EXPECT_EQ(reader.result().values, (Doubles{0.3}));
+  EXPECT_EQ(reader.next(), Block::end);
+  EXPECT_TRUE(reader.complete());
+}
+
+TEST(FrdReader, ReadsBlocksThatAnnounceMoreThanTheyHold) {
+  for (const int format : {1, 2}) {
+    const TemporaryFile file(resultHead(1, 84, 1, 2, "", format) + kDisp +
+                             (format == 1 ? " -3\n 9999\n" : " 9999\n"));
+    FrdReader reader(file.path());
+    ASSERT_EQ(reader.next(), Block::result);
+    EXPECT_TRUE(reader.result().labels.empty());
+    EXPECT_EQ(reader.next(), Block::end);
+  }
+}
+
+TEST(FrdReader, NamesFileLineAndReasonOfABrokenText) {
+  const std::string head = resultHead(1, 1, 0, 1, "", 1);
+  const struct {
+    std::string text;
+    const char* error;
+  } cases[] = {
+      {"", ": the file is empty"},
+      {"*HEADING\n", ":1: a record of unknown kind: \"*HEADING\""},
+      {"    1C\n" + head + " -5\n", ":3: a field name (-4) expected"},
+      {head + kDisp + " -1         1 1.00000E+00 2.00000X+00 3.00000E+00\n -3\n",
+       ":7: a value expected, found \"2.00000X+00\""},
+      {head + kDisp + " -1         1 1.00000E+00 2.00000E+00\n -3\n",
+       ":7: a value expected, found \"\""},
+      {head + kDisp + " -1         1 1.00000E+00 2.00000E+00 3.00000E+00 4.00000E+00\n -3\n",
+       ":7: more values than the field has components"},
+      {head + kDisp + " -1         0 1.00000E+00 2.00000E+00 3.00000E+00\n -3\n",
+       ":7: a node label 0 is out of range"},
+      {head + kDisp + " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n",
+       ":7: the file ends inside a block (the file ends here)"},
+      {resultHead(1, 2, 0, 1, "", 1) + kDisp +
+           " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n -3\n",
+       ":8: the block announces 2 entries and holds 1 (the file ends here)"},
+      {head + " -4  DISP     9999    1\n", ":2: a field of 9999 components (the file ends here)"},
+      {resultHead(1, 1, 0, 1, "", 7), ":1: format number 7 (the file ends here)"},
+      {blockHead("3", 1, 1) + " -1         1   13    0    1\n", ":2: element type 13 is unknown"},
+      {blockHead("3", 1, 1) + " -1         1    1    0    1\n -1\n",
+       ":3: a record of nodes (-2) expected"},
+  };
+  for (const auto& broken : cases) {
+    const std::string error = errorOf(broken.text);
+    EXPECT_EQ(error.substr(0, std::string(broken.error).size()), broken.error) << error;
+  }
+}
+
+TEST(FrdReader, NamesByteOffsetAndReasonOfABrokenBinaryBlock) {
+  const std::string head = resultHead(1, 2, 0, 1, "", 2) + field("T", {"T"}, false);
+  const std::string row = bytes32(1) + bytesFloat(1);
+  EXPECT_EQ(errorOf(head + row + bytes32(-5) + bytesFloat(1)),
+            ": byte " + std::to_string(head.size() + 16) + ": node label -5 (the file ends here)");
+  EXPECT_NE(errorOf(head + row).find("the file ends inside a block"), std::string::npos);
+  const std::string huge = resultHead(1, 2000000000, 0, 1, "", 3) + field("T", {"T"}, false);
+  EXPECT_NE(errorOf(huge + row).find("the file ends inside a block"), std::string::npos);
+  EXPECT_NE(errorOf(blockHead("3", 1, 2) + bytes32(1) + bytes32(99) + bytes32(0) + bytes32(0))
+                .find("element type 99 is unknown"),
+            std::string::npos);
+}
+
+// Whatever is cut off or overwritten: an error or a shorter result, never a crash or a hang.
+TEST(FrdReader, SurvivesEveryCutAndEveryFlippedByte) {
+  const std::string whole =
+      "    1C\n" + blockHead("2", 1, 3) + bytes32(1) + bytesDouble(0.1) + bytesDouble(-0.2) +
+      bytesDouble(3) + blockHead("3", 1, 1) +
+      " -1         1   11    0    1\n -2         1"
+      "         2\n -3\n    1PSTEP                         1           4           1\n" +
+      resultHead(1, 1, 0, 1, "", 1) + kDisp +
+      " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n -3\n" + resultHead(1, 1, 0, 1, "", 2) +
+      kDisp + bytes32(1) + bytesFloat(1) + bytesFloat(2) + bytesFloat(3) + " 9999\n";
+  ASSERT_EQ(errorOf(whole), "");
+  int nErrors = 0;
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    nErrors += errorOf(whole.substr(0, i)).empty() ? 0 : 1;
+    for (const char c : {'\0', '9', '-', '\n', '\xff'}) {
+      std::string damaged = whole;
+      damaged[i] = c;
+      nErrors += errorOf(damaged).empty() ? 0 : 1;
+    }
+  }
+  EXPECT_GT(nErrors, static_cast<int>(whole.size()));
+}
+
+}  // namespace
+}  // namespace odbs::importer

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "tests/client/written_model.h"
+
+#include <odb_API.h>
+#include <odb_MaterialTypes.h>
+#include <odb_SectionTypes.h>
+#include <odb_embedded.h>
+
+#include <algorithm>
+#include <random>
+
+namespace odbs::client::test {
+
+namespace {
+
+template <typename Sequence, typename Items>
+Sequence sequenceOf(const Items& items) {
+  Sequence sequence;
+  for (const auto& item : items) sequence.append(item);
+  return sequence;
+}
+
+odb_SequenceInt ints(const std::vector<int>& values) {
+  return sequenceOf<odb_SequenceInt>(values);
+}
+
+odb_SequenceFloat floats(const std::vector<float>& values) {
+  return sequenceOf<odb_SequenceFloat>(values);
+}
+
+// Writes one random model; what it writes it also notes in `expected`.
+class RandomModel {
+ public:
+  RandomModel(const std::string& path, std::uint32_t seed)
+      : random_(seed),
+        odb_(Odb(("random" + std::to_string(seed)).c_str(), "Random model", "", path.c_str())) {
+    odb_.extendApi(odb_Enum::odb_SECTION, sections_);
+    odb_.extendApi(odb_Enum::odb_MATERIAL, materials_);
+  }
+
+  Model write() {
+    odb_embedded::JobData job;
+    job.analysisCode = odb_Enum::odb_AnalysisCodeEnum(1 + upTo(1));
+    odb_embedded::setJobData(odb_, job);
+    expected_.title = "Random model";
+    expected_.analysisKind = static_cast<int>(job.analysisCode) - 1;
+    addMaterials();
+    const int nInstances = 1 + upTo(3);
+    for (int i = 0; i < nInstances; ++i) addInstance(i);
+    if (nInstances == 1) {
+      expected_.instances.front().name.clear();
+      for (Section& section : expected_.sections) section.instance.clear();
+    } else {
+      expected_.instances.emplace_back();
+      expected_.instances.back().name = odb_.rootAssembly().name().CStr();
+      expected_.instances.back().isRootAssembly = true;
+    }
+    odb_.save();
+    odb_.close();
+    return expected_;
+  }
+
+ private:
+  int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(random_); }
+
+  // Ascending labels, some of them large.
+  std::vector<int> labels(int n) {
+    std::vector<int> all(static_cast<std::size_t>(n));
+    int label = upTo(3) == 0 ? 700000000 + upTo(1000) : upTo(5);
+    for (int& one : all) one = label += 1 + upTo(4);
+    return all;
+  }
+
+  void addMaterials() {
+    for (const char* name : {"ALPHA", "BETA"}) {
+      odb_Material& material = materials_.Material(name);
+      Material noted;
+      noted.name = name;
+      const double modulus = 1000 * (1 + upTo(200));
+      odb_SequenceSequenceDouble elastic, density;
+      elastic.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{modulus, 0.3}));
+      density.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{7.8e-9}));
+      material.Elastic(elastic);
+      noted.elastic.emplace().type = "ISOTROPIC";
+      noted.elastic->values = {static_cast<float>(modulus), 0.3f, 0, 0, 0, 0};
+      if (upTo(1) == 1) {
+        material.Density(density);
+        noted.density = 7.8e-9f;
+      }
+      expected_.materials.push_back(noted);
+    }
+  }
+
+  void addInstance(int number) {
+    const std::string suffix(1, static_cast<char>('A' + number));
+    const bool isPlanar = upTo(2) == 0;
+    odb_Part& part =
+        odb_.Part(("PART-" + suffix).c_str(), isPlanar ? odb_Enum::TWO_D_PLANAR : odb_Enum::THREE_D,
+                  odb_Enum::DEFORMABLE_BODY);
+    Instance noted;
+    noted.name = "INST-" + suffix;
+    addNodes(part, noted, isPlanar ? 2 : 3);
+    addElements(part, noted);
+    odb_Instance& instance = odb_.rootAssembly().Instance(noted.name.c_str(), part);
+    addSection(instance, noted, suffix);
+    expected_.instances.push_back(noted);
+  }
+
+  void addNodes(odb_Part& part, Instance& noted, int nCoordinates) {
+    const std::vector<int> nodeLabels = labels(2 + upTo(40));
+    odb_SequenceSequenceFloat rows;
+    for (std::size_t i = 0; i < nodeLabels.size(); ++i) {
+      std::vector<float> row;
+      for (int k = 0; k < nCoordinates; ++k) {
+        row.push_back(static_cast<float>(upTo(2000000) - 1000000) / 1024);
+      }
+      noted.coordinates.insert(noted.coordinates.end(), row.begin(), row.end());
+      rows.append(floats(row));
+    }
+    noted.nCoordinates = static_cast<std::uint32_t>(nCoordinates);
+    noted.nodeLabels.assign(nodeLabels.begin(), nodeLabels.end());
+    part.addNodes(ints(nodeLabels), rows);
+  }
+
+  // Groups of elements, each of one type; type names of every length up to 13.
+  void addElements(odb_Part& part, Instance& noted) {
+    const int nGroups = 1 + upTo(3);
+    int label = 0;
+    noted.connectivityOffsets.push_back(0);
+    for (int group = 0; group < nGroups; ++group) {
+      const std::string type = std::string("XTYPE1234567890").substr(0, 1 + upTo(12));
+      const int nNodes = 1 + upTo(20);
+      std::vector<int> elementLabels;
+      odb_SequenceSequenceInt connectivity;
+      for (int i = upTo(30); i >= 0; --i) {
+        elementLabels.push_back(label += 1 + upTo(100000));
+        odb_SequenceInt row;
+        for (int k = 0; k < nNodes; ++k) {
+          const int node = noted.nodeLabels[static_cast<std::size_t>(
+              upTo(static_cast<int>(noted.nodeLabels.size()) - 1))];
+          row.append(node);
+          noted.connectivity.push_back(node);
+        }
+        connectivity.append(row);
+        noted.elementLabels.push_back(label);
+        noted.elementTypes.push_back(typeCode(type));
+        noted.connectivityOffsets.push_back(noted.connectivity.size());
+      }
+      part.addElements(ints(elementLabels), connectivity, type.c_str());
+    }
+    noted.sectionNumbers.assign(noted.elementLabels.size(), 0);
+  }
+
+  std::uint32_t typeCode(const std::string& type) {
+    std::vector<std::string>& types = expected_.elementTypes;
+    const auto place = std::find(types.begin(), types.end(), type);
+    if (place == types.end()) types.push_back(type);
+    return static_cast<std::uint32_t>(std::find(types.begin(), types.end(), type) - types.begin());
+  }
+
+  // A section over the first half of the elements. Instances come in the order of their sections'
+  // names, so the sections are numbered from 1 in that order.
+  void addSection(odb_Instance& instance, Instance& noted, const std::string& suffix) {
+    const std::size_t nHalf = (noted.elementLabels.size() + 1) / 2;
+    const std::vector<int> half(noted.elementLabels.begin(),
+                                noted.elementLabels.begin() + static_cast<long>(nHalf));
+    odb_Set& region = instance.ElementSet("HALF", ints(half));
+    Section section;
+    section.number = static_cast<int>(expected_.sections.size()) + 1;
+    section.name = "SOLE-" + suffix;
+    section.instance = noted.name;
+    section.material = upTo(1) == 0 ? "ALPHA" : "BETA";
+    const std::string fullName = "Section-" + section.name;
+    if (upTo(1) == 0) {
+      section.kind = SectionKind::kHomogeneousSolid;
+      instance.assignSection(
+          region, sections_.HomogeneousSolidSection(fullName.c_str(), section.material.c_str()));
+    } else {
+      section.kind = SectionKind::kHomogeneousShell;
+      section.thickness = 0.5f + static_cast<float>(upTo(8));
+      instance.assignSection(region,
+                             sections_.HomogeneousShellSection(fullName.c_str(), section.thickness,
+                                                               section.material.c_str()));
+    }
+    std::fill_n(noted.sectionNumbers.begin(), nHalf, section.number);
+    expected_.sections.push_back(section);
+  }
+
+  std::mt19937 random_;
+  odb_Odb& odb_;
+  odb_SectionApi sections_;
+  odb_MaterialApi materials_;
+  Model expected_;
+};
+
+}  // namespace
+
+void writeRod(const std::string& path) {
+  odb_Odb& odb = Odb("rod", "Rod", "", path.c_str());
+  odb_embedded::JobData job;
+  job.analysisCode = odb_Enum::odb_AnalysisCodeEnum(1);
+  odb_embedded::setJobData(odb, job);
+  odb_SectionApi sections;
+  odb_MaterialApi materials;
+  odb.extendApi(odb_Enum::odb_SECTION, sections);
+  odb.extendApi(odb_Enum::odb_MATERIAL, materials);
+  odb_SequenceSequenceDouble elastic, density;
+  elastic.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{210000, 0.3}));
+  density.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{7.8e-9}));
+  odb_Material& steel = materials.Material("STEEL");
+  steel.Elastic(elastic);
+  steel.Density(density);
+
+  odb_Part& part = odb.Part("ROD", odb_Enum::TWO_D_PLANAR, odb_Enum::DEFORMABLE_BODY);
+  odb_SequenceSequenceFloat coordinates;
+  coordinates.append(floats({0, 0}));
+  coordinates.append(floats({100, 0}));
+  part.addNodes(ints({1, 2}), coordinates);
+  odb_SequenceSequenceInt connectivity;
+  connectivity.append(ints({1, 2}));
+  part.addElements(ints({7}), connectivity, "T2D2", "ALL");
+  odb_Instance& instance = odb.rootAssembly().Instance("ROD-1", part);
+  instance.assignSection(instance.elementSets()["ALL"],
+                         sections.TrussSection("Section-ROD", "STEEL"));
+  odb.save();
+  odb.close();
+}
+
+Model writeRandomModel(const std::string& path, std::uint32_t seed) {
+  return RandomModel(path, seed).write();
+}
+
+}  // namespace odbs::client::test

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Databases written through the database library's API, together with the model that a parent must
+// get to see: expected from what was written, not from what any server says.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "client/model.h"
+
+namespace odbs::client::test {
+
+// The rod of docs/protocol.md.
+void writeRod(const std::string& path);
+
+// A random model of 1 to 4 instances, spatial and planar, of element types with names of 1 to 13
+// characters, sections of several kinds, and materials. The same seed gives the same model.
+Model writeRandomModel(const std::string& path, std::uint32_t seed);
+
+}  // namespace odbs::client::test

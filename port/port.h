@@ -150,4 +150,7 @@ void sleepMs(int milliseconds);
 // The largest resident memory of this process so far, in bytes.
 std::int64_t peakMemory();
 
+// The largest resident memory of a running child so far, in bytes; -1 when it cannot be asked.
+std::int64_t peakMemoryOf(const Child& child);
+
 }  // namespace odbs::port

@@ -284,4 +284,17 @@ std::int64_t peakMemory() {
   return std::int64_t{usage.ru_maxrss} * 1024;
 }
 
+std::int64_t peakMemoryOf(const Child& child) {
+  const std::string path = "/proc/" + std::to_string(child.id) + "/status";
+  std::FILE* status = std::fopen(path.c_str(), "r");
+  if (status == nullptr) return -1;
+  char line[256];
+  long long kilobytes = -1;
+  while (kilobytes < 0 && std::fgets(line, sizeof line, status) != nullptr) {
+    if (std::sscanf(line, "VmHWM: %lld kB", &kilobytes) != 1) kilobytes = -1;
+  }
+  std::fclose(status);
+  return kilobytes < 0 ? -1 : std::int64_t{kilobytes} * 1024;
+}
+
 }  // namespace odbs::port

@@ -306,4 +306,11 @@ std::int64_t peakMemory() {
   return static_cast<std::int64_t>(counters.PeakWorkingSetSize);
 }
 
+std::int64_t peakMemoryOf(const Child& child) {
+  PROCESS_MEMORY_COUNTERS counters{};
+  const auto process = reinterpret_cast<HANDLE>(child.handle);
+  if (!::GetProcessMemoryInfo(process, &counters, sizeof counters)) return -1;
+  return static_cast<std::int64_t>(counters.PeakWorkingSetSize);
+}
+
 }  // namespace odbs::port

@@ -4,6 +4,7 @@
 // owns the array and knows its length.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -39,6 +40,19 @@ inline void putF32(unsigned char* p, float value) {
   std::uint32_t bits;
   std::memcpy(&bits, &value, sizeof bits);
   putU32(p, bits);
+}
+
+// Stores n 32-bit integers or singles from `values`, one after the other.
+inline void putWords(unsigned char* p, const void* values, std::size_t n) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  std::memcpy(p, values, 4 * n);  // the host's order is ours
+#else
+  for (std::size_t i = 0; i < n; ++i) {
+    std::uint32_t bits;
+    std::memcpy(&bits, static_cast<const unsigned char*>(values) + 4 * i, sizeof bits);
+    putU32(p + 4 * i, bits);
+  }
+#endif
 }
 
 // Stores the IEEE double at p[0..7], lowest byte first.

@@ -7,6 +7,7 @@
 // first byte is the record's tag. Records are packed back to back.
 #pragma once
 
+#include <algorithm>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
@@ -62,6 +63,27 @@ inline unsigned char* reserveRecord(int outputFd, std::uint32_t payloadBytes) {
   putU16(frame, static_cast<std::uint16_t>(payloadBytes));
   outputBuffer.fill += payloadBytes + 2;
   return frame + 2;
+}
+
+// Records of equal size, many at once.
+struct ReservedRecords {
+  unsigned char* frames;  // where the first record's two length bytes belong
+  int n;                  // how many records there is room for, at least 1
+};
+
+// The fastest way to append up to `n` > 0 records of `payloadBytes` each: reserves as many as the
+// flush rule lets into the output buffer, which is written out first when not even one fits. The
+// caller must put the two length bytes and the payload of each of them before the next call on
+// the channel, and come again for the rest.
+inline ReservedRecords reserveRecords(int outputFd, std::uint32_t payloadBytes, int n) {
+  assert(payloadBytes >= 1 && payloadBytes <= kMaxPayload && n > 0);
+  if (outputBuffer.fill + payloadBytes >= kFlushThreshold) flushOutput(outputFd);
+  const std::uint32_t nFitting =
+      (kFlushThreshold - 1 - outputBuffer.fill - payloadBytes) / (payloadBytes + 2) + 1;
+  const std::uint32_t nReserved = std::min(nFitting, static_cast<std::uint32_t>(n));
+  unsigned char* frames = outputBuffer.bytes + outputBuffer.fill;
+  outputBuffer.fill += nReserved * (payloadBytes + 2);
+  return {frames, static_cast<int>(nReserved)};
 }
 
 }  // namespace odbs

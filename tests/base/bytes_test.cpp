@@ -29,6 +29,13 @@ TEST(Bytes, RealsAreIeeeBits) {
   EXPECT_EQ((std::array<unsigned char, 8>{0, 0, 0, 0, 0, 0, 0, 0xC0}), b);
 }
 
+TEST(Bytes, WordsAreStoredOneAfterTheOther) {
+  const int values[2] = {0x01020304, -2};
+  std::array<unsigned char, 8> b{};
+  putWords(b.data(), values, 2);
+  EXPECT_EQ((std::array<unsigned char, 8>{4, 3, 2, 1, 0xFE, 0xFF, 0xFF, 0xFF}), b);
+}
+
 TEST(Bytes, WhatIsPutIsTakenBack) {
   unsigned char b[8];
   for (const std::int32_t v : {0, 1, -1, 0x7FFFFFFF, std::numeric_limits<std::int32_t>::min()}) {

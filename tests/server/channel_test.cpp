@@ -91,5 +91,25 @@ TEST_F(LineReader, HidesWhatFollowsANulAndTrimsBeforeIt) {
   EXPECT_EQ(next(), "x");
 }
 
+TEST_F(LineReader, ManyReservedRecordsFillTheBufferAsFarAsSingleOnesDo) {
+  input("");
+  for (const std::uint32_t payload : {1u, 17u, 49u, 40u, kMaxPayload}) {
+    for (const std::uint32_t fill : {0u, 1u, 30000u, 40949u - payload, 40950u - payload}) {
+      std::uint32_t expected = fill + payload >= kFlushThreshold ? 0 : fill;
+      int n = 0;
+      for (; expected + payload < kFlushThreshold; expected += payload + 2) ++n;
+      outputBuffer.fill = fill;
+      const ReservedRecords room = reserveRecords(fd_, payload, 1000000);
+      EXPECT_EQ(n, room.n) << payload << " bytes behind " << fill;
+      EXPECT_EQ(expected, outputBuffer.fill);
+      EXPECT_EQ(outputBuffer.bytes + outputBuffer.fill,
+                room.frames + (payload + 2) * std::uint32_t(n));
+      outputBuffer.fill = fill;
+      EXPECT_EQ(1, reserveRecords(fd_, payload, 1).n);
+    }
+  }
+  outputBuffer.fill = 0;
+}
+
 }  // namespace
 }  // namespace odbs

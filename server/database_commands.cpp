@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "model/model_stream.h"
 #include "registry/database_commands.h"
 #include "registry/open_database.h"
 #include "server/field_scanner.h"
@@ -42,11 +43,11 @@ void sendSets(Call& call, bool withSurfaces) {
 }  // namespace
 
 void sendNodesOnly(Call& call) {
-  open(call);
+  sendModelStream(open(call), call.outputFd, true);
 }
 
 void sendModel(Call& call) {
-  open(call);
+  sendModelStream(open(call), call.outputFd, false);
 }
 
 void sendSetsOnly(Call& call) {

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Puts the database library's own types into the record being built.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include <odb_API.h>
+
+#include "server/record.h"
+
+namespace odbs {
+
+// The characters of `text`; valid as long as it.
+inline std::string_view viewOf(const odb_String& text) {
+  return {text.CStr(), static_cast<std::size_t>(text.Length())};
+}
+
+// A text: byte count and bytes.
+inline void putString(const odb_String& text) {
+  putText(viewOf(text));
+}
+
+// Bytes that the record being built can still take.
+inline std::size_t recordRoom() {
+  return kMaxPayload - recordLength();
+}
+
+}  // namespace odbs

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Section numbers and section names of model/section_names.h.
+#include "model/section_names.h"
+
+#include <set>
+
+#include "base/text.h"
+
+namespace odbs {
+
+namespace {
+
+constexpr std::string_view kSectionPrefix = "Section-";
+constexpr std::string_view kElementSetMark = "< elset = ";
+constexpr std::string_view kConnectorCategory = "connector";
+
+// The number that a section's name asks for, 0 when it asks for none.
+std::int32_t ownNumber(std::string_view fullName) {
+  const std::string_view name = sentSectionName(fullName);
+  if (name.size() < 2 || (name[0] != 'P' && name[0] != 'p')) return 0;
+  return toIntOrZero(name.substr(1));
+}
+
+}  // namespace
+
+std::string_view sentSectionName(std::string_view name) {
+  if (name.size() > kSectionPrefix.size() && startsWith(name, kSectionPrefix)) {
+    name.remove_prefix(kSectionPrefix.size());
+  }
+  return name;
+}
+
+std::optional<std::string> sectionNameOfCategory(std::string_view categoryName) {
+  const std::size_t mark = categoryName.find(kElementSetMark);
+  if (mark == std::string_view::npos) return std::nullopt;
+  std::string name(startsWith(categoryName, kConnectorCategory) ? "" : kSectionPrefix);
+  name += categoryName.substr(mark + kElementSetMark.size());
+  // Contract: cut at the first blank, also for a set whose own name holds blanks.
+  return name.substr(0, name.find(' '));
+}
+
+SectionNumbers numberSections(const std::vector<std::string>& names) {
+  SectionNumbers numbers;
+  std::set<std::int32_t> taken;
+  for (const std::string& name : names) {
+    std::int32_t number = ownNumber(name);
+    if (number != 0 && !taken.insert(number).second) number = 0;
+    numbers[name] = number;
+  }
+  std::int32_t smallestFree = 1;
+  for (auto& [name, number] : numbers) {
+    if (number != 0) continue;
+    while (taken.count(smallestFree) != 0) ++smallestFree;
+    number = smallestFree++;
+  }
+  return numbers;
+}
+
+SectionNumbers numberSections(const odb_SectionContainer& sections) {
+  std::vector<std::string> names;
+  odb_SectionContainerIT it(sections);
+  for (it.first(); !it.isDone(); it.next()) {
+    names.emplace_back(it.currentValue().name().CStr());
+  }
+  return numberSections(names);
+}
+
+SectionCategories categoriesOfSections(odb_Odb& odb, const odb_SectionContainer& sections) {
+  SectionCategories categories;
+  odb_SectionCategoryRepositoryIT it(odb.sectionCategories());
+  for (it.first(); !it.isDone(); it.next()) {
+    const odb_SectionCategory& category = it.currentValue();
+    const odb_String categoryName = category.name();
+    const std::optional<std::string> name = sectionNameOfCategory(categoryName.CStr());
+    if (name && sections.isMember(name->c_str())) categories[*name] = category;
+  }
+  return categories;
+}
+
+}  // namespace odbs

@@ -57,6 +57,7 @@ const DeckParser::KeywordRow DeckParser::kKeywords[] = {
     {"SURFACESECTION", &DeckParser::readOtherSection},
     {"ORIENTATION", &DeckParser::readOrientation},
     {"MATERIAL", &DeckParser::readMaterial},
+    {"GASKETBEHAVIOR", &DeckParser::readMaterial},
     {"DENSITY", &DeckParser::readDensity},
     {"ELASTIC", &DeckParser::readElastic},
     {"FAILSTRESS", &DeckParser::readFailStress},

@@ -136,6 +136,7 @@ class DeckParser {
   void finishSets(SetTable& sets, const Scope& home, bool elements);
   void finishMembers(Members& members, const Scope& home, bool elements, bool unsorted);
   void finishSurfaces(Scope& content, const Scope& home);
+  void checkMaterials(const Section& section);
   void finishSections(Scope& content, const Scope& home);
   void finishRigidBodies(Scope& content);
   const Scope& homeOf(std::int32_t owner, const Scope& home) const;

@@ -59,6 +59,7 @@ void DeckParser::finish() {
     if (deck_.parts[static_cast<std::size_t>(flatPart_)].content.hasMesh()) {
       fail("there are nodes or elements outside of parts and assembly");
     }
+    deck_.parts[static_cast<std::size_t>(flatPart_)].name.clear();
   }
   if (!deck_.flat && deck_.instances.empty()) fail("the deck has parts but no *INSTANCE");
 
@@ -221,8 +222,21 @@ void DeckParser::finishSurfaces(Scope& content, const Scope& home) {
   }
 }
 
+void DeckParser::checkMaterials(const Section& section) {
+  const auto check = [&](const std::string& name) {
+    const auto known = [&](const Material& m) { return m.name == name; };
+    if (name.empty() || section.kind == SectionKind::other) return;
+    if (std::none_of(deck_.materials.begin(), deck_.materials.end(), known)) {
+      lines_.fail(section.place, "the section's material " + name + " is not defined");
+    }
+  };
+  check(section.material);
+  for (const Layer& layer : section.layers) check(layer.material);
+}
+
 void DeckParser::finishSections(Scope& content, const Scope& home) {
   for (Section& section : content.sections) {
+    checkMaterials(section);
     const Set* set = findSet({kOwn, 0, section.elset}, true);
     if (!set) {
       if (section.kind == SectionKind::other) continue;

@@ -140,7 +140,20 @@ void DeckParser::readMembraneSection(const Keyword& keyword) {
 }
 
 void DeckParser::readBeamSection(const Keyword& keyword) {
-  scope().sections.push_back(startSection(keyword, SectionKind::beam, "beam"));
+  Section section = startSection(keyword, SectionKind::beam, "beam");
+  std::string_view line;
+  // The dimensions come first, the axis second.
+  if (lines_.dataLine(line) && lines_.dataLine(line)) {
+    Fields fields(line);
+    for (std::string_view field; fields.next(field);) {
+      const auto value = parseReal(field);
+      section.beamAxis.push_back(value ? *value : 0.0);
+    }
+    // Profiles with more lines of dimensions have something else there.
+    if (section.beamAxis.size() > 3) section.beamAxis.clear();
+    if (!section.beamAxis.empty()) section.beamAxis.resize(3, 0.0);
+  }
+  scope().sections.push_back(std::move(section));
 }
 
 void DeckParser::readGasketSection(const Keyword& keyword) {

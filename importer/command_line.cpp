@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Arguments, progress, closing report and error messages of odb_import.
+#include "importer/command_line.h"
+
+#include <odb_API.h>
+#include <odb_embedded.h>
+
+#include <cstdio>
+#include <ctime>
+#include <exception>
+#include <filesystem>
+#include <new>
+
+#include "base/text.h"
+#include "importer/database_writer.h"
+#include "importer/deck_reader.h"
+#include "port/port.h"
+
+namespace odbs::importer {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kHelp =
+    R"(usage: odb_import [options] MODEL.inp [-o MODEL.odb]
+
+Reads an input deck (Abaqus syntax) with everything that it includes and writes its model to an
+output database: parts and instances, nodes, elements, sets, surfaces, sections, materials, rigid
+bodies, connectors and the names of the steps.
+
+  -o, --output FILE   the database; without it, the deck's name with .odb, beside the deck
+  -q, --quiet         say nothing unless something is wrong
+      --compress      compress the arrays of the database: smaller, slower to read
+      --version       print the version
+  -h, --help          print this text
+
+A database that exists is replaced, but only when the import succeeds. A deck that is broken gives
+one message, FILE:LINE: REASON, and no database. Keywords that a database has no place for (loads,
+output requests, ...) are counted and listed at the end.
+
+Exit status: 0 the database is written, 1 it is not, 2 the arguments are wrong.
+
+  odb_import bracket.inp                   writes bracket.odb
+  odb_import wing/main.inp -o /tmp/w.odb   includes are looked for beside wing/main.inp
+)";
+
+struct Options {
+  std::string deck, output;
+  bool quiet = false, compress = false;
+};
+
+// Progress on a terminal: one line that is overwritten.
+class Progress {
+ public:
+  explicit Progress(bool wanted) : on_(wanted && port::isTerminal(2)) {}
+  ~Progress() { clear(); }
+  void show(const char* what, double part) {
+    const int percent = static_cast<int>(part * 100);
+    if (!on_ || (percent == last_ && what == what_)) return;
+    last_ = percent;
+    what_ = what;
+    std::fprintf(stderr, "\r%s %3d %%", what, percent);
+    std::fflush(stderr);
+    shown_ = true;
+  }
+  void clear() {
+    if (shown_) std::fprintf(stderr, "\r%40s\r", "");
+    shown_ = false;
+  }
+
+ private:
+  bool on_, shown_ = false;
+  int last_ = -1;
+  const char* what_ = nullptr;
+};
+
+int usageError(const std::string& reason) {
+  std::fprintf(stderr, "odb_import: %s\nTry 'odb_import --help'.\n", reason.c_str());
+  return 2;
+}
+
+std::string counted(std::int64_t n, const char* one, const char* many) {
+  return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+void report(const Options& options, const Deck& deck, const WriteSummary& summary) {
+  std::printf("%s: %s, %s, %s, %s, %s, %s, %s, %s\n", options.output.c_str(),
+              counted(summary.nInstances, "instance", "instances").c_str(),
+              counted(summary.nNodes, "node", "nodes").c_str(),
+              counted(summary.nElements, "element", "elements").c_str(),
+              counted(summary.nSets, "set", "sets").c_str(),
+              counted(summary.nSurfaces, "surface", "surfaces").c_str(),
+              counted(summary.nSections, "section", "sections").c_str(),
+              counted(summary.nMaterials, "material", "materials").c_str(),
+              counted(summary.nSteps, "step", "steps").c_str());
+  if (deck.ignoredKeywords.empty()) return;
+  std::string line;
+  for (const auto& [keyword, n] : deck.ignoredKeywords) {
+    line += (line.empty() ? "" : ", ") + keyword + " (" + std::to_string(n) + ")";
+  }
+  std::printf("keywords without a place in a database: %s\n", line.c_str());
+}
+
+std::string timeText() {
+  const std::time_t now = std::time(nullptr);
+  char buffer[64];
+  const std::tm* const local = std::localtime(&now);
+  const bool done =
+      local && std::strftime(buffer, sizeof buffer, "%a %b %d %H:%M:%S %Y", local) > 0;
+  return done ? buffer : "";
+}
+
+void importDeck(const Options& options) {
+  Progress progress(!options.quiet);
+  const Deck deck =
+      readDeck(options.deck, [&](double part) { progress.show("reading the deck", part); });
+  const std::string job = fs::path(options.output).stem().string();
+  odb_Odb& odb = Odb(job.c_str(), deck.title.c_str(), "", options.output.c_str());
+  // Whatever happens: the next import of this process must find no database of this name.
+  struct Closer {
+    odb_Odb& odb;
+    ~Closer() {
+      if (!odb.isClosed()) odb.close();
+    }
+  } closer{odb};
+  if (options.compress) odb_embedded::setCompression(odb, true);
+  odb_embedded::JobData data;
+  data.analysisCode = deck.isExplicit ? odb_Enum::ABAQUS_EXPLICIT : odb_Enum::ABAQUS_STANDARD;
+  data.name = job.c_str();
+  data.version = "odb_import " ODBS_VERSION;
+  data.creationTime = data.modificationTime = timeText().c_str();
+  odb_embedded::setJobData(odb, data);
+  progress.show("writing the model", 0);
+  const WriteSummary summary = writeModel(deck, odb);
+  progress.show("saving", 0);
+  odb.save();
+  progress.clear();
+  if (options.quiet) return;
+  for (const std::string& warning : deck.warnings) {
+    std::fprintf(stderr, "%s\n", ("warning: " + warning).c_str());
+  }
+  for (const std::string& warning : summary.warnings) {
+    std::fprintf(stderr, "%s\n", ("warning: " + options.deck + ": " + warning).c_str());
+  }
+  report(options, deck, summary);
+}
+
+// Fills `options`; returns an exit status when the program is to end at once, -1 otherwise.
+int parseArguments(const std::vector<std::string>& arguments, Options& options) {
+  bool onlyFiles = false;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    const bool option = !onlyFiles && argument.size() > 1 && argument[0] == '-';
+    if (option && (argument == "--help" || argument == "-h")) {
+      std::fputs(kHelp, stdout);
+      return 0;
+    }
+    if (option && argument == "--version") {
+      std::puts("odb_import " ODBS_VERSION);
+      return 0;
+    }
+    if (option && argument == "--") {
+      onlyFiles = true;
+    } else if (option && (argument == "--quiet" || argument == "-q")) {
+      options.quiet = true;
+    } else if (option && argument == "--compress") {
+      options.compress = true;
+    } else if (option && (argument == "--output" || argument == "-o")) {
+      if (++i == arguments.size()) return usageError(argument + " needs a file name");
+      options.output = arguments[i];
+    } else if (option && startsWith(argument, "--output=")) {
+      options.output = argument.substr(9);
+    } else if (option) {
+      return usageError("unknown option " + argument);
+    } else if (options.deck.empty()) {
+      options.deck = argument;
+    } else {
+      return usageError("more than one deck: " + argument);
+    }
+  }
+  if (options.deck.empty()) return usageError("which deck?");
+  if (options.output.empty()) {
+    options.output = fs::path(options.deck).replace_extension(".odb").string();
+  }
+  return -1;
+}
+
+}  // namespace
+
+int runImport(const std::vector<std::string>& arguments) {
+  Options options;
+  const int status = parseArguments(arguments, options);
+  if (status >= 0) return status;
+  try {
+    std::error_code error;
+    if (fs::equivalent(options.deck, options.output, error)) {
+      return usageError("the database would replace the deck");
+    }
+    importDeck(options);
+    return 0;
+  } catch (const DeckError& e) {
+    std::fprintf(stderr, "%s\n", e.what());
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "odb_import: %s: there is not enough memory\n", options.deck.c_str());
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "odb_import: %s: %s\n", options.deck.c_str(), e.what());
+  }
+  return 1;
+}
+
+}  // namespace odbs::importer

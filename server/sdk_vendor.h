@@ -42,10 +42,10 @@ template <typename Function>
 decltype(auto) guarded(Function&& function) {
   try {
     return std::forward<Function>(function)();
-  } catch (const std::exception&) {
-    throw;
   } catch (const nex_Exception& error) {
     throw SdkError(error.UserReport().CStr());
+  } catch (const std::exception&) {
+    throw;
   } catch (...) {
     throw SdkError("unknown error of the database library");
   }

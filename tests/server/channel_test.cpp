@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <string>
 
-#include "port/port.h"
+#include "tests/support/output_file.h"
 
 namespace odbs {
 namespace {
@@ -22,16 +22,9 @@ class LineReader : public testing::Test {
     file_ = std::tmpfile();
     std::fwrite(bytes.data(), 1, bytes.size(), file_);
     std::rewind(file_);
-#if defined(_WIN32)
-    fd_ = ::_fileno(file_);
-#else
-    fd_ = ::fileno(file_);
-#endif
-    port::setBinaryMode(fd_);
+    fd_ = tests::descriptorOf(file_);
   }
-  std::string next() {
-    return std::string(readCommandLine(fd_));
-  }
+  std::string next() { return std::string(readCommandLine(fd_)); }
 
   std::FILE* file_ = nullptr;
   int fd_ = -1;

@@ -11,6 +11,7 @@
 #include "server/dispatcher.h"
 #include "server/server_state.h"
 #include "server/shutdown.h"
+#include "tests/support/output_file.h"
 #include "tests/support/server_process.h"
 
 namespace odbs {
@@ -144,24 +145,17 @@ TEST(CommandReplies, QuittingSendsNothingAndEndsWithStatus0) {
 // State is looked at in this process; what little is sent goes to a file nobody reads.
 class ServerState : public testing::Test {
  protected:
-  ServerState() : file_(std::tmpfile()) { serverState = {}; }
+  ServerState() { serverState = {}; }
   ~ServerState() override {
     serverState = {};
     clearCachePath();
-    std::fclose(file_);
   }
-  void run(const std::string& line) {
-#if defined(_WIN32)
-    runCommand(line, ::_fileno(file_));
-#else
-    runCommand(line, ::fileno(file_));
-#endif
-  }
+  void run(const std::string& line) { runCommand(line, output_.fd()); }
   std::vector<int> labels() const {
     const LabelList& list = serverState.labelList;
     return {list.items.get(), list.items.get() + list.count};
   }
-  std::FILE* file_;
+  tests::OutputFile output_;
 };
 
 TEST_F(ServerState, KeepsTheSelectionWithItsPositionRemapped) {

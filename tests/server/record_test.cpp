@@ -5,10 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <numeric>
 #include <vector>
 
+#include "tests/support/output_file.h"
 #include "tests/support/server_process.h"
 
 namespace odbs {
@@ -16,30 +16,12 @@ namespace {
 
 using tests::hexOf;
 
-// The output goes to a file.
 class Records : public testing::Test {
  protected:
-  Records() : file_(std::tmpfile()) {
-#if defined(_WIN32)
-    fd_ = ::_fileno(file_);
-#else
-    fd_ = ::fileno(file_);
-#endif
-    port::setBinaryMode(fd_);
-    outputBuffer.fill = 0;
-  }
-  ~Records() override {
-    outputBuffer.fill = 0;
-    std::fclose(file_);
-  }
+  Records() { outputBuffer.fill = 0; }
+  ~Records() override { outputBuffer.fill = 0; }
 
-  // What has been written so far.
-  std::string written() {
-    std::string bytes;
-    std::rewind(file_);
-    for (int c; (c = std::getc(file_)) != EOF;) bytes += static_cast<char>(c);
-    return bytes;
-  }
+  std::string written() { return file_.bytes(); }
   std::string flushed() {
     flushOutput(fd_);
     return written();
@@ -51,8 +33,8 @@ class Records : public testing::Test {
     appendRecord(fd_);
   }
 
-  std::FILE* file_;
-  int fd_;
+  tests::OutputFile file_;
+  const int fd_ = file_.fd();
 };
 
 TEST_F(Records, AreFramedAndPackedBackToBack) {

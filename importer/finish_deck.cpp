@@ -236,12 +236,12 @@ void DeckParser::checkMaterials(const Section& section) {
 
 void DeckParser::finishSections(Scope& content, const Scope& home) {
   for (Section& section : content.sections) {
-    checkMaterials(section);
     const Set* set = findSet({kOwn, 0, section.elset}, true);
     if (!set) {
       if (section.kind == SectionKind::other) continue;
       lines_.fail(section.place, "the section's element set " + section.elset + " is not defined");
     }
+    checkMaterials(section);
     if (section.kind != SectionKind::solid) continue;
     // One keyword serves continua, trusses and generalised plane strain: the elements tell.
     for (const Members& members : set->members) {

@@ -138,7 +138,10 @@ void DeckParser::addElementLine(std::string_view line, std::size_t block, const 
     const char* const end = at + line.size();
     while (skipBlanks(at, end) != end) {
       std::int32_t value = 0, owner = kOwn;
+      const char* const begin = at;
       if (!quick(at, end, value) || value < 0) {
+        at = begin;
+        value = 0;
         const std::string_view field = slowField(at, end);
         if (inAssembly && !first && !field.empty()) {
           const Reference node = referenceOf(field);

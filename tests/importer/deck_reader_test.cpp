@@ -1,0 +1,276 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Reading decks: syntax, mesh, sets, surfaces, sections, materials, structure, steps.
+#include "tests/importer/deck_files.h"
+
+namespace odbs::importer {
+namespace {
+
+using Labels = std::vector<std::int32_t>;
+
+// Eight nodes of a unit cube and one element.
+const std::string kCube =
+    "*NODE, NSET=NALL\n1,0,0,0\n2,1,0,0\n3,1,1,0\n4,0,1,0\n5,0,0,1\n6,1,0,1\n7,1,1,1\n8,0,1,1\n"
+    "*ELEMENT, TYPE=C3D8, ELSET=EALL\n1,1,2,3,4,5,6,7,8\n";
+
+const Scope& mesh(const Deck& deck) {
+  return deck.parts.front().content;
+}
+
+TEST_F(DeckTest, KeywordsAreReadWhateverTheirCaseBlanksAndLineBreaks) {
+  const Deck deck = read(
+      "\xEF\xBB\xBF** comment\n*hEading\r\n  A title \r\n more\r\n\r\n"
+      "  * Node , Nset = \"Two Words\" \n** comment\n 1 , 1.5D+1, -2.e-1 ,\n\n2,,3\n"
+      "*element,\n** comment in between\n type=T3D2,\nelset=bars\n7,1,2\n*end\n");
+  EXPECT_EQ("A title", deck.title);
+  EXPECT_EQ((Labels{1, 2}), mesh(deck).nodes.labels);
+  EXPECT_EQ((std::vector<double>{15, -0.2, 0, 0, 3, 0}), mesh(deck).nodes.xyz);
+  EXPECT_EQ((Labels{1, 2}), nodeSet(deck, "Two Words"));
+  EXPECT_EQ((Labels{7}), elementSet(deck, "BARS"));
+  EXPECT_EQ(1, deck.ignoredKeywords.at("*END"));
+}
+
+TEST_F(DeckTest, AFlatDeckIsOnePartWithOneInstance) {
+  const Deck deck = read(kCube);
+  ASSERT_EQ(1U, deck.instances.size());
+  EXPECT_EQ("PART-1", deck.parts[0].name);
+  EXPECT_EQ("PART-1-1", deck.instances[0].name);
+  EXPECT_EQ("ASSEMBLY", deck.assemblyName);
+  EXPECT_TRUE(deck.flat);
+}
+
+TEST_F(DeckTest, NodesAreSortedAndTheLastDefinitionOfALabelStays) {
+  const Deck deck = read("*NODE\n9,1\n3,2\n*NODE\n9,5,6,7\n");
+  EXPECT_EQ((Labels{3, 9}), mesh(deck).nodes.labels);
+  EXPECT_EQ((std::vector<double>{2, 0, 0, 5, 6, 7}), mesh(deck).nodes.xyz);
+}
+
+TEST_F(DeckTest, NodesInCylindricalCoordinatesAndInAMovedSystem) {
+  const Deck deck = read(
+      "*NODE, SYSTEM=C\n1,2.,90.,3.\n*SYSTEM\n10,0,0, 10,1,0\n9,0,0\n*NODE\n2,1,2,3\n"
+      "*SYSTEM\n*NODE\n3,1,2,3\n");
+  const auto& xyz = mesh(deck).nodes.xyz;
+  const double expected[] = {0, 2, 3, 8, 1, 3, 1, 2, 3};
+  for (std::size_t i = 0; i < 9; ++i) EXPECT_NEAR(expected[i], xyz[i], 1e-12) << i;
+}
+
+TEST_F(DeckTest, ElementsContinueUntilTheyHaveTheNodesOfTheirType) {
+  std::string nodes = "*NODE\n";
+  for (int i = 1; i <= 20; ++i) nodes += std::to_string(i) + "\n";
+  const Deck deck =
+      read(nodes +
+           "*ELEMENT, TYPE=C3D20R\n1,1,2,3,4,5,6,7,8\n9,10,11,12,13,14,15,16,\n17,18,19,20,\n"
+           "2,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,\n16,17,18,19,20\n"
+           "*ELEMENT, TYPE=USER7\n5,1,2,3,\n4\n6,1\n"
+           "*ELEMENT, TYPE=B31\n7,1,2,20\n*ELEMENT, TYPE=D\n8,0,1,2\n");
+  const auto& blocks = mesh(deck).elements.blocks;
+  ASSERT_EQ(4U, blocks.size());
+  EXPECT_EQ((Labels{1, 2}), blocks[0].labels);
+  EXPECT_EQ((std::vector<std::uint32_t>{0, 20, 40}), blocks[0].offsets);
+  EXPECT_EQ(20, blocks[0].nodes.back());
+  EXPECT_EQ((std::vector<std::uint32_t>{0, 4, 5}), blocks[1].offsets);
+  EXPECT_EQ((Labels{1, 2}), blocks[2].nodes) << "the orientation node of a beam is no corner";
+  EXPECT_EQ((Labels{1, 2}), blocks[3].nodes) << "node 0 of a network element is the outside";
+}
+
+TEST_F(DeckTest, SetsTakeLabelsRangesAndOtherSets) {
+  const Deck deck = read(kCube +
+                         "*NSET, NSET=ODD, GENERATE\n1,7,2\n*NSET, NSET=MIX\nodd, 8\n2, 2, 99\n"
+                         "*NSET, NSET=FAR, GENERATE\n1, 2147483647, 1\n"
+                         "*NSET, NSET=EVERY, GENERATE\n2, 2000000000, 3\n"
+                         "*NSET, NSET=RAW, UNSORTED\n8,1,8\n*NSET, NSET=OFE, ELSET=EALL\n"
+                         "*NSET, NSET=EMPTY\n*ELSET, ELSET=\"e One\"\nEALL\n");
+  EXPECT_EQ((Labels{1, 3, 5, 7}), nodeSet(deck, "ODD"));
+  EXPECT_EQ((Labels{1, 2, 3, 5, 7, 8}), nodeSet(deck, "MIX"));
+  EXPECT_EQ((Labels{1, 2, 3, 4, 5, 6, 7, 8}), nodeSet(deck, "FAR"));
+  EXPECT_EQ((Labels{2, 5, 8}), nodeSet(deck, "EVERY"));
+  EXPECT_EQ((Labels{8, 1, 8}), nodeSet(deck, "RAW"));
+  EXPECT_EQ((Labels{1, 2, 3, 4, 5, 6, 7, 8}), nodeSet(deck, "OFE"));
+  EXPECT_EQ((Labels{1}), elementSet(deck, "e One"));
+  EXPECT_NE(nullptr, mesh(deck).nodeSets.find("EMPTY"));
+  EXPECT_GT(deck.nUnknownMembers, 0);
+}
+
+TEST_F(DeckTest, SurfacesNameElementsSetsAndNodes) {
+  const Deck deck =
+      read(kCube +
+           "*SURFACE, NAME=TOP\nEALL, S2\n1, s3\n*SURFACE, NAME=N, TYPE=NODE\nNALL, 1.\n4\n"
+           "*SURFACE, NAME=BOTH, COMBINE=UNION\nTOP\n");
+  const auto& surfaces = mesh(deck).surfaces;
+  ASSERT_EQ(3U, surfaces.size());
+  ASSERT_EQ(2U, surfaces[0].items.size());
+  EXPECT_EQ("S3", surfaces[0].items[1].face);
+  EXPECT_EQ((Labels{1}), surfaces[0].items[0].members[0].labels);
+  EXPECT_TRUE(surfaces[1].nodeBased);
+  EXPECT_EQ(8U, surfaces[1].items[0].members[0].labels.size());
+  EXPECT_EQ(2U, surfaces[2].items.size());
+}
+
+TEST_F(DeckTest, AnalyticSurfacesHaveAProfileAndALocalSystem) {
+  const Deck deck = read(
+      "*SURFACE, TYPE=CYLINDER, NAME=ROLL, FILLET RADIUS=0.5\n1,2,3,4,5,6\n7,8,9\n"
+      "START, 0., 1.\nCIRCL, 2., 3., 0., 0.\nLINE, 5, 5\n");
+  ASSERT_EQ(1U, mesh(deck).analyticSurfaces.size());
+  const AnalyticSurface& roll = mesh(deck).analyticSurfaces[0];
+  EXPECT_EQ("CYLINDER", roll.type);
+  EXPECT_EQ(0.5, roll.filletRadius);
+  ASSERT_EQ(3U, roll.localPoints.size());
+  EXPECT_EQ(9, roll.localPoints[2][2]);
+  ASSERT_EQ(3U, roll.segments.size());
+  EXPECT_EQ((std::vector<float>{2, 3, 0, 0}), roll.segments[1].values);
+}
+
+TEST_F(DeckTest, SectionsKnowTheirKindFromKeywordParametersAndElements) {
+  struct Row {
+    const char* keyword;
+    SectionKind kind;
+    const char* word;
+  };
+  const Row rows[] = {
+      {"*SOLID SECTION, ELSET=EALL, MATERIAL=M\n2.", SectionKind::solid, "solid"},
+      {"*SOLIDSECTION, ELSET=BARS, MATERIAL=M\n2.", SectionKind::truss, "truss"},
+      {"*SOLID SECTION, ELSET=EALL, COMPOSITE\n1,3,M,45", SectionKind::compositeSolid, "solid"},
+      {"*SHELL SECTION, ELSET=EALL, MATERIAL=M\n.1,7", SectionKind::shell, "shell"},
+      {"*SHELL SECTION, ELSET=EALL, COMPOSITE\n1,,M", SectionKind::compositeShell, "shell"},
+      {"*SHELL GENERAL SECTION, ELSET=EALL\n1.,2.", SectionKind::generalShell, "shell"},
+      {"*MEMBRANE SECTION, ELSET=EALL, MATERIAL=M\n.1", SectionKind::membrane, "membrane"},
+      {"*BEAM SECTION, ELSET=EALL, MATERIAL=M, SECTION=RECT\n1,2\n0,1,0", SectionKind::beam,
+       "beam"},
+      {"*GASKET SECTION, ELSET=EALL, BEHAVIOR=M", SectionKind::gasket, "gasket"},
+      {"*COHESIVE SECTION, ELSET=EALL, MATERIAL=M", SectionKind::cohesive, "cohesive"},
+      {"*CONNECTOR SECTION, ELSET=EALL\nJOIN, REVOLUTE\nO1, O2", SectionKind::connector,
+       "connector"},
+      {"*MASS, ELSET=EALL\n2.5", SectionKind::point, "point"},
+      {"*SPRING, ELSET=EALL\n\n10.", SectionKind::other, "spring"},
+  };
+  for (const Row& row : rows) {
+    const Deck deck = read(kCube + "*ELEMENT, TYPE=T3D2, ELSET=BARS\n2,1,2\n*MATERIAL, NAME=m\n" +
+                           row.keyword + "\n");
+    ASSERT_EQ(1U, mesh(deck).sections.size()) << row.keyword;
+    EXPECT_EQ(row.kind, mesh(deck).sections[0].kind) << row.keyword;
+    EXPECT_EQ(row.word, mesh(deck).sections[0].word) << row.keyword;
+  }
+}
+
+TEST_F(DeckTest, LayersCarryPointsMaterialAngleAndPly) {
+  const Deck deck = read(kCube +
+                         "*MATERIAL, NAME=M\n*SHELL SECTION, ELSET=EALL, COMPOSITE, SYMMETRIC\n"
+                         "0.5, 5, m, 45., ply-1\n0.25,, M, ORI\n");
+  const Section& section = mesh(deck).sections[0];
+  ASSERT_EQ(2U, section.layers.size());
+  EXPECT_TRUE(section.symmetric);
+  EXPECT_EQ(5, section.layers[0].nPoints);
+  EXPECT_EQ(45, section.layers[0].angle);
+  EXPECT_EQ("PLY-1", section.layers[0].plyName);
+  EXPECT_EQ(3, section.layers[1].nPoints);
+  EXPECT_EQ("ORI", section.layers[1].orientation);
+}
+
+TEST_F(DeckTest, MaterialsKeepTheirTables) {
+  const Deck deck =
+      read(kCube +
+           "*MATERIAL, NAME=a\n*DENSITY\n7.8E-9\n*ELASTIC\n210000., .3, 20.\n200000., .3, 400.\n"
+           "*MATERIAL, NAME=B\n*ELASTIC, TYPE=ENGINEERING CONSTANTS\n1,2,3,4,5,6,7,8\n9\n"
+           "*FAIL STRESS\n1,2,3,4,5,.5,7\n*FAIL STRAIN\n1,2,3,4,5\n"
+           "*MATERIAL, NAME=C\n*ACOUSTIC MEDIUM\n2.2E9\n*ELASTIC, TYPE=ANISO\n"
+           "1,2,3,4,5,6,7,8\n9,10,11,12,13,14,15,16\n17,18,19,20,21,100.\n");
+  ASSERT_EQ(3U, deck.materials.size());
+  EXPECT_EQ(7.8e-9, deck.materials[0].density.rows[0][0]);
+  EXPECT_TRUE(deck.materials[0].elastic.temperatureDependent);
+  EXPECT_EQ(2U, deck.materials[0].elastic.rows.size());
+  EXPECT_EQ("ENGINEERING_CONSTANTS", deck.materials[1].elasticType);
+  ASSERT_EQ(1U, deck.materials[1].elastic.rows.size());
+  EXPECT_EQ(9, deck.materials[1].elastic.rows[0][8]);
+  EXPECT_EQ(7U, deck.materials[1].failStress.rows[0].size());
+  EXPECT_EQ(5U, deck.materials[1].failStrain.rows[0].size());
+  EXPECT_EQ("ANISOTROPIC", deck.materials[2].elasticType);
+  ASSERT_EQ(1U, deck.materials[2].elastic.rows.size());
+  EXPECT_EQ(100, deck.materials[2].elastic.rows[0][21]);
+  EXPECT_TRUE(deck.materials[2].acousticMedium.present);
+}
+
+TEST_F(DeckTest, InstancesAreTranslatedAndThenTurned) {
+  const Deck deck = read(
+      "*PART, NAME=p\n*NODE\n1,1,0,0\n*END PART\n*ASSEMBLY, NAME=Assembly\n"
+      "*INSTANCE, NAME=a, PART=P\n1., 0., 0.\n0.,0.,0., 0.,0.,5., 90.\n*END INSTANCE\n"
+      "*NSET, NSET=ALL, INSTANCE=A\n1\n*NODE\n77, 1,2,3\n*NSET, NSET=ALL\na.1, 77\n*END ASSEMBLY\n"
+      "*STEP\n*STATIC\n*NSET, NSET=LATE, INSTANCE=A\n1\n*END STEP\n");
+  ASSERT_EQ(1U, deck.instances.size());
+  const Instance& a = deck.instances[0];
+  const double node[3] = {1, 0, 0};
+  double placed[3];
+  for (std::size_t i = 0; i < 3; ++i) {
+    placed[i] = a.translation[i];
+    for (std::size_t d = 0; d < 3; ++d) placed[i] += node[d] * a.axes[d][i];
+  }
+  EXPECT_NEAR(0, placed[0], 1e-12);
+  EXPECT_NEAR(2, placed[1], 1e-12);
+  EXPECT_NEAR(0, placed[2], 1e-12);
+  const Set* all = deck.assembly.nodeSets.find("ALL");
+  ASSERT_NE(nullptr, all);
+  ASSERT_EQ(2U, all->members.size());
+  EXPECT_EQ(0, all->members[0].owner);
+  EXPECT_EQ((Labels{1}), all->members[0].labels);
+  EXPECT_EQ((Labels{77}), all->members[1].labels);
+  EXPECT_NE(nullptr, deck.assembly.nodeSets.find("LATE"));
+}
+
+TEST_F(DeckTest, StepsKnowProcedureDomainAndPeriod) {
+  struct Row {
+    const char* text;
+    const char* procedure;
+    Domain domain;
+    double period;
+  };
+  const Row rows[] = {
+      {"*STEP, NLGEOM\n*STATIC\n.1, 2.5\n", "*STATIC", Domain::time, 2.5},
+      {"*STEP\n*STATIC\n", "*STATIC", Domain::time, 1},
+      {"*STEP, PERTURBATION\n*STATIC\n", "*STATIC", Domain::time, 0},
+      {"*STEP\n*STATIC, RIKS\n", "*STATIC, RIKS", Domain::arcLength, 0},
+      {"*STEP\n*FREQUENCY, EIGENSOLVER=LANCZOS\n10\n", "*FREQUENCY", Domain::modal, 0},
+      {"*STEP\n*BUCKLE\n3\n", "*BUCKLE", Domain::modal, 0},
+      {"*STEP\n*STEADYSTATE DYNAMICS, DIRECT\n1,2,3\n", "*STEADY STATE DYNAMICS, DIRECT",
+       Domain::frequency, 0},
+      {"*STEP\n*DYNAMIC, EXPLICIT\n, .02\n", "*DYNAMIC, EXPLICIT", Domain::time, 0.02},
+      {"*STEP\n*HEAT TRANSFER\n1., 30.\n", "*HEAT TRANSFER", Domain::time, 30},
+  };
+  for (const Row& row : rows) {
+    const Deck deck = read(kCube + row.text + "*CLOAD\n1,1,1.\n*END STEP\n");
+    ASSERT_EQ(1U, deck.steps.size()) << row.text;
+    EXPECT_EQ(row.procedure, deck.steps[0].procedure);
+    EXPECT_EQ(row.domain, deck.steps[0].domain) << row.text;
+    EXPECT_DOUBLE_EQ(row.period, deck.steps[0].timePeriod) << row.text;
+  }
+}
+
+TEST_F(DeckTest, StepsHaveNamesDescriptionsAndTheAnalysisItsCode) {
+  const Deck deck = read(kCube +
+                         "*STEP, NAME=Pull-It, NLGEOM=YES\nfirst\nsecond\n*STATIC\n*END STEP\n"
+                         "*STEP\n*DYNAMIC, EXPLICIT\n,1.\n*END STEP\n");
+  ASSERT_EQ(2U, deck.steps.size());
+  EXPECT_EQ("Pull-It", deck.steps[0].name);
+  EXPECT_EQ("first second", deck.steps[0].description);
+  EXPECT_TRUE(deck.steps[0].nlgeom);
+  EXPECT_EQ("Step-2", deck.steps[1].name);
+  EXPECT_TRUE(deck.isExplicit);
+  EXPECT_FALSE(read(kCube).isExplicit);
+}
+
+TEST_F(DeckTest, IncludesAreFoundBesideTheFileThatNamesThem) {
+  files_.write("sub/mesh.inp", "*NODE\n1,0,0,0\n*INCLUDE, INPUT=more.inc\n3,2,0,0\n");
+  files_.write("sub/more.inc", "2,1,0,0\n");
+  files_.write("rows.txt", "5,1,2\n");
+  const Deck deck =
+      read("*INCLUDE, INPUT=\"sub/mesh.inp\"\n*ELEMENT, TYPE=T3D2, INPUT=rows.txt\n6,2,3\n");
+  EXPECT_EQ((Labels{1, 2, 3}), mesh(deck).nodes.labels);
+  ASSERT_EQ(1U, mesh(deck).elements.blocks.size());
+  EXPECT_EQ((Labels{5, 6}), mesh(deck).elements.blocks[0].labels);
+}
+
+TEST_F(DeckTest, UnknownKeywordsAreCounted) {
+  const Deck deck = read(kCube + "*BOUNDARY\n1,1\n*boundary, OP=NEW\n2,1\n*MAKE COFFEE\nblack\n");
+  EXPECT_EQ(2, deck.ignoredKeywords.at("*BOUNDARY"));
+  EXPECT_EQ(1, deck.ignoredKeywords.at("*MAKE COFFEE"));
+}
+
+}  // namespace
+}  // namespace odbs::importer

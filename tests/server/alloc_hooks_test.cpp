@@ -10,12 +10,6 @@
 
 namespace {
 
-// More than any address space holds, yet no compile-time constant to warn about.
-std::size_t absurdSize() {
-  static volatile std::size_t size = SIZE_MAX / 4;
-  return size;
-}
-
 TEST(AllocationHooks, AllocateLikeTheRuntime) {
   char* block = static_cast<char*>(my_libc_malloc("a.c", 1, 8));
   ASSERT_NE(block, nullptr);
@@ -32,6 +26,12 @@ TEST(AllocationHooks, AllocateLikeTheRuntime) {
 
 // AddressSanitizer ends the process at such a request, unless told otherwise.
 #if !defined(__SANITIZE_ADDRESS__)
+// More than any address space holds, yet no compile-time constant to warn about.
+std::size_t absurdSize() {
+  static volatile std::size_t size = SIZE_MAX / 4;
+  return size;
+}
+
 TEST(AllocationHooks, SayWhoAskedWhenMemoryRunsOut) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(my_libc_malloc("m.c", 12, absurdSize()), nullptr);

@@ -12,11 +12,7 @@ namespace odbs::tests {
 namespace {
 
 constexpr int kOneSecondMs = 1000;
-#if defined(_WIN32)
-constexpr int kKills = 10;  // starting a process costs a second under emulation
-#else
 constexpr int kKills = 60;
-#endif
 
 // A server that watches a process of its own. This test holds the pipes, so that the server learns
 // of its parent's end through the watchdog alone.

@@ -2,9 +2,10 @@
 // A process for tests to have as a parent.
 //
 //   test_parent idle OUT                       writes one byte to OUT, then waits to be killed
-//   test_parent serve OUT SERVER LINE...       starts SERVER, writes its process id to OUT as text
-//                                              and a line feed, sends the lines, then waits to be
-//                                              killed; never reads what the server answers
+//   test_parent serve OUT SERVER LINE...       starts SERVER, sends the lines, waits for the first
+//                                              acknowledgement, writes the server's process id to
+//                                              OUT as text and a line feed, then waits to be
+//                                              killed; reads no further answer
 //   test_parent stderr FILE SERVER LINE...     starts SERVER with FILE as standard error, sends the
 //                                              lines and the end of input, reads all answers, and
 //                                              ends with the server's exit status
@@ -29,6 +30,7 @@ std::vector<std::string> serverArguments() {
 int serve(int out, const std::string& program, const std::vector<std::string>& lines) {
   Process server(program, serverArguments());
   for (const std::string& line : lines) server.send(line);
+  server.read(3);
   const std::string id = std::to_string(server.id()) + "\n";
   port::writeAll(out, id.data(), id.size());
   port::sleepMs(kLongestLifeMs);

@@ -43,10 +43,9 @@ Box boundingBox(const Instance& instance) {
 }
 
 void reportDatabase(const Model& model, const std::string& path, Report& report) {
-  report.begin("database", {"path", "title", "analysis", "annotation_bytes"});
-  report.row({path, model.title, analysisKindName(model.analysisKind),
-              asInteger(model.annotation.size())});
-  report.end();
+  report.facts("database", {"path", "title", "analysis", "annotation_bytes"},
+               {path, model.title, analysisKindName(model.analysisKind),
+                asInteger(model.annotation.size())});
 }
 
 void reportInstances(const Model& model, Report& report) {

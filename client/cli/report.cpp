@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "client/cli/report.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <type_traits>
@@ -208,10 +209,26 @@ void Report::end() {
   if (format_ == Format::kTable && !held_.empty()) release();
 }
 
+void Report::facts(const std::string& name, const std::vector<std::string>& columns,
+                   std::vector<Value> cells) {
+  if (format_ != Format::kTable) {
+    begin(name, columns);
+    row(std::move(cells));
+    return end();
+  }
+  std::size_t width = 0;
+  for (const std::string& column : columns) width = std::max(width, column.size());
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const std::string blanks(width - columns[i].size() + 2, ' ');
+    out_ << columns[i] << blanks << plainText(cells[i]) << "\n";
+  }
+  isFirst_ = false;
+}
+
 void Report::note(const std::string& line) {
   if (format_ != Format::kTable) return;
   out_ << line << "\n";
-  isFirst_ = false;
+  isFirst_ = true;
 }
 
 // Writes the rows that are held; the first time the header too, with widths for these rows.

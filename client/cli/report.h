@@ -45,7 +45,11 @@ class Report {
   // Ends the table. A table without rows prints nothing for people, its header in csv.
   void end();
 
-  // A line for people only, such as a heading or a note.
+  // A table of one row; people get it upright, one cell a line.
+  void facts(const std::string& name, const std::vector<std::string>& columns,
+             std::vector<Value> cells);
+
+  // A line for people only, such as the heading of the table that follows.
   void note(const std::string& line);
 
  private:
@@ -59,7 +63,7 @@ class Report {
   std::vector<std::vector<Value>> held_;
   std::vector<std::size_t> widths_;
   bool released_ = false;
-  bool isFirst_ = true;
+  bool isFirst_ = true;  // no empty line is due ahead of the next table
 };
 
 }  // namespace odbs::client

@@ -2,6 +2,7 @@
 // odb_client send: raw command lines, every record of their replies printed.
 #include "client/cli/cli.h"
 #include "client/describe.h"
+#include "client/small_records.h"
 
 namespace odbs::client {
 
@@ -31,52 +32,82 @@ std::string tagText(unsigned char tag) {
   return {'0', 'x', kDigits[tag >> 4], kDigits[tag & 15]};
 }
 
-void printRecord(const Record& record, const std::string& line, RecordFamily family,
-                 Report& report) {
-  const Description description = describe(record, family);
-  const auto offset = static_cast<std::int64_t>(record.offset);
-  const auto size = static_cast<std::int64_t>(record.size + 1);
-  const std::string tag = tagText(record.tag);
-  if (report.format() != Format::kJsonl) {
-    report.row({line, offset, size, tag, description.kind, fieldTexts(description.fields)});
-    return;
-  }
-  // In JSON each field is a member of its own.
-  std::vector<std::string> columns{"line", "offset", "length", "tag", "kind"};
-  std::vector<Value> cells{line, offset, size, tag, description.kind};
-  for (const Field& field : description.fields) {
-    columns.emplace_back(field.name);
-    cells.push_back(field.value);
-  }
-  report.begin("record", columns);
-  report.row(std::move(cells));
+// How the reply to a line ended, for people.
+const char* endText(const Record& last, ReplyEnd end) {
+  if (end == ReplyEnd::kNone) return "(no reply by nature)";
+  if (end == ReplyEnd::kUpgradeCheck && isUpgradeNeeded(last)) return "(not acknowledged)";
+  return "(acknowledged)";
 }
+
+// Prints records in each format's own way: people get a table a line, CSV one table of all lines,
+// JSON the fields as members.
+class RecordPrinter {
+ public:
+  explicit RecordPrinter(Report& report) : report_(report) {
+    if (report_.format() == Format::kCsv) {
+      report_.begin("record", {"line", "offset", "length", "tag", "kind", "fields"});
+    }
+  }
+
+  void beginLine(const std::string& line) {
+    line_ = line;
+    report_.note("> " + printable(line));
+    if (report_.format() == Format::kTable) {
+      report_.begin("record", {"offset", "length", "tag", "kind", "fields"});
+    }
+  }
+
+  void print(const Record& record, RecordFamily family) {
+    const Description description = describe(record, family);
+    std::vector<std::string> columns{"line", "offset", "length", "tag", "kind"};
+    std::vector<Value> cells{line_, static_cast<std::int64_t>(record.offset),
+                             static_cast<std::int64_t>(record.size + 1), tagText(record.tag),
+                             description.kind};
+    if (report_.format() == Format::kJsonl) {
+      for (const Field& field : description.fields) {
+        columns.emplace_back(field.name);
+        cells.push_back(field.value);
+      }
+      report_.begin("record", columns);
+    } else {
+      cells.emplace_back(fieldTexts(description.fields));
+      if (report_.format() == Format::kTable) cells.erase(cells.begin());
+    }
+    report_.row(std::move(cells));
+  }
+
+  void endLine(const std::string& note) {
+    report_.end();
+    report_.note(note + "\n");
+  }
+
+ private:
+  Report& report_;
+  std::string line_;
+};
 
 }  // namespace
 
 void runSend(Call& call) {
   const std::unique_ptr<Connection> server = call.connect();
   const std::string& file = call.arguments.front();
-  call.report.begin("record", {"line", "offset", "length", "tag", "kind", "fields"});
+  RecordPrinter printer(call.report);
   std::uint64_t nRecords = 0;
-  const auto endOfTable = [&] {
-    call.report.end();
-    call.report.note((nRecords > 0 ? "\n" : "") + std::to_string(nRecords) + " records, " +
-                     std::to_string(server->bytesReceived()) + " bytes received");
-  };
-  try {
-    for (std::size_t i = 1; i < call.arguments.size(); ++i) {
-      const std::string line = withFile(call.arguments[i], file);
+  for (std::size_t i = 1; i < call.arguments.size(); ++i) {
+    const std::string line = withFile(call.arguments[i], file);
+    printer.beginLine(line);
+    try {
       server->send(line);
-      for (Record record; server->next(record); ++nRecords) {
-        printRecord(record, line, server->family(), call.report);
-      }
+      Record record;
+      for (; server->next(record); ++nRecords) printer.print(record, server->family());
+      printer.endLine(endText(record, replyRule(line).end));
+    } catch (...) {
+      printer.endLine("(cut short)");  // what came before the failure is what one wants to see
+      throw;
     }
-  } catch (...) {
-    endOfTable();  // what came before the failure is what one wants to see
-    throw;
   }
-  endOfTable();
+  call.report.note(std::to_string(nRecords) + " records, " +
+                   std::to_string(server->bytesReceived()) + " bytes received");
 }
 
 }  // namespace odbs::client

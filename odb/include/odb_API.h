@@ -4,6 +4,8 @@
 
 #include <nex_Exception.h>
 #include <odb_Enum.h>
+#include <odb_FieldOutput.h>
+#include <odb_HistoryRegion.h>
 #include <odb_Odb.h>
 #include <odb_OdbRepository.h>
 #include <odb_Section.h>

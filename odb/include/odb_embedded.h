@@ -128,3 +128,5 @@ inline bool sameCategory(const odb_SectionCategory& a, const odb_SectionCategory
 }
 
 }  // namespace odb_embedded
+
+#include <odb_embedded_results.h>

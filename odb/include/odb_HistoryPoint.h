@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <odb_HistoryRegion.h>

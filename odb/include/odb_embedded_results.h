@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The result side of odb_embedded.h: field values from plain arrays, in either precision and at any
+// position, imaginary parts of histories, element failure times. All throw odb_Exception on a
+// read-only database.
+#pragma once
+
+#include <odb_API.h>
+
+#include <vector>
+
+namespace odb_embedded {
+
+// Values to be added to a field; arrays are read during the call and stay with the caller. `Real`
+// is float or double, and decides the precision of the stored values.
+template <class Real>
+struct FieldValues {
+  odb_Enum::odb_ResultPositionEnum position = odb_Enum::NODAL;
+  odb_Instance instance;
+  const int* labels = nullptr;  // of nodes (NODAL) or elements
+  int nLabels = 0;
+  // One row of `width` components per value; as many values per element as odb_FieldOutput::addData
+  // wants.
+  const Real* data = nullptr;
+  int nRows = 0;
+  int width = 0;
+  const Real* conjugate = nullptr;    // nRows x width, or null
+  const Real* quaternions = nullptr;  // nRows x 4 as odb_FieldBulkData gives them, or null
+  odb_SectionPoint sectionPoint;
+  // With ELEMENT_FACE: the face of each row; then `labels` has one entry per row.
+  const odb_Enum::odb_ElementFaceEnum* faces = nullptr;
+  // With INTEGRATION_POINT: the point's number of each row; then `labels` has one entry per row.
+  const int* integrationPoints = nullptr;
+};
+
+// The same checks and failures as odb_FieldOutput::addData.
+void addData(odb_FieldOutput& field, const FieldValues<float>& values);
+void addData(odb_FieldOutput& field, const FieldValues<double>& values);
+
+// Adds rows of (x, imaginary part) to a history output.
+void addConjugateData(odb_HistoryOutput& output, const odb_SequenceSequenceFloat& pairs);
+
+// When elements failed, as a step records it.
+struct FailureTime {
+  odb_Instance instance;
+  int elementLabel = -1;
+  float time = 0;  // step time
+};
+// Adds to what the step has.
+void addFailureTimes(odb_Step& step, const odb_Instance& instance,
+                     const std::vector<int>& elementLabels, const std::vector<float>& times);
+// In the order in which they were added; reading works on read-only databases.
+std::vector<FailureTime> failureTimes(const odb_Step& step);
+
+// Drops the arrays that a block has read or computed; they come back when asked for. Pointers that
+// were got from the block become invalid.
+void releaseArrays(const odb_FieldBulkData& block);
+
+}  // namespace odb_embedded

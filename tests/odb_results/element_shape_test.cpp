@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Element types and shape functions against the textbook's closed forms.
+#include "odb/src/element_shape.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using namespace odbs::engine;
+
+const Shape kAll[] = {Shape::Line2,   Shape::Line3, Shape::Tri3,  Shape::Tri6,  Shape::Quad4,
+                      Shape::Quad8,   Shape::Quad9, Shape::Tet4,  Shape::Tet10, Shape::Wedge6,
+                      Shape::Wedge15, Shape::Hex8,  Shape::Hex20, Shape::Hex27};
+
+TEST(ElementShape, FunctionsSumToOneEverywhereAndTakeOneAtTheirNode) {
+  for (Shape shape : kAll) {
+    const auto& nodes = shapeNodes(shape);
+    double sum = 0;
+    for (double value : shapeFunctions(shape, {0.31, 0.17, -0.42})) sum += value;
+    EXPECT_NEAR(sum, 1, 1e-12);
+    for (std::size_t a = 0; a < nodes.size(); ++a) {
+      const auto values = shapeFunctions(shape, nodes[a]);
+      for (std::size_t b = 0; b < nodes.size(); ++b) EXPECT_NEAR(values[b], a == b, 1e-12);
+    }
+  }
+}
+
+TEST(ElementShape, SerendipityHexahedronMatchesTheTextbook) {
+  const Point p = {0.3, -0.2, 0.7};
+  const auto n = shapeFunctions(Shape::Hex20, p);
+  for (std::size_t a = 0; a < 20; ++a) {
+    const Point& x = shapeNodes(Shape::Hex20)[a];
+    double expected = 1, sum = 0;
+    bool corner = true;
+    for (std::size_t d = 0; d < 3; ++d) {
+      corner = corner && x[d] != 0;
+      sum += x[d] * p[d];
+      expected *= x[d] == 0 ? 1 - p[d] * p[d] : 1 + x[d] * p[d];
+    }
+    expected *= corner ? (sum - 2) / 8 : 0.25;
+    EXPECT_NEAR(n[a], expected, 1e-12) << "node " << a + 1;
+  }
+}
+
+TEST(ElementShape, QuadraticWedgeMatchesTheTextbook) {
+  const double r = 0.2, s = 0.5, t = -0.3;
+  const double l[] = {1 - r - s, r, s};
+  const auto n = shapeFunctions(Shape::Wedge15, {r, s, t});
+  for (std::size_t i = 0; i < 3; ++i) {
+    const double side = 1 - t * t;
+    EXPECT_NEAR(n[i], (l[i] * (2 * l[i] - 1) * (1 - t) - l[i] * side) / 2, 1e-12);
+    EXPECT_NEAR(n[i + 3], (l[i] * (2 * l[i] - 1) * (1 + t) - l[i] * side) / 2, 1e-12);
+    EXPECT_NEAR(n[i + 6], 2 * l[i] * l[(i + 1) % 3] * (1 - t), 1e-12);
+    EXPECT_NEAR(n[i + 12], l[i] * side, 1e-12);
+  }
+}
+
+struct NamedType {
+  const char* name;
+  Shape shape;
+  int nPoints;
+};
+
+TEST(ElementShape, NamesGiveShapeAndNumberOfPoints) {
+  const NamedType types[] = {{"C3D4", Shape::Tet4, 1},       {"C3D10M", Shape::Tet10, 4},
+                             {"C3D6", Shape::Wedge6, 2},     {"C3D15", Shape::Wedge15, 9},
+                             {"C3D8", Shape::Hex8, 8},       {"C3D8R", Shape::Hex8, 1},
+                             {"C3D8I", Shape::Hex8, 8},      {"C3D8H", Shape::Hex8, 8},
+                             {"C3D20", Shape::Hex20, 27},    {"C3D20R", Shape::Hex20, 8},
+                             {"c3d20rh", Shape::Hex20, 8},   {"C3D27", Shape::Hex27, 27},
+                             {"CPE3", Shape::Tri3, 1},       {"CPE4R", Shape::Quad4, 1},
+                             {"CPEG8R", Shape::Quad8, 4},    {"CPS6M", Shape::Tri6, 3},
+                             {"CAX8", Shape::Quad8, 9},      {"CAX4RH", Shape::Quad4, 1},
+                             {"S3R", Shape::Tri3, 1},        {"STRI3", Shape::Tri3, 3},
+                             {"S4", Shape::Quad4, 4},        {"S4R", Shape::Quad4, 1},
+                             {"STRI65", Shape::Tri6, 3},     {"S6", Shape::Tri6, 3},
+                             {"S8R5", Shape::Quad8, 4},      {"S9R5", Shape::Quad9, 4},
+                             {"SC6R", Shape::Wedge6, 1},     {"SC8R", Shape::Hex8, 1},
+                             {"SAX2", Shape::Line3, 2},      {"M3D8R", Shape::Quad8, 4},
+                             {"T2D2", Shape::Line2, 1},      {"T3D3", Shape::Line3, 2},
+                             {"B21", Shape::Line2, 1},       {"B31OSH", Shape::Line2, 1},
+                             {"B32", Shape::Line3, 2},       {"B33", Shape::Line2, 3},
+                             {"PIPE32", Shape::Line3, 2},    {"COH3D8", Shape::Hex8, 4},
+                             {"COH3D6", Shape::Wedge6, 3},   {"COH2D4", Shape::Quad4, 2},
+                             {"GK3D8", Shape::Hex8, 4},      {"DC3D20", Shape::Hex20, 27},
+                             {"DC2D8", Shape::Quad8, 9},     {"AC3D10", Shape::Tet10, 4},
+                             {"CONN3D2", Shape::Unknown, 0}, {"MASS", Shape::Unknown, 0},
+                             {"SPRINGA", Shape::Unknown, 0}, {"", Shape::Unknown, 0},
+                             {"C3D", Shape::Unknown, 0},     {"S99999999999", Shape::Unknown, 0}};
+  for (const NamedType& type : types) {
+    const ElementType found = elementType(type.name);
+    EXPECT_EQ(found.shape, type.shape) << type.name;
+    EXPECT_EQ(found.nPoints, type.nPoints) << type.name;
+  }
+}
+
+}  // namespace

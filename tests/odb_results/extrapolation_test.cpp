@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Extrapolation of closed-form fields, on every element type that has a rule, on regular, skewed
+// and curved geometry.
+#include "odb/src/extrapolation.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+
+namespace {
+
+using namespace odbs::engine;
+using Field = std::function<double(const Point&)>;
+
+// Element types whose points determine a linear field.
+const char* const kLinearTypes[] = {
+    "C3D10", "C3D10M", "C3D15", "C3D8",  "C3D8I", "C3D20",  "C3D20R", "C3D27", "CPE4",
+    "CPE6",  "CPE8",   "CPE8R", "CPS4",  "CPS6",  "CPS8R",  "CAX4",   "CAX6",  "CAX8",
+    "CAX8R", "S4",     "S6",    "STRI3", "S8R",   "STRI65", "M3D4",   "M3D6",  "M3D8",
+    "M3D8R", "S9R5",   "T3D3",  "B22",   "B32",   "B33",    "SAX2",   "DC3D8", "AC3D20"};
+
+// A rotated, stretched, skewed element.
+Point affine(const Point& n) {
+  return {5 + 2.0 * n[0] + 0.3 * n[1] - 0.4 * n[2], -1 + 0.2 * n[0] + 1.1 * n[1] + 0.3 * n[2],
+          3 - 0.1 * n[0] + 0.2 * n[1] + 1.7 * n[2]};
+}
+
+// Opposite sides of different length: what a distorted mesh of first-order elements looks like.
+Point warped(const Point& n) {
+  Point p = affine(n);
+  p[0] += 0.25 * n[0] * n[1] * (1 + 0.5 * n[2]);
+  p[1] += 0.15 * n[1] * n[2];
+  return p;
+}
+
+// Curved edges and faces in the element's own directions.
+Point curved(const Point& n) {
+  Point p = affine(n);
+  p[0] += 0.12 * n[1] * n[1] + 0.05 * n[2] * n[2];
+  p[1] += 0.10 * n[0] * n[0];
+  p[2] += 0.07 * n[0] * n[0] - 0.06 * n[1] * n[1];
+  return p;
+}
+
+// Keeps planar elements in a plane, and lines on a line.
+Point flattened(Solid solid, Point p) {
+  if (solid == Solid::Line) return {p[0], 2 * p[0] + 1, 0.5 * p[0]};
+  if (solid == Solid::Triangle || solid == Solid::Quadrilateral) p[2] = 0.3 * p[0] - 0.2 * p[1];
+  return p;
+}
+
+struct Element {
+  Shape shape;
+  const ExtrapolationRule* rule;
+  std::vector<float> coordinates;
+
+  Element(const std::string& type, Point (*map)(const Point&), bool flat = true) {
+    const ElementType found = elementType(type);
+    shape = found.shape;
+    rule = extrapolationRule(shape, found.nPoints);
+    for (const Point& node : shapeNodes(shape)) {
+      const Point p = flat ? flattened(solidOf(shape), map(node)) : map(node);
+      for (double x : p) coordinates.push_back(static_cast<float>(x));
+    }
+  }
+  Point node(int a) const {
+    const float* x = &coordinates[3 * static_cast<std::size_t>(a)];
+    return {static_cast<double>(x[0]), static_cast<double>(x[1]), static_cast<double>(x[2])};
+  }
+  Point at(const Point& natural) const {
+    Point p{};
+    const auto n = shapeFunctions(shape, natural);
+    for (std::size_t a = 0; a < n.size(); ++a) {
+      for (std::size_t d = 0; d < 3; ++d) p[d] += n[a] * node(static_cast<int>(a))[d];
+    }
+    return p;
+  }
+  std::vector<double> extrapolated(const Field& field, bool centre) const {
+    Matrix scratch;
+    const Matrix& w = elementWeights(*rule, coordinates.data(), centre, scratch);
+    std::vector<double> result(static_cast<std::size_t>(w.rows), 0.0);
+    for (int a = 0; a < w.rows; ++a) {
+      for (int g = 0; g < w.columns; ++g) {
+        result[static_cast<std::size_t>(a)] +=
+            w.at(a, g) * field(at(rule->points[static_cast<std::size_t>(g)]));
+      }
+    }
+    return result;
+  }
+};
+
+double linear(const Point& p) {
+  return 7 - 3 * p[0] + 2 * p[1] + 0.5 * p[2];
+}
+
+void expectLinearComesBack(const Element& element, const std::string& what) {
+  ASSERT_NE(element.rule, nullptr) << what;
+  const auto nodal = element.extrapolated(linear, false);
+  ASSERT_EQ(nodal.size(), shapeNodes(element.shape).size()) << what;
+  for (std::size_t a = 0; a < nodal.size(); ++a) {
+    EXPECT_NEAR(nodal[a], linear(element.node(static_cast<int>(a))), 2e-5) << what << " " << a + 1;
+  }
+  const double centre = element.extrapolated(linear, true)[0];
+  EXPECT_NEAR(centre, linear(element.at(shapeCentre(element.shape))), 2e-5) << what;
+}
+
+TEST(Extrapolation, GivesLinearFieldsBackOnRegularElements) {
+  for (const char* type : kLinearTypes) expectLinearComesBack(Element(type, affine), type);
+}
+
+TEST(Extrapolation, GivesLinearFieldsBackOnDistortedElements) {
+  for (const char* type : kLinearTypes) expectLinearComesBack(Element(type, warped), type);
+}
+
+TEST(Extrapolation, GivesLinearFieldsBackOnCurvedElements) {
+  for (const char* type : kLinearTypes) {
+    const Solid solid = solidOf(elementType(type).shape);
+    // First-order elements and lines have no curved edges.
+    if (shapeNodes(elementType(type).shape).size() <= 4 || solid == Solid::Line) continue;
+    expectLinearComesBack(Element(type, curved), type);
+  }
+}
+
+TEST(Extrapolation, GivesLinearFieldsBackOnWarpedShells) {
+  for (const char* type : {"S4", "M3D4"}) expectLinearComesBack(Element(type, warped, false), type);
+}
+
+TEST(Extrapolation, OfOnePointIsConstant) {
+  for (const char* type : {"C3D4", "C3D8R", "CPS3", "CPE4R", "CAX3", "S3", "S4R", "SC6R", "SC8R",
+                           "M3D3", "T2D2", "T3D2", "B21", "B31"}) {
+    const Element element(type, affine);
+    ASSERT_NE(element.rule, nullptr) << type;
+    for (double value : element.extrapolated([](const Point&) { return 4.25; }, false)) {
+      EXPECT_DOUBLE_EQ(value, 4.25) << type;
+    }
+  }
+}
+
+TEST(Extrapolation, OfWedgeWithTwoPointsFollowsTheAxis) {
+  const Element element("C3D6", [](const Point& n) { return Point{n[0], n[1], 2 * n[2]}; });
+  const auto values = element.extrapolated([](const Point& p) { return 3 + p[2]; }, false);
+  for (std::size_t a = 0; a < 6; ++a) EXPECT_NEAR(values[a], a < 3 ? 1 : 5, 1e-6);
+}
+
+TEST(Extrapolation, OfLayersFollowsTheMidSurface) {
+  for (const char* type : {"COH3D8", "COH3D6", "GK3D8", "COH2D4"}) {
+    // A hundredth as thick as wide; planar layers are thin in s, solid ones in t.
+    const bool planar = std::string(type) == "COH2D4";
+    const Element element(
+        type,
+        planar ? [](const Point& n) { return Point{n[0], 0.01 * n[1], 0}; }
+               : [](const Point& n) { return Point{n[0], n[1], 0.01 * n[2]}; },
+        false);
+    const auto values = element.extrapolated(
+        [&](const Point& p) { return 1 + 2 * p[0] - (planar ? 0 : p[1]); }, false);
+    for (std::size_t a = 0; a < values.size(); ++a) {
+      const Point p = element.node(static_cast<int>(a));
+      EXPECT_NEAR(values[a], 1 + 2 * p[0] - (planar ? 0 : p[1]), 1e-6) << type;
+    }
+  }
+}
+
+TEST(Extrapolation, OfFullyIntegratedQuadraticElementsGivesQuadraticFieldsBack) {
+  const Field quadratic = [](const Point& p) {
+    return 1 + p[0] * p[1] - 2 * p[2] * p[2] + p[0] * p[0] + 0.5 * p[1] * p[2];
+  };
+  for (const char* type : {"C3D20", "C3D27", "CPE8", "CAX8", "M3D8"}) {
+    const Element element(type, affine);
+    const auto values = element.extrapolated(quadratic, false);
+    for (std::size_t a = 0; a < values.size(); ++a) {
+      EXPECT_NEAR(values[a], quadratic(element.node(static_cast<int>(a))), 5e-4) << type;
+    }
+    EXPECT_NEAR(element.extrapolated(quadratic, true)[0],
+                quadratic(element.at(shapeCentre(element.shape))), 5e-4);
+  }
+}
+
+TEST(Extrapolation, OfReducedHexahedraIsTrilinearThroughThePoints) {
+  // r*r is 1/3 at every point, so its trilinear continuation is 1/3 everywhere.
+  const Element element("C3D20R", [](const Point& n) { return n; });
+  for (double value : element.extrapolated([](const Point& p) { return p[0] * p[0]; }, false)) {
+    EXPECT_NEAR(value, 1.0 / 3, 1e-6);
+  }
+  const auto corner =
+      element.extrapolated([](const Point& p) { return p[0] * p[1] * p[2]; }, false);
+  EXPECT_NEAR(corner[6], 1, 1e-6);
+}
+
+TEST(Extrapolation, OfNearlyFlatShellsDoesNotBlowUp) {
+  const Element element(
+      "S8R",
+      [](const Point& n) {
+        return Point{n[0], n[1], 1e-3 * n[0] * n[0] * (1 + 0.01 * n[1])};
+      },
+      false);
+  const auto values = element.extrapolated([](const Point& p) { return p[0] * p[1]; }, false);
+  for (double value : values) EXPECT_LT(std::fabs(value), 1.01);
+}
+
+TEST(Extrapolation, OfFlatShellsKeepsTheTwistTerm) {
+  const Element element(
+      "S8R",
+      [](const Point& n) {
+        return Point{n[0], n[1], 0.1 * n[0] + 0.3f * n[1]};
+      },
+      false);
+  const auto values = element.extrapolated([](const Point& p) { return p[0] * p[1]; }, false);
+  EXPECT_NEAR(values[2], 1, 1e-5);
+  EXPECT_NEAR(values[1], -1, 1e-5);
+}
+
+TEST(Extrapolation, OfDegenerateElementsStaysFinite) {
+  for (const char* type : {"C3D20R", "C3D10", "C3D15", "S8R"}) {
+    const Element element(
+        type,
+        [](const Point&) {
+          return Point{1, 1, 1};
+        },
+        false);
+    for (double value : element.extrapolated([](const Point&) { return 2.0; }, false)) {
+      EXPECT_NEAR(value, 2, 1e-9) << type;
+    }
+  }
+}
+
+TEST(Extrapolation, HasNoRuleForOtherNumbersOfPoints) {
+  EXPECT_EQ(extrapolationRule(Shape::Hex8, 14), nullptr);
+  EXPECT_EQ(extrapolationRule(Shape::Tet10, 11), nullptr);
+  EXPECT_EQ(extrapolationRule(Shape::Unknown, 1), nullptr);
+  EXPECT_EQ(extrapolationRule(Shape::Quad4, 0), nullptr);
+}
+
+}  // namespace

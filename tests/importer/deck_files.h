@@ -34,6 +34,8 @@ class DeckFolder {
   std::string write(const std::string& name, const std::string& text) const {
     const std::filesystem::path file = folder_ / name;
     std::filesystem::create_directories(file.parent_path());
+    // A fresh file: some file systems flush a file that is cut and written again.
+    std::filesystem::remove(file);
     std::ofstream(file, std::ios::binary) << text;
     return file.string();
   }

@@ -2,10 +2,10 @@
 // The order of the model stream of model/model_stream.h.
 #include "model/model_stream.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
+#include "model/instance_names.h"
 #include "model/materials.h"
 #include "model/mesh.h"
 #include "model/put.h"
@@ -38,15 +38,6 @@ void sendAnnotation(odb_Odb& odb, int outputFd) {
     sendDirect(outputFd);
     begin = end;
   }
-}
-
-// Sorted here, whatever order the repository iterates in: the stream's order is by name.
-std::vector<std::string> sortedInstanceNames(odb_Assembly& assembly) {
-  std::vector<std::string> names;
-  odb_InstanceRepositoryIT it(assembly.instances());
-  for (it.first(); !it.isDone(); it.next()) names.emplace_back(it.currentKey().CStr());
-  std::sort(names.begin(), names.end());
-  return names;
 }
 
 // The section numbers of an instance's elements. Contract: with a single instance that claims no

@@ -9,6 +9,8 @@
 
 #include "base/text.h"
 #include "model/model_stream.h"
+#include "model/section_summary.h"
+#include "model/sets_stream.h"
 #include "registry/database_commands.h"
 #include "registry/open_database.h"
 #include "server/field_scanner.h"
@@ -35,9 +37,7 @@ bool isSet(char flag) {
 void sendSets(Call& call, bool withSurfaces) {
   odb_Odb& odb = open(call);
   setDatabaseFlag(odb, isSet(call.at(2)));
-  const bool withCouplings = isSet(call.at(4));
-  static_cast<void>(withSurfaces);
-  static_cast<void>(withCouplings);
+  sendSetsStream(odb, call.outputFd, withSurfaces, isSet(call.at(4)));
 }
 
 }  // namespace
@@ -96,7 +96,7 @@ void sendRegionSets(Call& call) {
 }
 
 void sendSectionSummary(Call& call) {
-  open(call);
+  sendSectionSummary(open(call), call.outputFd);
 }
 
 void walkOpen(Call&) {

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The order of the sets stream of model/sets_stream.h, and its records.
+#include "model/sets_stream.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/instance_names.h"
+#include "model/model_stream.h"
+#include "model/put.h"
+#include "server/entity_records.h"
+#include "server/record.h"
+#include "server/sdk_adapter.h"
+
+namespace odbs {
+
+namespace {
+
+constexpr unsigned char kNodeSetTag = 0x05;
+constexpr unsigned char kElementSetTag = 0x06;
+constexpr unsigned char kSurfaceTag = 0x07;
+constexpr unsigned char kEndOfSetTag = 0x0B;
+constexpr unsigned char kErrorTag = '|';
+
+constexpr std::string_view kBrokenSets = "Error in Sets definition";
+constexpr std::string_view kCouplingMark = "COUPLING_";
+
+class SetsWriter {
+ public:
+  SetsWriter(int outputFd, bool grouped, bool withCouplings)
+      : outputFd_(outputFd), grouped_(grouped), withCouplings_(withCouplings) {}
+
+  // One group of one instance: the assembly's sets, restricted to it, then its own. A database that
+  // fails in the assembly's part ends the group with the error record.
+  void sendGroup(const odb_Instance& instance, const odb_SetRepository& ofAssembly,
+                 const odb_SetRepository& ofInstance) {
+    const odb_String name = instance.name();
+    try {
+      sendAssemblySets(ofAssembly, name);
+    } catch (const std::exception&) {
+      if (grouped_) sendMarker(outputFd_);
+      sendTextRecord(outputFd_, kErrorTag, kBrokenSets);
+      return;
+    }
+    if (grouped_) sendNameRecord(outputFd_, viewOf(name));
+    odb_SetRepositoryIT it(ofInstance);
+    for (it.first(); !it.isDone(); it.next()) {
+      const odb_Set set = it.currentValue();
+      if (isSent(set)) sendSet(set, name, false);
+    }
+    if (grouped_) sendMarker(outputFd_);
+  }
+
+ private:
+  void sendAssemblySets(const odb_SetRepository& sets, const odb_String& instance) {
+    odb_SetRepositoryIT it(sets);
+    for (it.first(); !it.isDone(); it.next()) {
+      const odb_Set set = it.currentValue();
+      if (!isSent(set)) continue;
+      sendSet(set, instance, grouped_);
+      if (grouped_) sendMarker(outputFd_);
+    }
+  }
+
+  bool isSent(const odb_Set& set) const {
+    const odb_String owned = set.name();
+    const std::string_view name = viewOf(owned);
+    // Contract: exactly these names, with their leading blank, never go out.
+    if (name == " ALL NODES" || name == " ALL ELEMENTS") return false;
+    return withCouplings_ || set.type() != odb_Enum::NODE_SET ||
+           name.find(kCouplingMark) == std::string_view::npos;
+  }
+
+  // Set header, buffered: 05 node set, 06 element set, 07 surface; a text record. Then the members
+  // that belong to the instance, and the end-of-set record, a tag alone. Contract: a set of another
+  // type is the end-of-set record alone.
+  void sendSet(const odb_Set& set, const odb_String& instance, bool named) {
+    unsigned char tag = 0;
+    switch (set.type()) {
+      case odb_Enum::NODE_SET:
+        tag = kNodeSetTag;
+        break;
+      case odb_Enum::ELEMENT_SET:
+        tag = kElementSetTag;
+        break;
+      case odb_Enum::SURFACE_SET:
+        tag = kSurfaceTag;
+        break;
+      default:
+        break;
+    }
+    if (tag != 0) {
+      const odb_String name = set.name();
+      sendTextRecord(outputFd_, tag, viewOf(name));
+      if (named) sendNameRecord(outputFd_, viewOf(instance));
+      try {
+        sendMembers(set, tag, instance);
+      } catch (const std::exception&) {
+        // Contract: members that cannot be read end the list, and the set is closed all the same.
+      }
+    }
+    *reserveRecord(outputFd_, 1) = kEndOfSetTag;
+  }
+
+  void sendMembers(const odb_Set& set, unsigned char tag, const odb_String& instance) {
+    if (tag == kNodeSetTag) {
+      sendNodeLabels(outputFd_, set.nodes(instance));
+    } else if (tag == kElementSetTag) {
+      sendElementLabels(outputFd_, set.elements(instance));
+    } else {
+      sendElementLabelPairs(outputFd_, set.elements(instance), set.faces(instance));
+    }
+  }
+
+  int outputFd_;
+  bool grouped_;
+  bool withCouplings_;
+};
+
+}  // namespace
+
+void sendSetsStream(odb_Odb& odb, int outputFd, bool withSurfaces, bool withCouplings) {
+  sendTitle(odb, outputFd);
+  outputBuffer.fill = 0;
+  odb_Assembly& assembly = odb.rootAssembly();
+  const std::vector<std::string> names = sortedInstanceNames(assembly);
+  SetsWriter writer(outputFd, names.size() > 1, withCouplings);
+  for (const std::string& name : names) {
+    const odb_Instance& instance = assembly.instances()[name.c_str()];
+    writer.sendGroup(instance, assembly.nodeSets(), instance.nodeSets());
+    writer.sendGroup(instance, assembly.elementSets(), instance.elementSets());
+    if (withSurfaces) writer.sendGroup(instance, assembly.surfaces(), instance.surfaces());
+  }
+  flushOutput(outputFd);
+}
+
+}  // namespace odbs

@@ -208,10 +208,8 @@ std::vector<std::vector<std::string>> DeckParser::dataFields() {
 }
 
 std::int32_t DeckParser::instanceIndex(const std::string& name) const {
-  for (std::size_t i = 0; i < deck_.instances.size(); ++i) {
-    if (deck_.instances[i].name == name) return static_cast<std::int32_t>(i);
-  }
-  return -1;
+  const auto found = instanceIndices_.find(name);
+  return found == instanceIndices_.end() ? -1 : found->second;
 }
 
 std::int32_t DeckParser::ownerOf(const Keyword& keyword) const {

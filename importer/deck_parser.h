@@ -60,6 +60,8 @@ class DeckParser {
   void readSystem(const Keyword&);
   void addElementLine(std::string_view line, std::size_t block, const ElementType& type,
                       Set* elset);
+  void takeElementFields(std::string_view line, const ElementType& type);
+  void checkNodeCount(Place place, const ElementType& type, const std::string& typeName);
   Vec3 toGlobal(const Vec3& point) const;
 
   // ---- Mesh generation (read_generation.cpp) ----
@@ -130,6 +132,8 @@ class DeckParser {
 
   // ---- Resolution (finish_deck.cpp) ----
   void finish();
+  void finishStructure();
+  void finishUses(Scope& content, const Scope& home);
   void finishMesh(Scope& content);
   void checkConnectivity(const Scope& content);
   const std::vector<std::int32_t>& sortedElements(const Scope& mesh);
@@ -147,8 +151,15 @@ class DeckParser {
   Level level_ = Level::flat;
   std::int32_t part_ = -1, instance_ = -1;  // being read, in their levels
   std::int32_t flatPart_ = -1;              // part that takes what stands outside of parts
+  std::unordered_map<std::string, std::int32_t> instanceIndices_;
   bool assemblySeen_ = false;
   bool inStep_ = false;
+  // The element being read; kept between elements, which are too many for an allocation each.
+  struct ElementInput {
+    std::int32_t label = 0;
+    std::size_t nFields = 0;  // of nodes, those with label 0 and surplus ones included
+    std::vector<std::int32_t> nodes, owners;
+  } elementInput_;
   bool surplusWarned_ = false;  // elements with too many nodes: one warning a keyword
   std::int32_t material_ = -1;
   std::int64_t nGenerated_ = 0;

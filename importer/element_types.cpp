@@ -161,6 +161,7 @@ int nodesOf(const Row& row, std::string_view rest) {
 // Types whose number of nodes is not what their digits say, or is open.
 void applyExceptions(std::string_view name, ElementType& type) {
   if (name == "D") type.zeroNodes = true;
+  if (startsWith(name, "CONN")) type.grounded = true;
   if (startsWith(name, "C3D15V") || startsWith(name, "C3D27")) type.nNodes = 0;  // optional nodes
   if (startsWith(name, "GK3D12") || startsWith(name, "GK3D18")) type.nNodes = 0;
   if (startsWith(name, "GK3D2N") || startsWith(name, "GK2D2N")) type.nNodes = 2;

@@ -25,6 +25,7 @@ struct ElementType {
   Space space = Space::unknown;
   Family family = Family::other;
   bool zeroNodes = false;   // label 0 stands for "no node" (ends of fluid networks)
+  bool grounded = false;    // a node left out stands for the ground (connectors)
   bool extraNodes = false;  // a further node may follow: the orientation node of beams
 };
 

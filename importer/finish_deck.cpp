@@ -11,7 +11,7 @@ namespace odbs::importer {
 
 namespace {
 
-constexpr std::int64_t kMaxMembers = 1'000'000'000;  // of all sets together
+constexpr std::int64_t kMaxMembers = 500'000'000;  // of all sets together
 
 bool contains(const std::vector<std::int32_t>& sorted, std::int32_t label) {
   return std::binary_search(sorted.begin(), sorted.end(), label);
@@ -47,22 +47,7 @@ class LabelCheck {
 }  // namespace
 
 void DeckParser::finish() {
-  if (level_ == Level::part) fail("*PART without *END PART");
-  if (level_ == Level::instance) fail("*INSTANCE without *END INSTANCE");
-  if (deck_.flat) {
-    scope();  // a deck without a node still has its part, for the message below
-    Instance only;
-    only.name = "PART-1-1";
-    only.part = static_cast<std::size_t>(flatPart_);
-    deck_.instances.push_back(std::move(only));
-  } else if (flatPart_ >= 0) {
-    if (deck_.parts[static_cast<std::size_t>(flatPart_)].content.hasMesh()) {
-      fail("there are nodes or elements outside of parts and assembly");
-    }
-    deck_.parts[static_cast<std::size_t>(flatPart_)].name.clear();
-  }
-  if (!deck_.flat && deck_.instances.empty()) fail("the deck has parts but no *INSTANCE");
-
+  finishStructure();
   for (Part& part : deck_.parts) finishMesh(part.content);
   for (Instance& instance : deck_.instances) finishMesh(instance.content);
   finishMesh(deck_.assembly);
@@ -73,43 +58,56 @@ void DeckParser::finish() {
   });
   if (nNodes == 0 && !analytic) fail("the deck defines no nodes");
 
-  const auto finishContent = [this](Scope& content, const Scope& home) {
+  const auto finishAllSets = [this](Scope& content, const Scope& home) {
     finishSets(content.nodeSets, home, false);
     finishSets(content.elementSets, home, true);
   };
-  for (Part& part : deck_.parts) {
-    level_ = Level::part;
-    part_ = static_cast<std::int32_t>(&part - &deck_.parts.front());
-    finishContent(part.content, part.content);
+  for (Part& part : deck_.parts) finishAllSets(part.content, part.content);
+  for (Instance& instance : deck_.instances) {
+    finishAllSets(instance.content, deck_.meshOf(instance));
   }
-  for (Instance& instance : deck_.instances)
-    finishContent(instance.content, deck_.meshOf(instance));
-  finishContent(deck_.assembly, deck_.assembly);
+  finishAllSets(deck_.assembly, deck_.assembly);
 
-  // Surfaces, sections and rigid bodies look their sets up from where they stand.
+  // What names sets looks them up from where it stands.
   for (std::size_t i = 0; i < deck_.parts.size(); ++i) {
     level_ = Level::part;
     part_ = static_cast<std::int32_t>(i);
-    Scope& content = deck_.parts[i].content;
-    checkConnectivity(content);
-    finishSurfaces(content, content);
-    finishSections(content, content);
-    finishRigidBodies(content);
+    finishUses(deck_.parts[i].content, deck_.parts[i].content);
   }
   for (std::size_t i = 0; i < deck_.instances.size(); ++i) {
     level_ = Level::instance;
     instance_ = static_cast<std::int32_t>(i);
-    Scope& content = deck_.instances[i].content;
-    checkConnectivity(content);
-    finishSurfaces(content, deck_.meshOf(deck_.instances[i]));
-    finishSections(content, deck_.meshOf(deck_.instances[i]));
-    finishRigidBodies(content);
+    finishUses(deck_.instances[i].content, deck_.meshOf(deck_.instances[i]));
   }
   level_ = Level::assembly;
-  checkConnectivity(deck_.assembly);
-  finishSurfaces(deck_.assembly, deck_.assembly);
-  finishSections(deck_.assembly, deck_.assembly);
-  finishRigidBodies(deck_.assembly);
+  finishUses(deck_.assembly, deck_.assembly);
+}
+
+void DeckParser::finishUses(Scope& content, const Scope& home) {
+  checkConnectivity(content);
+  finishSurfaces(content, home);
+  finishSections(content, home);
+  finishRigidBodies(content);
+}
+
+// Blocks must be closed; a flat deck gets its instance.
+void DeckParser::finishStructure() {
+  if (level_ == Level::part) fail("*PART without *END PART");
+  if (level_ == Level::instance) fail("*INSTANCE without *END INSTANCE");
+  if (deck_.flat) {
+    scope();  // a deck without a node still has its part, for the message about that
+    Instance only;
+    only.name = "PART-1-1";
+    only.part = static_cast<std::size_t>(flatPart_);
+    deck_.instances.push_back(std::move(only));
+  } else if (flatPart_ >= 0) {
+    Part& outside = deck_.parts[static_cast<std::size_t>(flatPart_)];
+    if (outside.content.hasMesh()) {
+      fail("there are nodes or elements outside of parts and assembly");
+    }
+    outside.name.clear();
+  }
+  if (deck_.instances.empty()) fail("the deck has parts but no *INSTANCE");
 }
 
 void DeckParser::finishMesh(Scope& content) {

@@ -6,9 +6,10 @@
 #include <odb_MaterialTypes.h>
 #include <odb_SectionTypes.h>
 
+#include <array>
 #include <map>
 #include <string>
-#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "importer/database_writer.h"
@@ -27,6 +28,18 @@ class ElementFinder {
  private:
   const Scope* mesh_;
   std::size_t block_ = 0, at_ = 0;  // what was found last
+};
+
+// Corner nodes of a face, ascending; zeros in front for triangles.
+using FaceNodes = std::array<std::int32_t, 4>;
+struct FaceHash {
+  std::size_t operator()(const FaceNodes& nodes) const {
+    std::uint64_t h = 1469598103934665603ULL;
+    for (const std::int32_t node : nodes) {
+      h = (h ^ static_cast<std::uint32_t>(node)) * 1099511628211ULL;
+    }
+    return static_cast<std::size_t>(h ^ (h >> 32));
+  }
 };
 
 class ModelWriter {
@@ -94,6 +107,8 @@ class ModelWriter {
   std::vector<std::string> categories_;  // names, by the index that elements carry
   std::map<const Section*, std::int32_t> categoryOf_;
   std::map<std::string, const Orientation*> csysNames_;
+  const Scope* sharedFacesOf_ = nullptr;  // mesh whose inner faces these are
+  std::unordered_set<FaceNodes, FaceHash> sharedFaces_;
   std::map<const Scope*, odb_Part> partOf_;  // by the scope that was written as a part
 };
 

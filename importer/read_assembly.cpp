@@ -80,6 +80,7 @@ void DeckParser::readInstance(const Keyword& keyword) {
     instance.translation = rotated(instance.translation, a, b, values[6]);
   }
   instance_ = static_cast<std::int32_t>(deck_.instances.size());
+  instanceIndices_.emplace(instance.name, instance_);
   deck_.instances.push_back(std::move(instance));
   level_ = Level::instance;
 }

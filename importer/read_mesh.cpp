@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t kProgressEvery = 65536;  // lines
 constexpr std::size_t kMaxElementNodes = 100000;
+constexpr std::size_t kMaxTypes = 1000;
 
 const char* skipBlanks(const char* at, const char* end) {
   while (at != end && (*at == ' ' || *at == '\t')) ++at;
@@ -106,6 +107,7 @@ void DeckParser::readElement(const Keyword& keyword) {
   const ElementType type = elementTypeOf(typeName);
   surplusWarned_ = false;
   const std::size_t block = content.elements.blockOf(typeName);
+  if (block >= kMaxTypes) lines_.fail(keyword.place, "too many different element types");
   const Parameter* elsetName = keyword.find("ELSET");
   Set* elset =
       elsetName && !elsetName->value.empty() ? &content.elementSets.at(elsetName->value) : nullptr;
@@ -126,68 +128,88 @@ void DeckParser::addElementLine(std::string_view line, std::size_t block, const 
   const bool inAssembly = level_ == Level::assembly;
   const Place place = lines_.place();
   const auto wanted = static_cast<std::size_t>(type.nNodes);
-  // Kept between calls: elements are too many for an allocation each.
-  static thread_local std::vector<std::int32_t> nodes, owners;
-  nodes.clear();
-  owners.clear();
-  std::size_t nFields = 0;  // node fields, those with label 0 included
-  std::int32_t label = 0;
-  bool first = true;
+  ElementInput& input = elementInput_;
+  input.label = 0;
+  input.nFields = 0;
+  input.nodes.clear();
+  input.owners.clear();
   for (;;) {
-    const char* at = line.data();
-    const char* const end = at + line.size();
-    while (skipBlanks(at, end) != end) {
-      std::int32_t value = 0, owner = kOwn;
-      const char* const begin = at;
-      if (!quick(at, end, value) || value < 0) {
-        at = begin;
-        value = 0;
-        const std::string_view field = slowField(at, end);
-        if (inAssembly && !first && !field.empty()) {
-          const Reference node = referenceOf(field);
-          value = node.label;
-          owner = node.owner;
-          if (value == 0) fail("\"" + std::string(field.substr(0, 40)) + "\" is not a node");
-        } else if (!field.empty() || first) {
-          value = labelOf(field);
-        }
-      }
-      if (first) {
-        if (value == 0) fail("an element cannot have the label 0");
-        label = value;
-        first = false;
-        continue;
-      }
-      ++nFields;
-      if (value == 0 && !type.zeroNodes)
-        fail("a node of element " + std::to_string(label) + " is missing");
-      if (value == 0 || (wanted > 0 && nFields > wanted)) continue;
-      nodes.push_back(value);
-      if (inAssembly) owners.push_back(owner);
-      if (nodes.size() > kMaxElementNodes)
-        fail("element " + std::to_string(label) + " has too many nodes");
-    }
+    takeElementFields(line, type);
     const bool comma = !line.empty() && line.back() == ',';
-    const bool goesOn = wanted > 0 ? nFields < wanted : comma;
+    const bool goesOn = wanted > 0 ? input.nFields < wanted && !type.grounded : comma;
     if (!goesOn || !lines_.dataLine(line)) break;
   }
-  const std::string text =
-      "element " + std::to_string(label) + " of type " + content.elements.blocks[block].type;
-  if (wanted > 0 && nFields < wanted) {
-    lines_.fail(place, text + " has " + std::to_string(nFields) + " of " + std::to_string(wanted) +
-                           " nodes");
+  if (type.grounded && input.nodes.size() == 1) {
+    // Databases repeat the node of a grounded connector; which end is grounded is lost there.
+    input.nodes.push_back(input.nodes[0]);
+    if (inAssembly) input.owners.push_back(input.owners[0]);
+    input.nFields = wanted;
   }
-  if (wanted > 0 && nFields > wanted && !type.extraNodes) {
-    // Solvers read as many as the type has; decks with a few too many are about.
-    if (!surplusWarned_)
-      warn(place, text + " has " + std::to_string(nFields) + " nodes; the first " +
-                      std::to_string(wanted) + " are taken");
+  const bool complete = wanted == 0 || input.nFields == wanted;
+  if (!complete || input.nodes.empty())
+    checkNodeCount(place, type, content.elements.blocks[block].type);
+  content.elements.add(block, input.label, input.nodes.data(),
+                       inAssembly ? input.owners.data() : nullptr, input.nodes.size(), place);
+  if (elset) elset->addLabel(kOwn, input.label);
+}
+
+// The numbers of one line: the label first when there is none yet, then nodes.
+void DeckParser::takeElementFields(std::string_view line, const ElementType& type) {
+  ElementInput& input = elementInput_;
+  const bool inAssembly = level_ == Level::assembly;
+  const auto wanted = static_cast<std::size_t>(type.nNodes);
+  const char* at = line.data();
+  const char* const end = at + line.size();
+  while (skipBlanks(at, end) != end) {
+    std::int32_t value = 0, owner = kOwn;
+    const char* const begin = at;
+    if (!quick(at, end, value) || value < 0) {
+      at = begin;
+      value = 0;
+      const std::string_view field = slowField(at, end);
+      if (inAssembly && input.label != 0 && !field.empty()) {
+        const Reference node = referenceOf(field);
+        value = node.label;
+        owner = node.owner;
+        if (value == 0) fail("\"" + std::string(field.substr(0, 40)) + "\" is not a node");
+      } else if (!field.empty() || input.label == 0) {
+        value = labelOf(field);
+      }
+    }
+    if (input.label == 0) {
+      if (value == 0) fail("an element cannot have the label 0");
+      input.label = value;
+      continue;
+    }
+    ++input.nFields;
+    if (value == 0 && !type.zeroNodes && !type.grounded) {
+      fail("a node of element " + std::to_string(input.label) + " is missing");
+    }
+    if (value == 0 || (wanted > 0 && input.nFields > wanted)) continue;
+    input.nodes.push_back(value);
+    if (inAssembly) input.owners.push_back(owner);
+    if (input.nodes.size() > kMaxElementNodes) {
+      fail("element " + std::to_string(input.label) + " has too many nodes");
+    }
+  }
+}
+
+// Called for an element that has not the number of nodes of its type.
+void DeckParser::checkNodeCount(Place place, const ElementType& type, const std::string& typeName) {
+  const ElementInput& input = elementInput_;
+  const auto wanted = static_cast<std::size_t>(type.nNodes);
+  const std::string text = "element " + std::to_string(input.label) + " of type " + typeName;
+  if (input.nFields < wanted) {
+    lines_.fail(place, text + " has " + std::to_string(input.nFields) + " of " +
+                           std::to_string(wanted) + " nodes");
+  }
+  if (input.nodes.empty()) lines_.fail(place, text + " has no nodes");
+  // Solvers read as many as the type has; decks with a few too many are about.
+  if (!type.extraNodes && !surplusWarned_) {
     surplusWarned_ = true;
+    warn(place, text + " has " + std::to_string(input.nFields) + " nodes; the first " +
+                    std::to_string(wanted) + " are taken");
   }
-  if (nodes.empty()) lines_.fail(place, text + " has no nodes");
-  content.elements.add(block, label, nodes.data(), inAssembly ? owners.data() : nullptr,
-                       nodes.size(), place);
-  if (elset) elset->addLabel(kOwn, label);
 }
 
 // *SYSTEM: origin, a point on the first axis, a point in the plane of the first two. Without data

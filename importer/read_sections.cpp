@@ -228,8 +228,14 @@ void DeckParser::readOrientation(const Keyword& keyword) {
   const bool zFirst = startsWith(system, "Z");
   const std::string& definition = keyword.value("DEFINITION");
   std::string_view line;
-  const bool byPoints = definition.empty() || definition == "COORDINATES";
-  if (byPoints && lines_.dataLine(line)) {
+  bool byPoints = definition.empty() || definition == "COORDINATES";
+  const bool any = lines_.dataLine(line);
+  // In place of points the name of a table may stand that gives each element its own.
+  std::string_view first;
+  if (any && byPoints && Fields(line).next(first) && !first.empty() && !parseReal(first)) {
+    byPoints = false;
+  }
+  if (byPoints && any) {
     auto v = realsOf(line, 9);
     v.resize(9, 0.0);
     const Vec3 a{v[0], v[1], v[2]}, b{v[3], v[4], v[5]}, c{v[6], v[7], v[8]};
@@ -254,11 +260,10 @@ void DeckParser::readOrientation(const Keyword& keyword) {
       warn(keyword.place, "the points of orientation " + orientation.name + " span no system");
     }
   } else if (!byPoints) {
-    lines_.dataLine(line);
-    warn(keyword.place, "orientation " + orientation.name + " is taken as global: DEFINITION=" +
-                            definition + " depends on the elements");
+    warn(keyword.place, "orientation " + orientation.name +
+                            " is taken as global: its axes depend on the elements");
   }
-  if (lines_.dataLine(line)) {
+  if (any && lines_.dataLine(line)) {
     const auto values = realsOf(line, 2);
     if (values.size() == 2 && values[0] >= 1 && values[0] <= 3) {
       orientation.rotationAxis = static_cast<int>(values[0]);

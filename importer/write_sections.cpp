@@ -110,17 +110,19 @@ void ModelWriter::nameSections(const Scope& content, const std::string& owner) {
     for (int attempt = 0;; ++attempt) {
       if (attempt == 1) base = owner + "_" + section.elset;
       if (attempt > 1) base = owner + "_" + section.elset + "-" + std::to_string(attempt);
-      const bool connector = section.kind == SectionKind::connector;
-      NamedSection named{connector ? base : "Section-" + base,
-                         section.word + " < elset = " + base + " >"};
-      const auto taken = sectionsByName_.find(named.name);
-      if (taken != sectionsByName_.end() && !sameProperties(*taken->second, section)) continue;
-      if (taken == sectionsByName_.end()) {
-        sectionsByName_.emplace(named.name, &section);
+      NamedSection named;
+      named.category = section.word + " < elset = " + base + " >";
+      named.name = section.kind == SectionKind::connector ? base : "Section-" + base;
+      // What has only a category takes no section's name.
+      if (section.kind == SectionKind::other) named.name = named.category;
+      const auto [taken, isNew] = sectionsByName_.emplace(named.name, &section);
+      if (!isNew && !sameProperties(*taken->second, section)) continue;
+      if (isNew) {
+        categoryOf_[&section] = static_cast<std::int32_t>(categories_.size());
         writeSection(section, named);
+      } else {
+        categoryOf_[&section] = categoryOf_.at(taken->second);
       }
-      const auto category = std::find(categories_.begin(), categories_.end(), named.category);
-      categoryOf_[&section] = static_cast<std::int32_t>(category - categories_.begin());
       named_[&section] = std::move(named);
       break;
     }
@@ -288,7 +290,7 @@ void ModelWriter::assignSections(odb_PartEntity& entity, const Scope& content) {
   }
 }
 
-// The assembly assigns connector sections; its masses and springs are known by their categories.
+// Connectors and point masses between instances, and the axes of all connectors.
 void ModelWriter::assignAssemblySections() {
   odb_Assembly& assembly = odb_.rootAssembly();
   const auto orient = [&](const odb_Set& region, const Section& section, const Scope& content) {
@@ -316,10 +318,10 @@ void ModelWriter::assignAssemblySections() {
     }
   };
   for (const Section& section : deck_.assembly.sections) {
-    if (section.kind != SectionKind::connector) continue;
+    if (section.kind == SectionKind::other) continue;
     const odb_Set region = assembly.elementSets()[text(section.elset)];
     assembly.SectionAssignment(region, sectionApi_.sections()[text(named_.at(&section).name)]);
-    orient(region, section, deck_.assembly);
+    if (section.kind == SectionKind::connector) orient(region, section, deck_.assembly);
   }
   // Connectors inside of parts: their orientations belong to the assembly all the same.
   for (const Instance& instance : deck_.instances) {

@@ -3,8 +3,6 @@
 #include <odb_embedded.h>
 
 #include <algorithm>
-#include <array>
-#include <unordered_set>
 
 #include "base/text.h"
 #include "importer/model_writer.h"
@@ -39,40 +37,36 @@ odb_String nameOfOwner(const Deck& deck, std::int32_t owner) {
                        : text(deck.instances[static_cast<std::size_t>(owner)].name);
 }
 
-struct FaceHash {
-  std::size_t operator()(const std::array<std::int32_t, 4>& nodes) const {
-    std::size_t h = 1469598103934665603ULL;
-    for (const std::int32_t node : nodes)
-      h = (h ^ static_cast<std::size_t>(node)) * 1099511628211ULL;
-    return h;
+// The corner nodes of an element's face, ascending; false when it has no such face.
+bool faceNodes(const ElementBlock& block, std::size_t e, const ElementType& type, int face,
+               FaceNodes& nodes) {
+  int corners[4];
+  const int n = faceCorners(type, face, corners);
+  nodes.fill(0);
+  for (int i = 0; i < n; ++i) {
+    const std::size_t at = block.offsets[e] + static_cast<std::size_t>(corners[i]);
+    nodes[static_cast<std::size_t>(i)] = block.nodes[at];
   }
-};
+  std::sort(nodes.begin(), nodes.end());
+  return n > 0;
+}
 
 }  // namespace
 
 // Faces of solids that no second element of the mesh has; both sides of shells and lines.
 void ModelWriter::addFreeFaces(const Scope& mesh, const std::vector<std::int32_t>& elements,
                                odb_SequenceInt& labels, odb_SequenceElementFace& faces) {
-  using Nodes = std::array<std::int32_t, 4>;
-  const auto faceNodes = [](const ElementBlock& block, std::size_t e, const ElementType& type,
-                            int face, Nodes& nodes) {
-    int corners[4];
-    const int n = faceCorners(type, face, corners);
-    nodes.fill(0);
-    for (int i = 0; i < n; ++i) {
-      const std::size_t at = block.offsets[e] + static_cast<std::size_t>(corners[i]);
-      nodes[static_cast<std::size_t>(i)] = block.nodes[at];
-    }
-    std::sort(nodes.begin(), nodes.end());
-    return n > 0;
-  };
-  std::unordered_set<Nodes, FaceHash> once, shared;
-  Nodes nodes;
-  for (const ElementBlock& block : mesh.elements.blocks) {
-    const ElementType type = elementTypeOf(block.type);
-    for (std::size_t e = 0; e < block.labels.size(); ++e) {
-      for (int face = 1; face <= 6 && faceNodes(block, e, type, face, nodes); ++face) {
-        if (!once.insert(nodes).second) shared.insert(nodes);
+  FaceNodes nodes;
+  if (sharedFacesOf_ != &mesh) {
+    sharedFacesOf_ = &mesh;
+    sharedFaces_.clear();
+    std::unordered_set<FaceNodes, FaceHash> once;
+    for (const ElementBlock& block : mesh.elements.blocks) {
+      const ElementType type = elementTypeOf(block.type);
+      for (std::size_t e = 0; e < block.labels.size(); ++e) {
+        for (int face = 1; face <= 6 && faceNodes(block, e, type, face, nodes); ++face) {
+          if (!once.insert(nodes).second) sharedFaces_.insert(nodes);
+        }
       }
     }
   }
@@ -88,7 +82,7 @@ void ModelWriter::addFreeFaces(const Scope& mesh, const std::vector<std::int32_t
       continue;
     }
     for (int face = 1; face <= 6 && faceNodes(block, at.index, type, face, nodes); ++face) {
-      if (shared.count(nodes) > 0) continue;
+      if (sharedFaces_.count(nodes) > 0) continue;
       labels.append(label);
       faces.append(static_cast<odb_Enum::odb_ElementFaceEnum>(10 + face));
     }

@@ -61,15 +61,17 @@ TEST_F(DeckTest, ElementsContinueUntilTheyHaveTheNodesOfTheirType) {
            "*ELEMENT, TYPE=C3D20R\n1,1,2,3,4,5,6,7,8\n9,10,11,12,13,14,15,16,\n17,18,19,20,\n"
            "2,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,\n16,17,18,19,20\n"
            "*ELEMENT, TYPE=USER7\n5,1,2,3,\n4\n6,1\n"
-           "*ELEMENT, TYPE=B31\n7,1,2,20\n*ELEMENT, TYPE=D\n8,0,1,2\n");
+           "*ELEMENT, TYPE=CONN3D2\n9,,3\n10,4,\n*ELEMENT, TYPE=B31\n7,1,2,20\n"
+           "*ELEMENT, TYPE=D\n8,0,1,2\n");
   const auto& blocks = mesh(deck).elements.blocks;
-  ASSERT_EQ(4U, blocks.size());
+  ASSERT_EQ(5U, blocks.size());
   EXPECT_EQ((Labels{1, 2}), blocks[0].labels);
   EXPECT_EQ((std::vector<std::uint32_t>{0, 20, 40}), blocks[0].offsets);
   EXPECT_EQ(20, blocks[0].nodes.back());
   EXPECT_EQ((std::vector<std::uint32_t>{0, 4, 5}), blocks[1].offsets);
-  EXPECT_EQ((Labels{1, 2}), blocks[2].nodes) << "the orientation node of a beam is no corner";
-  EXPECT_EQ((Labels{1, 2}), blocks[3].nodes) << "node 0 of a network element is the outside";
+  EXPECT_EQ((Labels{3, 3, 4, 4}), blocks[2].nodes) << "grounded connectors repeat their node";
+  EXPECT_EQ((Labels{1, 2}), blocks[3].nodes) << "the orientation node of a beam is no corner";
+  EXPECT_EQ((Labels{1, 2}), blocks[4].nodes) << "node 0 of a network element is the outside";
 }
 
 TEST_F(DeckTest, SetsTakeLabelsRangesAndOtherSets) {

@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What an imported deck looks like through the API.
+#include <cmath>
+
+#include "tests/importer/imported.h"
+
+namespace odbs::importer {
+namespace {
+
+const std::string kCube =
+    "*HEADING\nA cube\n"
+    "*NODE, NSET=NALL\n1,0,0,0\n2,1,0,0\n3,1,1,0\n4,0,1,0\n5,0,0,1\n6,1,0,1\n7,1,1,1\n8,0,1,1\n"
+    "*ELEMENT, TYPE=C3D8, ELSET=EALL\n1,1,2,3,4,5,6,7,8\n"
+    "*ELEMENT, TYPE=S4R, ELSET=PLATE\n3,5,6,7,8\n2,1,2,3,4\n"
+    "*MATERIAL, NAME=M\n*DENSITY\n2.5\n*ELASTIC\n100., .3\n";
+
+TEST_F(ImportTest, FlatDecksAreOnePartWithOneInstance) {
+  odb_Odb& odb = import(kCube);
+  EXPECT_STREQ("A cube", odb.analysisTitle().CStr());
+  EXPECT_STREQ("ASSEMBLY", odb.rootAssembly().name().CStr());
+  EXPECT_EQ(1, odb.jobData().analysisCode());
+  EXPECT_EQ(1, odb.parts().size());
+  ASSERT_EQ(1, odb.rootAssembly().instances().size());
+  odb_Instance& cube = instance("PART-1-1");
+  EXPECT_EQ(8, cube.nodes().size());
+  EXPECT_EQ(3, cube.elements().size());
+  EXPECT_EQ(odb_Enum::THREE_D, cube.embeddedSpace());
+  EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8}),
+            connectivityOf(cube.getElementFromLabel(1)));
+  EXPECT_STREQ("S4R", cube.getElementFromLabel(2).type().CStr());
+  EXPECT_EQ((std::vector<int>{2, 3}), labelsOf(cube.elementSets()["PLATE"].elements()));
+  EXPECT_EQ(8, cube.nodeSets()["NALL"].size());
+  EXPECT_TRUE(odb.rootAssembly().nodeSets().isMember(" ALL NODES"));
+}
+
+TEST_F(ImportTest, ExplicitDynamicsSetsTheAnalysisCode) {
+  EXPECT_EQ(2,
+            import(kCube + "*STEP\n*DYNAMIC, EXPLICIT\n,1.\n*END STEP\n").jobData().analysisCode());
+}
+
+TEST_F(ImportTest, EverySectionKeywordGivesItsSectionClass) {
+  struct Row {
+    const char* keyword;
+    const odbs::TypeIdentifier& identifier;
+  };
+  const Row rows[] = {
+      {"*SOLID SECTION, ELSET=EALL, MATERIAL=M", odb_HomogeneousSolidSection::typeIdentifier()},
+      {"*SOLID SECTION, ELSET=EALL, COMPOSITE\n1,1,M", odb_CompositeSolidSection::typeIdentifier()},
+      {"*SHELL SECTION, ELSET=EALL, MATERIAL=M\n1", odb_HomogeneousShellSection::typeIdentifier()},
+      {"*SHELL SECTION, ELSET=EALL, COMPOSITE\n1,3,M", odb_CompositeShellSection::typeIdentifier()},
+      {"*SHELL GENERAL SECTION, ELSET=EALL\n1,2", odb_ShellSection::typeIdentifier()},
+      {"*MEMBRANE SECTION, ELSET=EALL, MATERIAL=M\n1", odb_MembraneSection::typeIdentifier()},
+      {"*BEAM SECTION, ELSET=EALL, MATERIAL=M, SECTION=RECT\n1,2\n0,1,0",
+       odb_BeamSection::typeIdentifier()},
+      {"*GASKET SECTION, ELSET=EALL, MATERIAL=M", odb_GasketSection::typeIdentifier()},
+      {"*COHESIVE SECTION, ELSET=EALL, MATERIAL=M", odb_CohesiveSection::typeIdentifier()},
+      {"*MASS, ELSET=EALL\n2.5", odb_PointSection::typeIdentifier()},
+  };
+  for (const Row& row : rows) {
+    odb_Odb& odb = import(kCube + row.keyword + "\n");
+    odb_SectionApi api;
+    odb.extendApi(odb_Enum::odb_SECTION, api);
+    ASSERT_TRUE(api.sections().isMember("Section-EALL")) << row.keyword;
+    EXPECT_TRUE(api.sections()["Section-EALL"].subTypeIdentifier() == row.identifier)
+        << row.keyword;
+    odb_Set region = instance("PART-1-1").sectionAssignments(0).region();
+    EXPECT_EQ((std::vector<int>{1}), labelsOf(region.elements())) << row.keyword;
+  }
+}
+
+TEST_F(ImportTest, ElementsCarryTheCategoryOfTheirSection) {
+  import(kCube +
+         "*SOLID SECTION, ELSET=EALL, MATERIAL=M\n*SHELL SECTION, ELSET=PLATE, MATERIAL=M\n.5\n");
+  odb_Instance& cube = instance("PART-1-1");
+  EXPECT_STREQ("solid < elset = EALL >",
+               cube.getElementFromLabel(1).sectionCategory().name().CStr());
+  const odb_SectionCategory category = cube.getElementFromLabel(3).sectionCategory();
+  EXPECT_STREQ("shell < elset = PLATE >", category.name().CStr());
+  ASSERT_EQ(5, category.sectionPoints().size());
+  EXPECT_EQ(1, category.sectionPoints(0).number());
+  EXPECT_STREQ("fraction = -1.000000, Layer = 1", category.sectionPoints(0).description().CStr());
+  EXPECT_STREQ("fraction = 0.000000, Layer = 1", category.sectionPoints(2).description().CStr());
+}
+
+TEST_F(ImportTest, CompositeShellsKeepTheirLayersAndPoints) {
+  odb_Odb& odb =
+      import(kCube + "*SHELL SECTION, ELSET=PLATE, COMPOSITE\n1.,3,M,45.\n3.,2,M,ORI,CORE\n");
+  odb_SectionApi api;
+  odb.extendApi(odb_Enum::odb_SECTION, api);
+  const auto& shell = odb_dynamicCast(odb_CompositeShellSection, api.sections()["Section-PLATE"]);
+  ASSERT_EQ(2, shell.layup().size());
+  EXPECT_EQ(1, shell.layup(0).thickness());
+  EXPECT_EQ(45, shell.layup(0).orientAngle().getDouble());
+  EXPECT_STREQ("ORI", shell.layup(1).orientAngle().getString().CStr());
+  EXPECT_STREQ("M", shell.layup(1).material().CStr());
+  const auto& points = odb.sectionCategories()["shell < elset = PLATE >"].sectionPoints();
+  ASSERT_EQ(5, points.size());
+  EXPECT_STREQ("fraction = -0.500000, Layer = 1", points[2].description().CStr());
+  EXPECT_STREQ("fraction = -0.500000, Layer = 2", points[3].description().CStr());
+  EXPECT_STREQ("fraction = 1.000000, Layer = 2", points[4].description().CStr());
+}
+
+TEST_F(ImportTest, MaterialsArriveWithAllTheirTables) {
+  odb_Odb& odb = import(kCube +
+                        "*FAIL STRESS\n1,2,3,4,5,6,7\n*FAIL STRAIN\n1,2,3,4,5\n"
+                        "*MATERIAL, NAME=AIR\n*ACOUSTIC MEDIUM\n1.4E5\n");
+  odb_MaterialApi api;
+  odb.extendApi(odb_Enum::odb_MATERIAL, api);
+  ASSERT_EQ(2, api.materials().size());
+  const odb_Material& m = api.materials()["M"];
+  EXPECT_EQ(2.5, m.density().table()[0][0]);
+  EXPECT_STREQ("ISOTROPIC", m.elastic().type().CStr());
+  EXPECT_EQ(0.3, m.elastic().table()[0][1]);
+  EXPECT_EQ(7, m.elastic().failStress().table()[0][6]);
+  EXPECT_EQ(5, m.elastic().failStrain().table()[0][4]);
+  EXPECT_FALSE(m.acousticMedium().hasValue());
+  EXPECT_TRUE(api.materials()["AIR"].acousticMedium().hasValue());
+  EXPECT_FALSE(api.materials()["AIR"].elastic().hasValue());
+}
+
+TEST_F(ImportTest, SurfacesNameFacesBySolidOrShell) {
+  import(kCube +
+         "*SURFACE, NAME=A\nEALL, S4\nPLATE, SNEG\n*SURFACE, NAME=N, TYPE=NODE\n3\n"
+         "*SURFACE, NAME=FREE\nEALL\n");
+  odb_Instance& cube = instance("PART-1-1");
+  const odb_Set a = cube.surfaces()["A"];
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), labelsOf(a.elements()));
+  EXPECT_EQ((std::vector<int>{odb_Enum::FACE4, odb_Enum::SIDE2, odb_Enum::SIDE2}), facesOf(a));
+  EXPECT_EQ((std::vector<int>{3}), labelsOf(cube.surfaces()["N"].nodes()));
+  EXPECT_EQ(6, cube.surfaces()["FREE"].faces().size());
+}
+
+TEST_F(ImportTest, FreeSurfacesLeaveFacesBetweenElementsOut) {
+  std::string text = "*NODE\n";
+  for (int k = 0; k < 3; ++k) {
+    for (int i = 0; i < 4; ++i) {
+      const char* const corners[] = {"0,0", "1,0", "1,1", "0,1"};
+      text += std::to_string(4 * k + i + 1) + "," + corners[i] + "," + std::to_string(k) + "\n";
+    }
+  }
+  import(text +
+         "*ELEMENT, TYPE=C3D8, ELSET=E\n1,1,2,3,4,5,6,7,8\n2,5,6,7,8,9,10,11,12\n"
+         "*SURFACE, NAME=S\nE\n");
+  const odb_Set s = instance("PART-1-1").surfaces()["S"];
+  EXPECT_EQ((std::vector<int>{1, 1, 1, 1, 1, 2, 2, 2, 2, 2}), labelsOf(s.elements()));
+  const std::vector<int> faces = facesOf(s);
+  EXPECT_EQ(0, std::count(faces.begin(), faces.begin() + 5, odb_Enum::FACE2));
+  EXPECT_EQ(0, std::count(faces.begin() + 5, faces.end(), odb_Enum::FACE1));
+}
+
+TEST_F(ImportTest, PlaneAndAxisymmetricDecksHaveTheirSpace) {
+  const std::string nodes = "*NODE\n1,0,0\n2,1,0\n3,1,1\n4,0,1\n";
+  struct Row {
+    const char* type;
+    odb_Enum::odb_DimensionEnum space;
+  };
+  for (const Row& row : {Row{"CPS4", odb_Enum::TWO_D_PLANAR}, Row{"CPE4R", odb_Enum::TWO_D_PLANAR},
+                         Row{"CAX4", odb_Enum::AXISYMMETRIC}, Row{"S4", odb_Enum::THREE_D}}) {
+    import(nodes + "*ELEMENT, TYPE=" + row.type + "\n1,1,2,3,4\n");
+    EXPECT_EQ(row.space, instance("PART-1-1").embeddedSpace()) << row.type;
+  }
+  import(nodes + "5,0,0,1\n*ELEMENT, TYPE=CPS4\n1,1,2,3,4\n");
+  EXPECT_EQ(odb_Enum::THREE_D, instance("PART-1-1").embeddedSpace()) << "z is not lost";
+}
+
+TEST_F(ImportTest, UnsortedDecksArriveSorted) {
+  import("*NODE\n5,5\n1,1\n3,3\n*ELEMENT, TYPE=T3D2\n9,5,1\n4,1,3\n");
+  odb_Instance& bars = instance("PART-1-1");
+  EXPECT_EQ((std::vector<int>{1, 3, 5}), labelsOf(bars.nodes()));
+  EXPECT_EQ((std::vector<int>{4, 9}), labelsOf(bars.elements()));
+  expectAt(bars, 5, 5, 0, 0);
+  EXPECT_EQ((std::vector<int>{5, 1}), connectivityOf(bars.getElementFromLabel(9)));
+}
+
+TEST_F(ImportTest, StepsStandInOrderWithoutFrames) {
+  odb_Odb& odb = import(kCube +
+                        "*STEP, NAME=Pull, NLGEOM\nwords\n*STATIC\n.1, 2.\n*END STEP\n"
+                        "*STEP, PERTURBATION\n*FREQUENCY\n3\n*END STEP\n");
+  odb_StepRepository steps = odb.steps();
+  ASSERT_EQ(2, steps.size());
+  const odb_Step& pull = steps.stepList().Get(0);
+  EXPECT_STREQ("Pull", pull.name().CStr());
+  EXPECT_STREQ("words", pull.description().CStr());
+  EXPECT_STREQ("*STATIC", pull.procedure().CStr());
+  EXPECT_EQ(2, pull.timePeriod());
+  EXPECT_EQ(0, pull.frames().size());
+  EXPECT_EQ(odb_Enum::MODAL, steps["Step-2"].domain());
+}
+
+TEST_F(ImportTest, SectionsOfTheSameSetNameInTwoPartsAreToldApart) {
+  const auto part = [](const char* name, const char* thickness) {
+    return std::string("*PART, NAME=") + name +
+           "\n*NODE\n1,0,0\n2,1,0\n3,1,1\n4,0,1\n*ELEMENT, TYPE=S4, ELSET=E\n1,1,2,3,4\n"
+           "*SHELL SECTION, ELSET=E, MATERIAL=M\n" +
+           thickness + "\n*END PART\n";
+  };
+  odb_Odb& odb = import(part("P", "1.") + part("Q", "2.") + part("R", "1.") +
+                        "*ASSEMBLY, NAME=A\n*INSTANCE, NAME=P-1, PART=P\n*END INSTANCE\n"
+                        "*INSTANCE, NAME=Q-1, PART=Q\n*END INSTANCE\n"
+                        "*INSTANCE, NAME=R-1, PART=R\n*END INSTANCE\n*END ASSEMBLY\n"
+                        "*MATERIAL, NAME=M\n*ELASTIC\n1,.3\n");
+  EXPECT_STREQ("A", odb.rootAssembly().name().CStr());
+  const auto sectionOf = [&](const char* name) {
+    return std::string(instance(name).sectionAssignments(0).sectionName().CStr());
+  };
+  EXPECT_EQ("Section-E", sectionOf("P-1"));
+  EXPECT_EQ("Section-Q_E", sectionOf("Q-1"));
+  EXPECT_EQ("Section-E", sectionOf("R-1")) << "equal sections are one";
+  EXPECT_STREQ("shell < elset = Q_E >",
+               instance("Q-1").getElementFromLabel(1).sectionCategory().name().CStr());
+}
+
+TEST_F(ImportTest, InstancesMayBringTheirOwnMesh) {
+  import(
+      "*PART, NAME=P\n*END PART\n*ASSEMBLY, NAME=A\n"
+      "*INSTANCE, NAME=P-1, PART=P\n0,0,5\n*NODE\n1,1,0,0\n2,2,0,0\n*ELEMENT, TYPE=T3D2, "
+      "ELSET=E\n1,1,2\n"
+      "*SOLID SECTION, ELSET=E, MATERIAL=M\n*END INSTANCE\n"
+      "*INSTANCE, NAME=P-2, PART=P\n*NODE\n1,7,0,0\n*END INSTANCE\n"
+      "*NSET, NSET=N, INSTANCE=P-1\n2\n*END ASSEMBLY\n*MATERIAL, NAME=M\n*ELASTIC\n1,.3\n");
+  expectAt(instance("P-1"), 2, 2, 0, 5);
+  expectAt(instance("P-2"), 1, 7, 0, 0);
+  EXPECT_EQ(1, instance("P-1").sectionAssignments().size());
+  EXPECT_EQ((std::vector<int>{2}), labelsOf(odb_->rootAssembly().nodeSets()["N"].nodes("P-1")));
+}
+
+class SampleTest : public ImportTest {
+ protected:
+  void SetUp() override {
+    importFile(std::string(ODBS_SOURCE_DIR) + "/samples/hinged_arms/hinged_arms.inp");
+  }
+};
+
+TEST_F(SampleTest, InstancesStandWhereTheDeckPutsThem) {
+  const double c = std::cos(std::acos(-1.0) / 6), s = 0.5;
+  expectAt(instance("ARM-1"), 115, 40, 10, 5);
+  expectAt(instance("ARM-2"), 5, 50 + 50 * c, 50 * s, 0);
+  expectAt(instance("ARM-2"), 111, 50 + 10 * c - 10 * s, 10 * s + 10 * c, 5);
+  expectAt(instance("ROLLER-1"), 1, 90, -10, 0);
+}
+
+TEST_F(SampleTest, SetsAndAssignmentsReachTheInstances) {
+  for (const char* name : {"ARM-1", "ARM-2"}) {
+    odb_Instance& arm = instance(name);
+    EXPECT_EQ((std::vector<int>{1, 11, 101, 111}), labelsOf(arm.nodeSets()["LEFT"].nodes()));
+    ASSERT_EQ(3, arm.sectionAssignments().size());
+    odb_Set skin = arm.sectionAssignments(2).region();
+    EXPECT_EQ((std::vector<int>{11, 12, 13, 14}), labelsOf(skin.elements()));
+    EXPECT_STREQ("Section-SKIN", arm.sectionAssignments(2).sectionName().CStr());
+    EXPECT_STREQ("truss < elset = ROD >",
+                 arm.getElementFromLabel(21).sectionCategory().name().CStr());
+  }
+  const odb_Set bodies = odb_->rootAssembly().elementSets()["BODIES"];
+  EXPECT_EQ((std::vector<int>{1, 2, 3, 4}), labelsOf(bodies.elements("ARM-2")));
+  EXPECT_EQ((std::vector<int>{1, 11, 101, 111}),
+            labelsOf(odb_->rootAssembly().nodeSets()["CLAMPED"].nodes("ARM-1")));
+}
+
+TEST_F(SampleTest, TheHingeIsAnElementOfTheAssembly) {
+  odb_Assembly& assembly = odb_->rootAssembly();
+  ASSERT_EQ(1, assembly.elements().size());
+  const odb_Element hinge = assembly.elements(0);
+  EXPECT_STREQ("CONN3D2", hinge.type().CStr());
+  EXPECT_EQ((std::vector<int>{5, 1}), connectivityOf(hinge));
+  ASSERT_EQ(2, hinge.instanceNames().size());
+  EXPECT_STREQ("ARM-2", hinge.instanceNames()[1].CStr());
+  EXPECT_STREQ("connector < elset = HINGE >", hinge.sectionCategory().name().CStr());
+  ASSERT_EQ(1, assembly.sectionAssignments().size());
+  EXPECT_STREQ("HINGE", assembly.sectionAssignments(0).sectionName().CStr());
+  ASSERT_EQ(1, assembly.connectorOrientations().size());
+  const odb_ConnectorOrientation& axes = assembly.connectorOrientations()[0];
+  EXPECT_STREQ("HINGE", axes.region().name().CStr());
+  EXPECT_STREQ("HINGE-AXES", axes.csys1().name().CStr());
+  EXPECT_NEAR(1, axes.csys2().xAxis()[2], 1e-6);
+}
+
+TEST_F(SampleTest, TheRollerIsAnAnalyticRigidBody) {
+  odb_Instance& roller = instance("ROLLER-1");
+  ASSERT_TRUE(roller.hasAnalyticSurface());
+  const odb_AnalyticSurface& mantle = roller.analyticSurface();
+  EXPECT_STREQ("MANTLE", mantle.name().CStr());
+  EXPECT_STREQ("CYLINDER", mantle.type().CStr());
+  EXPECT_EQ(3, mantle.segments().size());
+  EXPECT_EQ(3, mantle.localCoordData().size());
+  ASSERT_EQ(1, odb_->rootAssembly().rigidBodies().size());
+  const odb_RigidBody& body = odb_->rootAssembly().rigidBodies()[0];
+  ASSERT_TRUE(body.hasAnalyticSurface());
+  EXPECT_STREQ("MANTLE", body.analyticSurface().name().CStr());
+  EXPECT_EQ((std::vector<int>{1}), labelsOf(body.referenceNodeSet().nodes()));
+}
+
+}  // namespace
+}  // namespace odbs::importer

@@ -13,12 +13,13 @@ namespace odbs {
 
 namespace {
 
-constexpr int kGuardWaitMs = 2000;    // the watchdog's patience with the guard's holder
+constexpr int kGuardWaitMs = 500;     // the watchdog's patience with the guard's holder
 constexpr int kParentGraceMs = 250;   // a dying parent's pipes close a little before it has ended
 constexpr int kCleanUpWaitMs = 5000;  // bound on waiting for the watchdog
 
 struct Shared {
   std::atomic_flag taken = ATOMIC_FLAG_INIT;  // the guard
+  std::atomic<bool> ending{false};            // the watchdog wants the guard, for good
   std::unique_ptr<std::string> cachePath;     // under the guard
   int cacheStreamFd = -1;                     // under the guard; -1: no stream is open
   port::WatchedProcess parent;                // set before the second thread starts
@@ -27,9 +28,18 @@ struct Shared {
 // Never destroyed: the watchdog may look at it until the process is gone.
 Shared& shared = *new Shared;
 
-bool takeGuard(int timeoutMs) {
+// The main thread's side. Never returns once the watchdog wants the guard.
+void takeGuard() {
+  while (shared.ending.load() || shared.taken.test_and_set(std::memory_order_acquire)) {
+    port::sleepMs(1);
+  }
+}
+
+// The watchdog's side: for good, and ahead of a main thread that comes back again and again.
+bool takeGuardForGood() {
+  shared.ending.store(true);
   for (int waited = 0; shared.taken.test_and_set(std::memory_order_acquire); ++waited) {
-    if (timeoutMs >= 0 && waited >= timeoutMs) return false;
+    if (waited >= kGuardWaitMs) return false;
     port::sleepMs(1);
   }
   return true;
@@ -53,7 +63,7 @@ bool companionsExist() {
 }  // namespace
 
 CacheGuard::CacheGuard() {
-  takeGuard(-1);
+  takeGuard();
 }
 
 CacheGuard::~CacheGuard() {
@@ -105,7 +115,7 @@ void setWatchedParent(const port::WatchedProcess& parent) {
 void removeCacheCompanions() {
   // Whoever holds the guard does short work only; if the file system hangs, the process ends
   // without the clean-up rather than never.
-  if (!takeGuard(kGuardWaitMs) || !shared.cachePath) return;
+  if (!takeGuardForGood() || !shared.cachePath) return;
   removeCompanion(cacheTemporaryName(*shared.cachePath));
   removeCompanion(cacheLockName(*shared.cachePath));
 }

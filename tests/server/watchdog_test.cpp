@@ -130,5 +130,15 @@ TEST(Watchdog, CleansUpAlsoWhenTheMainThreadMeetsTheEndOfInput) {
   }
 }
 
+// The clean-up strikes while the main thread opens, writes, closes and deletes companions.
+TEST(CleanUp, LeavesNoCompanionWhateverTheMainThreadDoes) {
+  for (int i = 0; i < kKills; ++i) {
+    TemporaryFolder folder;
+    Process probe(siblingProgram("cleanup_probe"), {folder.file("cache"), std::to_string(i % 7)});
+    EXPECT_EQ(probe.wait(), 0) << "round " << i;
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << "round " << i;
+  }
+}
+
 }  // namespace
 }  // namespace odbs::tests

@@ -136,6 +136,19 @@ bool syncFile(const std::string& path) {
   return done;
 }
 
+bool openFilesCanBeReplaced() { return false; }
+
+std::string libraryPath(const std::string& path) {
+  const int length = static_cast<int>(path.size());
+  const int nWide = ::MultiByteToWideChar(CP_ACP, 0, path.data(), length, nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(nWide), L'\0');
+  ::MultiByteToWideChar(CP_ACP, 0, path.data(), length, wide.data(), nWide);
+  const int n = ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), nWide, nullptr, 0, nullptr, nullptr);
+  std::string utf8(static_cast<std::size_t>(n), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), nWide, utf8.data(), n, nullptr, nullptr);
+  return utf8;
+}
+
 std::string universalName(const std::string& path) {
   alignas(UNIVERSAL_NAME_INFOA) char buffer[1024];
   DWORD size = sizeof buffer;

@@ -2,6 +2,8 @@
 // The common base of the section and the material extension.
 #pragma once
 
+#include <odb_Enum.h>
+
 namespace odbs::engine {
 class Database;
 }
@@ -10,13 +12,15 @@ class Database;
 class odb_ApiExtension {
  public:
   // For the library itself.
+  odb_Enum::odb_ApiExtensionEnum engineKind() const { return which_; }
   void engineAttach(odbs::engine::Database* database) { database_ = database; }
   odbs::engine::Database* engineDatabase() const { return database_; }
 
  protected:
-  odb_ApiExtension() = default;
+  explicit odb_ApiExtension(odb_Enum::odb_ApiExtensionEnum which) : which_(which) {}
   odbs::engine::Database& need() const;
 
  private:
+  odb_Enum::odb_ApiExtensionEnum which_;
   odbs::engine::Database* database_ = nullptr;
 };

@@ -102,6 +102,7 @@ class odb_MaterialContainerIT : public odbs::RepositoryIterator<odb_Material> {
 // Materials of one database, iterated by name.
 class odb_MaterialApi : public odb_ApiExtension {
  public:
+  odb_MaterialApi() : odb_ApiExtension(odb_Enum::odb_MATERIAL) {}
   odb_MaterialContainer& materials() const;
   // Throws odb_Exception on a read-only database or a name that is taken.
   odb_Material& Material(const odb_String& name);

@@ -13,6 +13,11 @@ class odb_OdbRepository {
   odb_Odb& operator[](const odb_String& key) const { return get(key); }
   const odb_Odb& constGet(const odb_String& key) const { return get(key); }
   int size() const;
+
+  // For the library itself: enters and takes out an open database.
+  odb_Odb& engineEnter(const odb_String& key, const odb_String& path,
+                       std::unique_ptr<odbs::engine::Database> database);
+  void engineLeave(odb_Odb& odb);
 };
 
 // Walks the keys in bytewise order. Databases may be opened and closed meanwhile, the current one

@@ -228,6 +228,7 @@ typedef odb_ProfileContainerIT kseO_ProfileContainerIT;
 // database does not have.
 class odb_SectionApi : public odb_ApiExtension {
  public:
+  odb_SectionApi() : odb_ApiExtension(odb_Enum::odb_SECTION) {}
   odb_SectionContainer& sections() const;
   odb_ProfileContainer& profiles() const;
   int numProfiles() const;

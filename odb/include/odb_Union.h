@@ -31,6 +31,9 @@ class odb_Union {
   bool getBool() const;
   odb_String getString() const;
 
+  // For the library itself: the text, empty for numbers.
+  const odb_String& engineText() const { return text_; }
+
  private:
   double number() const;
 

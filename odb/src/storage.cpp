@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The files of one open database, and saving.
+#include "odb/src/storage.h"
+
+#include "odb/src/errors.h"
+#include "port/port.h"
+
+#include <cstring>
+
+namespace odbs::engine {
+
+Storage::~Storage() {
+  dropPending();
+}
+
+void Storage::setCurrent(std::unique_ptr<FileReader> reader) {
+  current_ = ++lastFile_;
+  files_[current_] = std::move(reader);
+}
+
+void Storage::read(layout::Kind kind, const ArrayRef& ref, std::int64_t first, std::int64_t count,
+                   void* out) {
+  if (first < 0 || count < 0 || first > ref.count - count) {
+    failDamaged("a part of an array lies outside it");
+  }
+  if (ref.file == pendingFile_ && pending_) {
+    pending_->readArray(kind, ref.start + first, count, out);
+    return;
+  }
+  const auto file = files_.find(ref.file);
+  if (file == files_.end()) failUsage("the data were written to a file that is gone");
+  file->second->readArray(kind, ref.start + first, count, out);
+}
+
+FileWriter& Storage::pending(const std::string& target) {
+  if (!pending_) {
+    static int count = 0;
+    const std::string path =
+        target + ".new" + std::to_string(port::currentProcessId()) + "-" + std::to_string(++count);
+    pending_ = std::make_unique<FileWriter>(path, compressed);
+    pendingFile_ = ++lastFile_;
+  }
+  return *pending_;
+}
+
+void Storage::commitPending(const std::string& target) {
+  const std::string path = pending_->path();
+  const bool durable = port::syncFile(path);
+  const int error = durable ? port::replaceFile(path, target) : 0;
+  if (!durable || error != 0) {
+    pending_->reopen();
+    fail(odb_ERROR_CANNOT_WRITE,
+         "cannot write " + target + ": " + (durable ? std::strerror(error) : "flushing failed"));
+  }
+  const int number = pendingFile_;
+  auto reader = std::make_unique<FileReader>(target);
+  pending_.reset();
+  pendingFile_ = 0;
+  // References may point at files of earlier saves only as long as those are the current one.
+  files_.clear();
+  files_[number] = std::move(reader);
+  current_ = number;
+}
+
+void Storage::dropPending() {
+  if (!pending_) return;
+  const std::string path = pending_->path();
+  pending_.reset();
+  pendingFile_ = 0;
+  port::removeFile(path);
+}
+
+Table& Saver::table(const layout::TableSpec& spec) {
+  return tables_.emplace(&spec, emptyTable(spec)).first->second;
+}
+
+ArrayRef Saver::put(layout::Kind kind, const ArrayRef& ref, std::int64_t count,
+                    const std::function<const void*()>& memory) {
+  if (count == 0) return ArrayRef();
+  if (ref.file != 0 && ref.file == targetFile_) return ref;
+  const std::tuple<int, int, std::int64_t> key(static_cast<int>(kind), ref.file, ref.start);
+  if (ref.file != 0) {
+    const auto known = copied_.find(key);
+    if (known != copied_.end() && known->second.count == count) return known->second;
+  }
+  const void* data = memory();
+  std::vector<unsigned char> bytes;
+  if (!data) {
+    bytes.resize(static_cast<std::size_t>(count) * sizeOf(numberOf(kind)));
+    storage_.read(kind, ref, 0, count, bytes.data());
+    data = bytes.data();
+  }
+  const ArrayRef placed{target_.putArray(kind, data, count), count, targetFile_};
+  if (ref.file != 0) copied_[key] = placed;
+  return placed;
+}
+
+void Saver::finish() {
+  target_.putTexts(texts_.texts());
+  for (const auto& [spec, table] : tables_) target_.putTable(*spec, table);
+  target_.finish();
+}
+
+void Saver::commit() {
+  for (const Commit& change : commits_) *change.where = change.ref;
+}
+
+}  // namespace odbs::engine

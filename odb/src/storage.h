@@ -1,0 +1,342 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Texts, tables and arrays in files: a reader for stored databases and a writer for new ones, and
+// Storage, which knows both for one open database.
+//
+// Arrays are the bulk data. A StoredArray is in memory, in a file, or both: what was read from a
+// file may be dropped and read again, what was made in memory may be spilled into the file that the
+// next save() completes. Each file has a number, so that a reference says which file it means.
+#pragma once
+
+#include "odb/src/hdf5_file.h"
+#include "odb/src/layout.h"
+
+#include <odb_String.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <new>
+#include <tuple>
+#include <unordered_map>
+
+namespace odbs::engine {
+
+// Leaves new elements unset: bulk arrays are filled by a read right away.
+template <class T>
+struct UnsetAllocator : std::allocator<T> {
+  template <class U>
+  struct rebind {
+    using other = UnsetAllocator<U>;
+  };
+  using std::allocator<T>::allocator;
+  template <class U>
+  void construct(U* p) {
+    ::new (static_cast<void*>(p)) U;
+  }
+  template <class U, class... A>
+  void construct(U* p, A&&... arguments) {
+    ::new (static_cast<void*>(p)) U(std::forward<A>(arguments)...);
+  }
+};
+
+template <class T>
+using Buffer = std::vector<T, UnsetAllocator<T>>;
+
+template <class T>
+constexpr layout::Kind kindOf();
+template <>
+constexpr layout::Kind kindOf<int>() {
+  return layout::Kind::kInt32;
+}
+template <>
+constexpr layout::Kind kindOf<float>() {
+  return layout::Kind::kFloat32;
+}
+template <>
+constexpr layout::Kind kindOf<double>() {
+  return layout::Kind::kFloat64;
+}
+Number numberOf(layout::Kind kind);
+
+// Where an array is stored. File 0: nowhere.
+struct ArrayRef {
+  std::int64_t start = 0;
+  std::int64_t count = 0;
+  int file = 0;
+};
+
+// Rows of a table in memory, from `firstRow` of the stored one.
+struct Table {
+  std::int64_t firstRow = 0;
+  std::int64_t nRows = 0;
+  int nInts = 0;
+  int nReals = 0;
+  std::vector<std::int64_t> ints;
+  std::vector<double> reals;
+
+  // Appends a row of zeros and gives its number.
+  std::int64_t addRow();
+  std::int64_t& integer(std::int64_t row, int column) {
+    return ints[static_cast<std::size_t>(row * nInts + column)];
+  }
+  std::int64_t integer(std::int64_t row, int column) const {
+    return ints[static_cast<std::size_t>(row * nInts + column)];
+  }
+  double& real(std::int64_t row, int column) {
+    return reals[static_cast<std::size_t>(row * nReals + column)];
+  }
+  double real(std::int64_t row, int column) const {
+    return reals[static_cast<std::size_t>(row * nReals + column)];
+  }
+};
+Table emptyTable(const layout::TableSpec& spec);
+
+// Texts by number: each stored once. Number -1 is the empty text.
+class TextWriter {
+ public:
+  std::int64_t put(const odb_String& text);
+  const std::vector<std::string>& texts() const { return texts_; }
+
+ private:
+  std::unordered_map<std::string, std::int64_t> numbers_;
+  std::vector<std::string> texts_;
+};
+
+// The first numbers of a file: what it is and which save made it.
+struct Format {
+  std::int64_t magic = 0;
+  std::int64_t release = 0;
+  std::int64_t saveId[2] = {0, 0};
+};
+// Reads it from any file. Throws odb_Exception when `path` is no database.
+Format readFormat(const std::string& path);
+Format readFormat(const Hdf5File& file);
+
+// A stored database of the current release. The file stays open where open files can be replaced;
+// elsewhere it is opened for each group of reads, and must still be the same one.
+class FileReader {
+ public:
+  explicit FileReader(const std::string& path);
+
+  const std::string& path() const { return path_; }
+  const Format& format() const { return format_; }
+  std::int64_t nRows(const layout::TableSpec& spec);
+  Table readTable(const layout::TableSpec& spec);
+  Table readTable(const layout::TableSpec& spec, std::int64_t firstRow, std::int64_t nRows);
+  void readArray(layout::Kind kind, std::int64_t start, std::int64_t count, void* out);
+  // Throws odb_Exception when the place does not exist; nothing is read of the array itself.
+  void checkArray(layout::Kind kind, std::int64_t start, std::int64_t count);
+  // Throws odb_Exception for a number outside -1 .. texts - 1.
+  odb_String text(std::int64_t number);
+
+  // Keeps the file open over several reads.
+  class Use {
+   public:
+    explicit Use(FileReader& reader) : reader_(reader) { reader_.begin(); }
+    ~Use() { reader_.end(); }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+   private:
+    FileReader& reader_;
+  };
+
+ private:
+  void begin();
+  void end();
+  void readTexts();
+  void readPieces(layout::Kind kind);
+  int pieceOf(layout::Kind kind, std::int64_t start, std::int64_t count);
+
+  struct Pieces {
+    bool known = false;
+    std::vector<std::int64_t> ends;         // running sums of the sizes
+    std::map<int, Hdf5File::Dataset> open;  // by piece
+  };
+
+  std::string path_;
+  std::unique_ptr<Hdf5File> file_;
+  Format format_;
+  int depth_ = 0;
+  bool textsRead_ = false;
+  Buffer<char> textBytes_;
+  Buffer<std::int64_t> textEnds_;
+  Pieces pieces_[layout::kNKinds];
+};
+
+// Where a database is written to: the current layout, or the old one.
+class SaveTarget {
+ public:
+  virtual ~SaveTarget() = default;
+  // Appends an array; gives its place.
+  virtual std::int64_t putArray(layout::Kind kind, const void* data, std::int64_t count) = 0;
+  virtual void putTable(const layout::TableSpec& spec, const Table& table) = 0;
+  virtual void putTexts(const std::vector<std::string>& texts) = 0;
+  // Completes and closes the file.
+  virtual void finish() = 0;
+};
+
+// A new database in the current layout.
+class FileWriter : public SaveTarget {
+ public:
+  FileWriter(const std::string& path, bool compressed);
+
+  const std::string& path() const { return path_; }
+  std::int64_t putArray(layout::Kind kind, const void* data, std::int64_t count) override;
+  void putTable(const layout::TableSpec& spec, const Table& table) override;
+  void putTexts(const std::vector<std::string>& texts) override;
+  void finish() override;
+  // Opens the finished file again, when it could not be put in its place.
+  void reopen();
+  // Reads back what putArray took.
+  void readArray(layout::Kind kind, std::int64_t start, std::int64_t count, void* out);
+
+ private:
+  struct Pieces {
+    std::vector<std::int64_t> starts;
+    std::vector<std::int64_t> sizes;
+    std::int64_t end = 0;              // place behind the last number
+    std::vector<unsigned char> small;  // not yet written: numbers from place end - small numbers on
+  };
+  void writePiece(layout::Kind kind, const void* data, std::int64_t count);
+  void flushSmall(layout::Kind kind);
+
+  std::string path_;
+  Hdf5File file_;
+  bool compressed_;
+  Pieces pieces_[layout::kNKinds];
+};
+
+// The files of one open database.
+class Storage {
+ public:
+  Storage() = default;
+  ~Storage();
+  Storage(const Storage&) = delete;
+  Storage& operator=(const Storage&) = delete;
+
+  // The stored database, null for one that was never saved.
+  FileReader* current() { return current_ ? files_[current_].get() : nullptr; }
+  int currentFile() const { return current_; }
+  // Takes a file as the current one; older ones stay readable.
+  void setCurrent(std::unique_ptr<FileReader> reader);
+
+  void read(layout::Kind kind, const ArrayRef& ref, std::int64_t first, std::int64_t count,
+            void* out);
+
+  // The file being written beside `target`; made when there is none.
+  FileWriter& pending(const std::string& target);
+  int pendingFile() const { return pendingFile_; }
+  // Puts the finished pending file in the target's place and makes it the current one.
+  void commitPending(const std::string& target);
+  void dropPending();
+
+  bool compressed = false;
+
+ private:
+  std::map<int, std::unique_ptr<FileReader>> files_;
+  int current_ = 0;
+  std::unique_ptr<FileWriter> pending_;
+  int pendingFile_ = 0;
+  int lastFile_ = 0;
+};
+
+template <class T>
+class StoredArray {
+ public:
+  // Number of elements.
+  std::int64_t count() const {
+    return loaded_ ? static_cast<std::int64_t>(data_.size()) : ref_.count;
+  }
+  // Takes a stored array whose place has been checked.
+  void refer(const ArrayRef& ref) {
+    Buffer<T>().swap(data_);
+    ref_ = ref;
+    loaded_ = ref.count == 0;
+  }
+  // The elements, read at first use.
+  const Buffer<T>& get(Storage& storage) {
+    if (!loaded_) {
+      data_.resize(static_cast<std::size_t>(ref_.count));
+      storage.read(kindOf<T>(), ref_, 0, ref_.count, data_.data());
+      loaded_ = true;
+    }
+    return data_;
+  }
+  // The elements, to be changed: the stored copy is forgotten.
+  Buffer<T>& edit(Storage& storage) {
+    get(storage);
+    ref_ = ArrayRef();
+    return data_;
+  }
+  // Forgets the elements in memory when they are stored.
+  void drop() {
+    if (ref_.file) refer(ref_);
+  }
+  bool loaded() const { return loaded_; }
+  ArrayRef& ref() { return ref_; }
+  // Writes the elements to the pending file and forgets them in memory.
+  void spill(Storage& storage, const std::string& target) {
+    if (ref_.file || data_.empty()) return;
+    const std::int64_t n = count();
+    const std::int64_t start = storage.pending(target).putArray(kindOf<T>(), data_.data(), n);
+    refer(ArrayRef{start, n, storage.pendingFile()});
+  }
+
+ private:
+  Buffer<T> data_;
+  ArrayRef ref_;
+  bool loaded_ = true;
+};
+
+// One save: texts, tables and arrays on their way into a target. References of arrays change only
+// when commit() is called, after the file is in its place.
+class Saver {
+ public:
+  // `targetFile`: number of the pending file that the target is, 0 for another one.
+  Saver(Storage& storage, SaveTarget& target, int targetFile)
+      : storage_(storage), target_(target), targetFile_(targetFile) {}
+
+  std::int64_t text(const odb_String& text) { return texts_.put(text); }
+  // The table of that name, to be filled.
+  Table& table(const layout::TableSpec& spec);
+  // Puts an array and enters its place and count in two columns of a row.
+  template <class T>
+  void array(Table& table, std::int64_t row, int column, StoredArray<T>& array) {
+    const ArrayRef ref = put(kindOf<T>(), array.ref(), array.count(), [&] {
+      return static_cast<const void*>(array.loaded() ? array.get(storage_).data() : nullptr);
+    });
+    table.integer(row, column) = ref.start;
+    table.integer(row, column + 1) = ref.count;
+    if (ref.count > 0) commits_.push_back({&array.ref(), ref});
+  }
+  // Puts numbers that live nowhere else.
+  template <class T>
+  void numbers(Table& table, std::int64_t row, int column, const std::vector<T>& data) {
+    const std::int64_t n = static_cast<std::int64_t>(data.size());
+    table.integer(row, column) = n ? target_.putArray(kindOf<T>(), data.data(), n) : 0;
+    table.integer(row, column + 1) = n;
+  }
+  // Writes texts and tables and completes the file.
+  void finish();
+  void commit();
+
+ private:
+  ArrayRef put(layout::Kind kind, const ArrayRef& ref, std::int64_t count,
+               const std::function<const void*()>& memory);
+
+  Storage& storage_;
+  SaveTarget& target_;
+  int targetFile_;
+  TextWriter texts_;
+  std::map<const layout::TableSpec*, Table> tables_;
+  struct Commit {
+    ArrayRef* where;
+    ArrayRef ref;
+  };
+  std::vector<Commit> commits_;
+  // Places of the stored arrays that were copied, by kind, file and place: many frames share one.
+  std::map<std::tuple<int, int, std::int64_t>, ArrayRef> copied_;
+};
+
+}  // namespace odbs::engine

@@ -162,7 +162,7 @@ class Reader {
       const int value = std::atoi(cell.c_str());
       if (open_ == 0) {
         label_ = value;
-        open_ = nodeCount(type) + 1;
+        open_ = nodeCount(type) + 2;
         deck_.elements[label_] = {type, {}};
         if (card_.parameters.count("ELSET") > 0) {
           deck_.elementSets[card_.parameters["ELSET"]].insert(label_);

@@ -5,16 +5,15 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "base/text.h"
-#include "catalogue/catalogue.h"
-#include "catalogue/history.h"
 #include "model/model_stream.h"
 #include "model/section_summary.h"
 #include "model/sets_stream.h"
 #include "registry/database_commands.h"
 #include "registry/open_database.h"
-#include "results/results_request.h"
+#include "server/field_scanner.h"
 #include "server/sdk_adapter.h"
 #include "server/server_state.h"
 
@@ -63,28 +62,26 @@ void closeOne(Call& call) {
   closeCommand(sdk::openDatabases(), call.arguments, call.outputFd);
 }
 
-// The second letter names the listing, its capital form lists every frame. The database is opened,
-// and the mode is set, whether or not a listing follows.
+// The second letter names the variant of the listing, its capital form lists every frame. The
+// database is opened, and the mode is set, whether or not a listing follows.
 void listResults(Call& call) {
-  odb_Odb& odb = open(call);
   const char letter = call.at(1);
-  const bool everyFrame = letter >= 'A' && letter <= 'Z';
-  const char lower = everyFrame ? static_cast<char>(letter - 'A' + 'a') : letter;
-  if (lower == '\0' || !std::strchr("dsvn", lower)) return;
-  serverState.catalogueMode = everyFrame ? CatalogueMode::kEveryFrame : CatalogueMode::kLastFrame;
-  if (lower == 'd') sendCatalogue(odb, call.outputFd, CatalogueListing::kNodal);
-  if (lower == 's') sendCatalogue(odb, call.outputFd, CatalogueListing::kElement);
-  if (lower == 'v') sendCatalogue(odb, call.outputFd, CatalogueListing::kVectorTensor);
+  open(call);
+  if (std::strchr("dsvn", letter) && letter != '\0') {
+    serverState.catalogueMode = CatalogueMode::kLastFrame;
+  } else if (std::strchr("DSVN", letter) && letter != '\0') {
+    serverState.catalogueMode = CatalogueMode::kEveryFrame;
+  }
 }
 
 void listHistory(Call& call) {
-  exportHistoryOverview(open(call), call.outputFd);
+  open(call);
 }
 
 void sendHistoryValues(Call& call) {
   const char* blank = std::strchr(call.arguments, ' ');
   if (!blank) return;
-  exportHistoryValues(open(call, blank + 1), call.outputFd, toIntOrZero(call.arguments));
+  open(call, blank + 1);
 }
 
 void resolveRegions(Call& call) {
@@ -110,8 +107,30 @@ void openOne(Call& call) {
   open(call);
 }
 
+// The second letter says where the path stands: behind the first comma (l), behind the second colon
+// of a blank-free word (n, g), or at position 3.
 void sendResults(Call& call) {
-  runResultsRequest(call.line.data(), call.outputFd);
+  const char* fromColumn3 = call.line.size() > 3 ? call.line.data() + 3 : "";
+  switch (call.at(1)) {
+    case 'l':
+    case 'L': {
+      const char* comma = std::strchr(call.arguments, ',');
+      if (comma) open(call, comma + 1);
+      break;
+    }
+    case 'n':
+    case 'N':
+    case 'g':
+    case 'G': {
+      const std::vector<std::string_view> items = split(FieldScanner(fromColumn3).nextWord(), ':');
+      if (items.size() < 3) break;
+      const std::string_view path(items[2].data());
+      open(call, std::string(FieldScanner(path).nextWord()));
+      break;
+    }
+    default:
+      open(call, fromColumn3);
+  }
 }
 
 void checkUpgradeOf(Call& call) {

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Material records.
+#include "tests/model/model_fixture.h"
+
+namespace odbs::tests {
+namespace {
+
+constexpr int kMaterialTag = 0x11;
+
+class Materials : public ModelTest {};
+
+TEST_F(Materials, AMaterialWithoutBehaviourIsItsName) {
+  materials_.Material("BARE");
+  EXPECT_EQ((Records{Payload(0x11).text("BARE").f32(0).i32(0).i32(0)}), streamed(kMaterialTag));
+}
+
+TEST_F(Materials, DensityAloneLeavesTheElasticTypeEmpty) {
+  materials_.Material("LEAD").Density(doubleRows({{11.5, 20}, {11.25, 100}}));
+  EXPECT_EQ((Records{std::string("\x11\x04\x00\x00\x00LEAD\x00\x00\x38\x41"
+                                 "\x00\x00\x00\x00\x00\x00\x00\x00",
+                                 21)}),
+            streamed(kMaterialTag));
+}
+
+TEST_F(Materials, IsotropicElasticityIsFilledUpWithZeros) {
+  materials_.Material("STEEL").Elastic(doubleRows({{210000, 0.3}}));
+  EXPECT_EQ((Records{Payload(0x11)
+                         .text("STEEL")
+                         .f32(0)
+                         .text("ISOTROPIC")
+                         .f32(210000)
+                         .f32(0.3F)
+                         .zeros(4)
+                         .i32(-1)
+                         .i32(0)}),
+            streamed(kMaterialTag));
+}
+
+TEST_F(Materials, SixElasticValuesOfTheFirstRowAreSent) {
+  materials_.Material("M").Elastic(
+      doubleRows({{1, 2, 3, 4, 5, 6, 7, 8, 9}, {10, 20, 30, 40, 50, 60, 70, 80, 90}}),
+      "ENGINEERING_CONSTANTS");
+  EXPECT_EQ((Records{Payload(0x11)
+                         .text("M")
+                         .f32(0)
+                         .text("ENGINEERING_CONSTANTS")
+                         .f32(1)
+                         .f32(2)
+                         .f32(3)
+                         .f32(4)
+                         .f32(5)
+                         .f32(6)
+                         .i32(-1)
+                         .i32(0)}),
+            streamed(kMaterialTag));
+}
+
+TEST_F(Materials, EmptyTablesSendZeros) {
+  odb_Material& material = materials_.Material("M");
+  material.Density(odb_SequenceSequenceDouble());
+  material.Elastic(odb_SequenceSequenceDouble(), "SHEAR");
+  EXPECT_EQ((Records{Payload(0x11).text("M").f32(0).text("SHEAR").zeros(6).i32(-1).i32(0)}),
+            streamed(kMaterialTag));
+}
+
+TEST_F(Materials, FailureDataListsStrainBeforeStress) {
+  odb_Material& material = materials_.Material("M");
+  material.Elastic(doubleRows({{1, 2, 3, 4, 5, 6}}), "LAMINA");
+  material.elastic().FailStress(doubleRows({{10, 20, 30, 40, 50, 0.5, 60, 99}}));
+  material.elastic().FailStrain(doubleRows({{0.25, 0.5}}));
+  EXPECT_EQ((Records{Payload(0x11)
+                         .text("M")
+                         .f32(0)
+                         .text("LAMINA")
+                         .f32(1)
+                         .f32(2)
+                         .f32(3)
+                         .f32(4)
+                         .f32(5)
+                         .f32(6)
+                         .i32(0)
+                         .f32(0.25F)
+                         .f32(0.5F)
+                         .zeros(3)
+                         .i32(1)
+                         .f32(10)
+                         .f32(20)
+                         .f32(30)
+                         .f32(40)
+                         .f32(50)
+                         .f32(0.5F)
+                         .f32(60)
+                         .i32(-1)
+                         .i32(0)}),
+            streamed(kMaterialTag));
+}
+
+TEST_F(Materials, AnAcousticMediumIsFlagged) {
+  materials_.Material("AIR").AcousticMedium(doubleRows({{0.142}}));
+  EXPECT_EQ((Records{Payload(0x11).text("AIR").f32(0).i32(0).i32(1)}), streamed(kMaterialTag));
+}
+
+TEST_F(Materials, MaterialsFollowTheSectionsAndPrecedeTheNodes) {
+  materials_.Material("B");
+  materials_.Material("A");
+  odb_Instance& instance = cube();
+  instance.assignSection(instance.elementSets()["ALL"],
+                         sections_.HomogeneousSolidSection("S", "A", 1.0));
+  const Records records = stream();
+  EXPECT_EQ('$', records[2][0]);
+  EXPECT_EQ(std::string(Payload(0x11).text("A").f32(0).i32(0).i32(0)), records[3]);
+  EXPECT_EQ(std::string(Payload(0x11).text("B").f32(0).i32(0).i32(0)), records[4]);
+  EXPECT_EQ(0x03, records[5][0]);
+}
+
+}  // namespace
+}  // namespace odbs::tests

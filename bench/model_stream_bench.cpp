@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Measures how fast `g` streams a large hexahedral model, as a ratio to what the pipe and the
+// reader carry at best (`M` with 40,950-byte writes), the server's peak memory, and how soon
+// databases open.
+//
+// The first `g` reads the database's arrays; the later ones find them in memory. Both rates are
+// printed. M and g take turns, so that a slow moment of the machine hits both.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/text.h"
+#include "bench/hexahedral_model.h"
+#include "bench/timed_server.h"
+
+namespace odbs::bench {
+namespace {
+
+constexpr std::int64_t kRawWrite = 40950;
+constexpr std::int64_t kAckBytes = 3;
+constexpr double kMega = 1e6;
+
+struct Options {
+  int nPerEdge = 100;     // nodes
+  int nRepeats = 7;       // timed pairs of M and g
+  double leastRatio = 0;  // exit status 1 below this
+  std::string program;    // the server
+  std::string folder;     // where the databases are; kept when given
+};
+
+double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+// Milliseconds until a fresh server acknowledges opening the database; the least of five, since
+// everything above it is the machine's.
+double openingTime(const Options& options, const std::string& path) {
+  double least = 1e9;
+  for (int i = 0; i < 5; ++i) {
+    TimedServer server(options.program);
+    server.untilAcknowledged("p");
+    least = std::min(least, 1e3 * server.untilAcknowledged("o " + path).seconds);
+    server.quit();
+  }
+  return least;
+}
+
+// Prints the rates; returns the ratio of the medians.
+double streamRates(const Options& options, const std::string& path) {
+  TimedServer server(options.program);
+  server.untilAcknowledged("o " + path);
+  const std::int64_t memoryBefore = server.peakMemory();
+  const std::string command = "g " + path;
+  const Reply first = server.untilAcknowledged(command);
+  const std::int64_t nRaw = std::max<std::int64_t>(first.nBytes / kRawWrite, 1);
+  const std::string raw = "M " + std::to_string(nRaw) + " " + std::to_string(kRawWrite);
+
+  std::vector<double> rawRates;
+  std::vector<double> modelRates;
+  for (int i = 0; i < options.nRepeats; ++i) {
+    rawRates.push_back(server.exactly(raw, nRaw * kRawWrite + kAckBytes).bytesPerSecond());
+    modelRates.push_back(server.exactly(command, first.nBytes).bytesPerSecond());
+  }
+  const std::int64_t memoryAfter = server.peakMemory();
+  server.quit();
+
+  const double rawRate = median(rawRates);
+  const double modelRate = median(modelRates);
+  std::printf("g            %8.1f MB of records\n", static_cast<double>(first.nBytes) / kMega);
+  std::printf("M            %8.0f MB/s\n", rawRate / kMega);
+  std::printf("g, first     %8.0f MB/s   ratio %.2f\n", first.bytesPerSecond() / kMega,
+              first.bytesPerSecond() / rawRate);
+  std::printf("g, repeated  %8.0f MB/s   ratio %.2f\n", modelRate / kMega, modelRate / rawRate);
+  std::printf("peak memory  %8.1f MB     %.1f MB when just opened\n",
+              static_cast<double>(memoryAfter) / kMega, static_cast<double>(memoryBefore) / kMega);
+  return modelRate / rawRate;
+}
+
+Options parse(int argc, char** argv) {
+  Options options;
+  const std::filesystem::path self(port::executablePath());
+  options.program = (self.parent_path() / "odb_server").string() + self.extension().string();
+  for (int i = 1; i + 1 < argc; i += 2) {
+    const std::string_view name = argv[i];
+    if (name == "--edge") options.nPerEdge = std::max(2, toIntOrZero(argv[i + 1]));
+    if (name == "--repeats") options.nRepeats = std::max(1, toIntOrZero(argv[i + 1]));
+    if (name == "--least") options.leastRatio = parseReal(argv[i + 1]).value_or(0);
+    if (name == "--server") options.program = argv[i + 1];
+    if (name == "--folder") options.folder = argv[i + 1];
+  }
+  return options;
+}
+
+int run(const Options& options) {
+  namespace fs = std::filesystem;
+  const bool keep = !options.folder.empty();
+  const fs::path folder =
+      keep ? fs::path(options.folder)
+           : fs::temp_directory_path() / ("odbs_bench_" + std::to_string(port::currentProcessId()));
+  fs::create_directories(folder);
+  const std::string large =
+      (folder / ("cube" + std::to_string(options.nPerEdge) + ".odb")).string();
+  const std::string small = (folder / "cube3.odb").string();
+  if (!fs::exists(small)) writeHexahedralModel(small, 3);
+  if (!fs::exists(large)) writeHexahedralModel(large, options.nPerEdge);
+
+  std::printf("cube of %d^3 nodes, database of %.1f MB\n", options.nPerEdge,
+              static_cast<double>(fs::file_size(large)) / kMega);
+  const double ratio = streamRates(options, large);
+  std::printf("open, small  %8.2f ms\n", openingTime(options, small));
+  std::printf("open, large  %8.2f ms\n", openingTime(options, large));
+  if (!keep) fs::remove_all(folder);
+  return ratio >= options.leastRatio ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+}  // namespace odbs::bench
+
+int main(int argc, char** argv) {
+  if (argc % 2 == 0) {
+    std::puts(
+        "bench_model_stream [--edge N] [--repeats N] [--least RATIO] [--server PROGRAM]\n"
+        "                   [--folder FOLDER]\n"
+        "N^3 nodes (100), pairs of M and g (7), least ratio for exit status 0 (0), the server\n"
+        "(beside this program), folder of the databases, kept for the next run (temporary)");
+    return EXIT_FAILURE;
+  }
+  try {
+    return odbs::bench::run(odbs::bench::parse(argc, argv));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "bench_model_stream: %s\n", error.what());
+    return EXIT_FAILURE;
+  }
+}

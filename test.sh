@@ -51,7 +51,7 @@ stage "layers, licence lines, file lengths" scripts/check_layers.py
 stage "layout" scripts/check_format.sh
 for preset in "${presets[@]}"; do
   stage "$preset: configure" cmake --preset "$preset" || continue
-  stage "$preset: build" cmake --build --preset "$preset" -j "$jobs" || continue
+  stage "$preset: build" cmake --build --preset "$preset" -j "$jobs" -- -k 0 || continue
   # An empty test list is a failure: a build that lost its tests must not look green.
   stage "$preset: test" ctest --preset "$preset" -j "$jobs" --timeout 600 --no-tests=error
 done

@@ -74,6 +74,22 @@ FrdReader::FrdReader(const std::string& path) : input_(path) {
 }
 
 FrdReader::Block FrdReader::next() {
+  skimming_ = false;
+  return advance();
+}
+
+FrdReader::Block FrdReader::skim() {
+  skimming_ = true;
+  return advance();
+}
+
+FrdReader::Block FrdReader::readAt(const ResultPlace& place) {
+  input_.seek(place);
+  complete_ = false;
+  return next();
+}
+
+FrdReader::Block FrdReader::advance() {
   nodes_ = {};
   elements_ = {};
   result_ = {};
@@ -81,6 +97,7 @@ FrdReader::Block FrdReader::next() {
     const std::string_view line = input_.line();
     const std::string_view key = keyOf(line);
     if (key.empty()) continue;
+    place_ = input_.place();
     if (key == "9999") {
       complete_ = true;
     } else if (key == "1C" || key == "1U") {
@@ -300,11 +317,26 @@ void FrdReader::readResult(std::string_view line) {
   readComponents(static_cast<int>(nComponents));
 
   const std::size_t nStored = static_cast<std::size_t>(result_.nStored);
+  if (skimming_) return skipRows(header, nStored);
   if (header.format >= Format::binaryFloat) {
     readBinaryRows(header, nStored, result_.labels, result_.values);
     return;
   }
   readTextRows(header, nStored, result_.labels, result_.values);
+}
+
+// To the end of the block without a look at its numbers.
+void FrdReader::skipRows(const BlockHeader& header, std::size_t nValues) {
+  if (header.format >= Format::binaryFloat) {
+    if (header.count == 0 || atText()) return;
+    const std::uint64_t rowSize = 4 + nValues * (header.format == Format::binaryDouble ? 8 : 4);
+    if (header.count > input_.remaining() / rowSize) input_.fail("the file ends inside a block");
+    return input_.skipBytes(header.count * rowSize);
+  }
+  while (input_.nextLine()) {
+    if (startsWith(input_.line(), " -3")) return;
+  }
+  input_.fail("the file ends inside a block");
 }
 
 // " -5", two blanks, name (8), menu (5), type (5), row (5), column (5), derived (5), name (8)

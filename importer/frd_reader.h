@@ -34,6 +34,18 @@ class FrdReader {
   // header(); parameter records are attached to the result block that they precede.
   Block next();
 
+  // Passes over the next blocks like next(), but reads of result blocks their headers alone: no
+  // labels and no values. A program that needs two blocks at once (real and imaginary part, say)
+  // lists the blocks first and reads those that it needs with readAt().
+  Block skim();
+
+  // Where the block of the last next() or skim() begins.
+  ResultPlace place() const { return place_; }
+
+  // Reads the block at a place that place() gave, as next() does. The parameter records before a
+  // result block are not read again.
+  Block readAt(const ResultPlace& place);
+
   // The block that next() has just read; empty for the other kinds. Their memory is reused by
   // next(), so that a caller who wants to keep the arrays moves or copies them.
   FrdNodes& nodes() { return nodes_; }
@@ -58,7 +70,9 @@ class FrdReader {
   static std::size_t textLabelWidth(Format format);
   BlockHeader blockHeader(std::string_view line, std::size_t countColumn,
                           std::size_t formatColumn) const;
+  Block advance();
   bool atText();
+  void skipRows(const BlockHeader& header, std::size_t nValues);
   void readParameter(std::string_view text);
   void readNodes(std::string_view line);
   void readElements(std::string_view line);
@@ -83,6 +97,8 @@ class FrdReader {
   FrdNodes nodes_;
   FrdElements elements_;
   FrdResult result_;
+  ResultPlace place_;
+  bool skimming_ = false;
   bool complete_ = false;
 };
 

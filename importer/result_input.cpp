@@ -76,6 +76,33 @@ void ResultInput::readBytes(unsigned char* target, std::size_t size) {
   }
 }
 
+void ResultInput::skipBytes(std::uint64_t size) {
+  binary_ = true;
+  line_ = {};
+  if (size > remaining()) fail("the file ends inside a binary block");
+  const std::uint64_t target = size_ - remaining() + size;
+  if (size <= filled_ - at_) {
+    at_ += static_cast<std::size_t>(size);
+  } else {
+    moveTo(target);
+  }
+  lineStart_ = target;
+}
+
+void ResultInput::seek(const ResultPlace& place) {
+  moveTo(place.offset);
+  line_ = {};
+  lineStart_ = place.offset;
+  lineNumber_ = place.line - 1;
+}
+
+void ResultInput::moveTo(std::uint64_t offset) {
+  file_.clear();
+  file_.seekg(static_cast<std::streamoff>(offset));
+  at_ = filled_ = 0;
+  offset_ = offset;
+}
+
 bool ResultInput::continuesWith(std::string_view text) {
   if (filled_ - at_ < text.size()) refill();
   return std::string_view(buffer_.data() + at_, filled_ - at_).substr(0, text.size()) == text;

@@ -21,6 +21,12 @@ class ResultFileError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// A place in a result file: where a line begins.
+struct ResultPlace {
+  std::uint64_t offset = 0;  // bytes before it
+  std::uint64_t line = 0;    // its number, from 1
+};
+
 class ResultInput {
  public:
   // Opens the file. Throws ResultFileError.
@@ -38,6 +44,13 @@ class ResultInput {
   // file ends before. From here on errors name byte offsets.
   void readBytes(unsigned char* target, std::size_t size);
 
+  // Passes over `size` bytes after the current line; as readBytes otherwise.
+  void skipBytes(std::uint64_t size);
+
+  // Where the current line begins; there nextLine() can read it again.
+  ResultPlace place() const { return {lineStart_, lineNumber_}; }
+  void seek(const ResultPlace& place);
+
   // True when the bytes after the current line are `text` (of at most 16 characters). Ends
   // the validity of line().
   bool continuesWith(std::string_view text);
@@ -54,6 +67,7 @@ class ResultInput {
 
  private:
   bool refill();
+  void moveTo(std::uint64_t offset);
 
   std::string path_;
   std::ifstream file_;

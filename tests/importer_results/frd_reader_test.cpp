@@ -170,6 +170,31 @@ TEST(FrdReader, ReadsBinaryBlocksAmongText) {
   EXPECT_TRUE(reader.complete());
 }
 
+TEST(FrdReader, SkimsBlocksAndReadsThemAgainInAnyOrder) {
+  const TemporaryFile file("    1PSTEP                         1           4           1\n" +
+                           resultHead(1, 1, 0, 1, "", 1) + kDisp +
+                           " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n -3\n" +
+                           resultHead(2, 2, 0, 2, "", 2) + kDisp + bytes32(1) + bytesFloat(4) +
+                           bytesFloat(5) + bytesFloat(6) + bytes32(2) + bytesFloat(7) +
+                           bytesFloat(8) + bytesFloat(9) + resultHead(3, 1, 0, 3, "", 1) + kDisp +
+                           " -1         1 7.00000E+00 8.00000X+00 9.00000E+00\n -3\n 9999\n");
+  FrdReader reader(file.path());
+  std::vector<ResultPlace> places;
+  while (reader.skim() == Block::result) {
+    EXPECT_EQ(reader.result().name, "DISP");
+    EXPECT_TRUE(reader.result().values.empty());
+    places.push_back(reader.place());
+  }
+  EXPECT_TRUE(reader.complete());
+  ASSERT_EQ(places.size(), 3u);
+  ASSERT_EQ(reader.readAt(places[1]), Block::result);
+  EXPECT_EQ(reader.result().value, 2);
+  EXPECT_EQ(reader.result().values, (Doubles{4, 5, 6, 7, 8, 9}));
+  ASSERT_EQ(reader.readAt(places[0]), Block::result);
+  EXPECT_EQ(reader.result().values, (Doubles{1, 2, 3}));
+  EXPECT_THROW(reader.readAt(places[2]), ResultFileError);
+}
+
 TEST(FrdReader, ReadsBlocksThatAnnounceMoreThanTheyHold) {
   for (const int format : {1, 2}) {
     const TemporaryFile file(resultHead(1, 84, 1, 2, "", format) + kDisp +

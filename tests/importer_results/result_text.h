@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -21,9 +22,10 @@ class TemporaryFile {
   explicit TemporaryFile(const std::string& bytes, const std::string& extension = ".frd") {
     static int number = 0;
     const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-    path_ = std::filesystem::temp_directory_path() /
-            ("odbs_" + std::to_string(test->result()->start_timestamp()) + "_" +
-             std::to_string(++number) + test->name() + extension);
+    std::string name = std::string("odbs_") + test->test_suite_name() + "_" + test->name() + "_" +
+                       std::to_string(++number) + extension;
+    std::replace(name.begin(), name.end(), '/', '_');  // of tests with parameters
+    path_ = std::filesystem::temp_directory_path() / name;
     std::ofstream(path_, std::ios::binary) << bytes;
   }
   ~TemporaryFile() {

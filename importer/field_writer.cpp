@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Fields of a result file, frame by frame.
+#include "importer/field_writer.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <set>
+
+namespace odbs::importer {
+
+odb_SequenceInvariant invariantsOf(FieldShape shape) {
+  odb_SequenceInvariant invariants;
+  if (shape == FieldShape::vector) invariants.append(odb_Enum::MAGNITUDE);
+  if (shape != FieldShape::tensor) return invariants;
+  for (const auto invariant :
+       {odb_Enum::MISES, odb_Enum::TRESCA, odb_Enum::PRESS, odb_Enum::INV3, odb_Enum::MAX_PRINCIPAL,
+        odb_Enum::MID_PRINCIPAL, odb_Enum::MIN_PRINCIPAL}) {
+    invariants.append(invariant);
+  }
+  return invariants;
+}
+
+odb_Enum::odb_DataTypeEnum typeOf(FieldShape shape) {
+  switch (shape) {
+    case FieldShape::vector:
+      return odb_Enum::VECTOR;
+    case FieldShape::tensor:
+      return odb_Enum::TENSOR_3D_FULL;
+    default:
+      return odb_Enum::SCALAR;
+  }
+}
+
+odb_FieldOutput& fieldOf(odb_Frame& frame, const std::string& name, const std::string& description,
+                         FieldShape shape) {
+  odb_FieldOutputRepository& fields = frame.fieldOutputs();
+  if (fields.isMember(name.c_str())) return fields[name.c_str()];
+  return frame.FieldOutput(name.c_str(), description.c_str(), typeOf(shape), odb_SequenceString(),
+                           invariantsOf(shape));
+}
+
+LayerPoints layerPoints(const odb_SectionCategory& category, int layer) {
+  constexpr const char kLayer[] = "Layer = ";
+  LayerPoints points;
+  const odb_SequenceSectionPoint& all = category.sectionPoints();
+  for (int i = 0; i < all.size(); ++i) {
+    const std::string text = all[i].description().CStr();
+    const std::size_t at = text.find(kLayer);
+    const int found =
+        at == std::string::npos ? 1 : std::atoi(text.c_str() + at + sizeof kLayer - 1);
+    if (found != layer + 1) continue;
+    if (points.bottom.number() < 0) points.bottom = all[i];
+    points.top = all[i];
+  }
+  return points;
+}
+
+FieldWriter::Block FieldWriter::read(const FrdField& field) {
+  Block block;
+  reader_.readAt(field.place);
+  block.result = std::move(reader_.result());
+  block.rowOf.assign(index_.nodes.labels.size(), -1);
+  for (std::size_t row = 0; row < block.result.labels.size(); ++row) {
+    // Mostly the block lists the nodes in the order of the mesh.
+    const std::int32_t label = block.result.labels[row];
+    const bool sameOrder = row < index_.nodes.labels.size() && index_.nodes.labels[row] == label;
+    const std::int32_t node = sameOrder ? static_cast<std::int32_t>(row) : mesh_.indexOf(label);
+    if (node >= 0) block.rowOf[static_cast<std::size_t>(node)] = static_cast<std::int32_t>(row);
+  }
+  return block;
+}
+
+std::size_t FieldWriter::write(const FrdFrame& frame, odb_Frame& target) {
+  std::size_t nWritten = 0;
+  const auto find = [&](const std::string& name) {
+    return std::find_if(frame.fields.begin(), frame.fields.end(),
+                        [&](const FrdField& field) { return field.head.name == name; });
+  };
+  std::set<std::string> imaginaries;
+  for (const FrdField& field : frame.fields) {
+    const auto partner = find(imaginaryName(field.head.name));
+    if (partner != frame.fields.end() && partner->head.nStored == field.head.nStored) {
+      imaginaries.insert(partner->head.name);
+    }
+  }
+  std::set<std::string> taken;
+  for (const FrdField& field : frame.fields) {
+    const std::string& name = field.head.name;
+    if (imaginaries.count(name) != 0) continue;
+    // Magnitude and phase say what real and imaginary part say.
+    if (isRedundant(name) && find(name.substr(1)) != frame.fields.end()) continue;
+    Block real = read(field);
+    Block imaginary;
+    const bool isComplex = imaginaries.count(imaginaryName(name)) != 0;
+    if (isComplex) imaginary = read(*find(imaginaryName(name)));
+    for (TargetField& targetField : targetFields(field.head)) {
+      const std::string plain = targetField.name;
+      for (int n = 2; !taken.insert(targetField.name).second; ++n) {
+        targetField.name = plain + "_" + std::to_string(n);
+      }
+      if (writeField(target, targetField, real, isComplex ? &imaginary : nullptr)) {
+        ++nWritten;
+      } else {
+        ++leftOut_[name];
+      }
+    }
+  }
+  return nWritten;
+}
+
+bool FieldWriter::writeField(odb_Frame& frame, const TargetField& field, const Block& real,
+                             const Block* imaginary) {
+  return field.ofElements ? writeOfElements(frame, field, real, imaginary)
+                          : writeNodal(frame, field, real, imaginary);
+}
+
+bool FieldWriter::gather(const NodeSources& sources, std::size_t target, bool sum,
+                         const TargetField& field, const Block& block, std::vector<float>& values) {
+  const std::size_t first = sources.offsets[target], last = sources.offsets[target + 1];
+  const std::size_t nStored = static_cast<std::size_t>(block.result.nStored);
+  for (std::size_t i = first; i < last; ++i) {
+    if (block.rowOf[static_cast<std::size_t>(sources.nodes[i])] < 0) return false;
+  }
+  const double share = sum ? 1 : 1 / static_cast<double>(last - first);
+  for (const int component : field.sources) {
+    double value = 0;
+    for (std::size_t i = first; i < last; ++i) {
+      const auto row =
+          static_cast<std::size_t>(block.rowOf[static_cast<std::size_t>(sources.nodes[i])]);
+      value += block.result.values[row * nStored + static_cast<std::size_t>(component)];
+    }
+    values.push_back(static_cast<float>(value * share));
+  }
+  return true;
+}
+
+bool FieldWriter::writeNodal(odb_Frame& frame, const TargetField& field, const Block& real,
+                             const Block* imaginary) {
+  const NodeSources& sources = field.addsUp ? mesh_.sums() : mesh_.means();
+  std::vector<int> labels;
+  std::vector<float> values, conjugate;
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    const std::size_t size = values.size();
+    if (!gather(sources, i, field.addsUp, field, real, values)) continue;
+    if (imaginary != nullptr && !gather(sources, i, field.addsUp, field, *imaginary, conjugate)) {
+      values.resize(size);
+      continue;
+    }
+    labels.push_back(mesh_.nodeLabels()[i]);
+  }
+  if (labels.empty()) return false;
+  odb_embedded::FieldValues<float> added;
+  added.position = odb_Enum::NODAL;
+  added.instance = instance_;
+  added.labels = labels.data();
+  added.nLabels = added.nRows = static_cast<int>(labels.size());
+  added.width = static_cast<int>(field.sources.size());
+  added.data = values.data();
+  added.conjugate = imaginary != nullptr ? conjugate.data() : nullptr;
+  odb_embedded::addData(fieldOf(frame, field.name, field.description, field.shape), added);
+  return true;
+}
+
+bool FieldWriter::writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
+                                  const Block* imaginary) {
+  bool any = false;
+  for (const ElementTargets& targets : mesh_.elements()) {
+    std::vector<int> labels;
+    std::vector<float> values, conjugate;
+    for (std::size_t e = 0; e < targets.labels.size(); ++e) {
+      const std::size_t size = values.size();
+      bool complete = true;
+      for (std::size_t n = 0; complete && n < targets.nNodes; ++n) {
+        const std::size_t row = e * targets.nNodes + n;
+        complete = gather(targets.sources, row, false, field, real, values) &&
+                   (imaginary == nullptr ||
+                    gather(targets.sources, row, false, field, *imaginary, conjugate));
+      }
+      if (complete) {
+        labels.push_back(targets.labels[e]);
+      } else {
+        values.resize(size);
+        if (imaginary != nullptr) conjugate.resize(size);
+      }
+    }
+    if (labels.empty()) continue;
+    odb_embedded::FieldValues<float> added;
+    if (targets.side != Side::whole) {
+      const odb_Element element = instance_.getElementFromLabel(labels[0]);
+      const LayerPoints points = layerPoints(element.sectionCategory(), targets.layer);
+      added.sectionPoint = targets.side == Side::bottom ? points.bottom : points.top;
+      if (added.sectionPoint.number() < 0) continue;
+    }
+    added.position = odb_Enum::ELEMENT_NODAL;
+    added.instance = instance_;
+    added.labels = labels.data();
+    added.nLabels = static_cast<int>(labels.size());
+    added.nRows = static_cast<int>(labels.size() * targets.nNodes);
+    added.width = static_cast<int>(field.sources.size());
+    added.data = values.data();
+    added.conjugate = imaginary != nullptr ? conjugate.data() : nullptr;
+    odb_embedded::addData(fieldOf(frame, field.name, field.description, field.shape), added);
+    any = true;
+  }
+  return any;
+}
+
+}  // namespace odbs::importer

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Writes the frames of a result file as fields.
+#pragma once
+
+#include <odb_API.h>
+#include <odb_embedded.h>
+#include <odb_embedded_results.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "importer/result_fields.h"
+#include "importer/result_frames.h"
+#include "importer/result_mesh.h"
+#include "importer/result_writer.h"
+
+namespace odbs::importer {
+
+// Invariants that a field of a shape has.
+odb_SequenceInvariant invariantsOf(FieldShape shape);
+odb_Enum::odb_DataTypeEnum typeOf(FieldShape shape);
+
+// The field of that name, made when the frame has none.
+odb_FieldOutput& fieldOf(odb_Frame& frame, const std::string& name, const std::string& description,
+                         FieldShape shape);
+
+// First and last section point of a layer (from 0) of the category; default-constructed objects
+// when it has none there.
+struct LayerPoints {
+  odb_SectionPoint bottom, top;
+};
+LayerPoints layerPoints(const odb_SectionCategory& category, int layer);
+
+class FieldWriter {
+ public:
+  FieldWriter(FrdReader& reader, const FrdIndex& index, const ResultMesh& mesh,
+              const odb_Instance& instance)
+      : reader_(reader), index_(index), mesh_(mesh), instance_(instance) {}
+
+  // Writes all fields of `frame` to `target`. Returns their number.
+  std::size_t write(const FrdFrame& frame, odb_Frame& target);
+
+  // Names of the blocks that found no place, with how often.
+  const std::map<std::string, std::size_t>& leftOut() const { return leftOut_; }
+
+ private:
+  // The values of a block: the row of each node of the index, -1 for none.
+  struct Block {
+    FrdResult result;
+    std::vector<std::int32_t> rowOf;
+  };
+  Block read(const FrdField& field);
+  bool writeField(odb_Frame& frame, const TargetField& field, const Block& real,
+                  const Block* imaginary);
+  bool writeNodal(odb_Frame& frame, const TargetField& field, const Block& real,
+                  const Block* imaginary);
+  bool writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
+                       const Block* imaginary);
+  // Appends the components of one target, mean or sum of its sources; false when one has no value.
+  static bool gather(const NodeSources& sources, std::size_t target, bool sum,
+                     const TargetField& field, const Block& block, std::vector<float>& values);
+
+  FrdReader& reader_;
+  const FrdIndex& index_;
+  const ResultMesh& mesh_;
+  odb_Instance instance_;
+  std::map<std::string, std::size_t> leftOut_;
+};
+
+}  // namespace odbs::importer

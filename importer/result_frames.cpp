@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Frames by step and time.
+#include "importer/result_frames.h"
+
+#include <odb_embedded.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <utility>
+
+#include "base/text.h"
+
+namespace odbs::importer {
+
+namespace {
+
+// Times and frequencies are printed with seven digits.
+bool isSame(double a, double b) {
+  return std::fabs(a - b) <= 2e-6 * std::max(std::fabs(a), std::fabs(b));
+}
+
+std::string numberText(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g", value);
+  return text;
+}
+
+}  // namespace
+
+ResultFrames::ResultFrames(const Deck& deck, odb_Odb& odb) {
+  double time = 0;
+  for (const Step& step : deck.steps) {
+    Slot slot;
+    slot.step = odb.steps()[step.name.c_str()];
+    slot.domain = step.domain;
+    slot.buckling = startsWith(step.procedure, "*BUCKLE");
+    slot.start = time;
+    if (step.domain == Domain::time || step.domain == Domain::arcLength) time += step.timePeriod;
+    slot.end = time;
+    steps_.push_back(std::move(slot));
+  }
+}
+
+odb_Frame ResultFrames::add(const FrdFrame& frame) {
+  const FrdParameters& p = frame.parameters;
+  Slot& slot = steps_[static_cast<std::size_t>(stepNumber(frame) - 1)];
+  const double value = frame.value;
+  if (slot.domain == Domain::modal) {
+    const int mode = p.mode > 0 ? p.mode : static_cast<int>(slot.frames.size()) + 1;
+    return make(slot, mode, value, p);
+  }
+  // Time counts from the step's beginning. What is older comes from a calculation that the deck
+  // does not time.
+  const bool timed = frame.analysis != FrdAnalysis::frequency && slot.domain != Domain::frequency;
+  return make(slot, timed && value >= slot.start ? value - slot.start : value, value, p);
+}
+
+odb_Frame ResultFrames::make(Slot& slot, double x, double value, const FrdParameters& p) {
+  ++nFrames_;
+  slot.values.push_back(x);
+  if (slot.domain != Domain::modal) {
+    slot.lastIncrement = std::max(p.increment, slot.lastIncrement + 1);
+    const char* const unit = slot.domain == Domain::frequency ? ", frequency " : ", step time ";
+    const std::string text =
+        "Increment " + std::to_string(slot.lastIncrement) + unit + numberText(x);
+    slot.frames.push_back(slot.step.Frame(slot.lastIncrement, static_cast<float>(x), text.c_str()));
+    return slot.frames.back();
+  }
+  const int mode = static_cast<int>(x);
+  const bool cyclic = p.hasNodalDiameter && p.nodalDiameter >= 0;
+  std::string text = "Mode " + std::to_string(mode) +
+                     (slot.buckling ? ", factor " : ", frequency ") + numberText(value);
+  if (cyclic) text += ", nodal diameter " + std::to_string(p.nodalDiameter);
+  odb_Frame frame = slot.step.Frame(mode, static_cast<float>(value), text.c_str());
+  odb_embedded::FrameNumbers numbers;
+  numbers.mode = mode;
+  numbers.cyclicModeNumber = cyclic ? p.nodalDiameter : 0;
+  numbers.frequency = slot.buckling ? 0 : static_cast<float>(value);
+  odb_embedded::setFrameNumbers(frame, numbers);
+  slot.frames.push_back(frame);
+  return frame;
+}
+
+// To the first step from the current one on that fits and that no heading has entered before.
+template <class Fits>
+bool ResultFrames::enter(Fits fits) {
+  for (int i = current_; i < nSteps(); ++i) {
+    Slot& slot = steps_[static_cast<std::size_t>(i)];
+    if (slot.entered || !fits(slot)) continue;
+    slot.entered = true;
+    current_ = i;
+    return true;
+  }
+  return false;
+}
+
+void ResultFrames::enterModes(bool buckling) {
+  enter(
+      [&](const Slot& slot) { return slot.domain == Domain::modal && slot.buckling == buckling; });
+}
+
+void ResultFrames::enterHarmonic() {
+  const bool inside =
+      nSteps() > 0 && steps_[static_cast<std::size_t>(current_)].domain == Domain::frequency;
+  if (!inside) enter([](const Slot& slot) { return slot.domain == Domain::frequency; });
+}
+
+void ResultFrames::addMode(int mode, double value, int nodalDiameter) {
+  Slot& slot = steps_[static_cast<std::size_t>(current_)];
+  if (!slot.values.empty() && slot.values.back() >= mode) return;
+  FrdParameters parameters;
+  parameters.hasNodalDiameter = nodalDiameter >= 0;
+  parameters.nodalDiameter = nodalDiameter;
+  make(slot, mode, value, parameters);
+}
+
+ResultFrames::Moment ResultFrames::at(double time, int mode) {
+  Moment moment;
+  moment.time = moment.x = time;
+  for (int i = current_; i < nSteps(); ++i) {
+    const Slot& slot = steps_[static_cast<std::size_t>(i)];
+    if (slot.domain == Domain::modal) {
+      if (mode == 0 || i != current_) continue;
+      moment.x = mode;
+    } else if (slot.domain == Domain::frequency) {
+      // Before it, the steps that count time have their turn.
+      if (i != current_ && mode == 0 && time <= slot.start) continue;
+    } else {
+      if (time > slot.end && !isSame(time, slot.end)) continue;
+      moment.x = std::max(time - slot.start, 0.);
+    }
+    moment.step = current_ = i;
+    return moment;
+  }
+  return moment;
+}
+
+std::optional<odb_Frame> ResultFrames::frameOf(const Moment& moment) {
+  if (moment.step < 0) return std::nullopt;
+  Slot& slot = steps_[static_cast<std::size_t>(moment.step)];
+  // Times are printed with seven digits of the total time.
+  const double tolerance = 2e-6 * std::max(std::fabs(moment.time), std::fabs(moment.x));
+  for (std::size_t i = slot.values.size(); i-- > 0;) {
+    if (std::fabs(slot.values[i] - moment.x) <= tolerance) return slot.frames[i];
+  }
+  if (!slot.values.empty() && moment.x < slot.values.back()) return std::nullopt;
+  return make(slot, moment.x, slot.domain == Domain::modal ? 0 : moment.x, {});
+}
+
+}  // namespace odbs::importer

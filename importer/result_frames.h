@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The steps and frames of a database, found or made for results that say when they were computed:
+// by step and increment (result files), or by total time alone (print files).
+#pragma once
+
+#include <odb_API.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "importer/deck.h"
+#include "importer/frd_index.h"
+
+namespace odbs::importer {
+
+class ResultFrames {
+ public:
+  // The steps of `odb` are those of `deck`, in its order.
+  ResultFrames(const Deck& deck, odb_Odb& odb);
+
+  // True when the deck has the step of a frame of a result file. A frame that names none is of the
+  // first step.
+  bool has(const FrdFrame& frame) const { return stepNumber(frame) <= nSteps(); }
+
+  // A new frame for it.
+  odb_Frame add(const FrdFrame& frame);
+
+  // What the headings of a print file say of the step that the next tables belong to. Each moves on
+  // to the next step that fits, if there is one; a step stays current until then.
+  void enterModes(bool buckling);
+  void enterHarmonic();
+
+  // A mode of the current step as a table of eigenvalues gives it: makes a frame without fields,
+  // unless there is one. `nodalDiameter` is -1 for a mode without one.
+  void addMode(int mode, double value, int nodalDiameter);
+
+  // Where a table belongs.
+  struct Moment {
+    int step = -1;    // index in the deck; -1: nowhere
+    double time = 0;  // as printed: total time, frequency
+    double x = 0;     // step time, frequency, or mode
+  };
+  // The moment of a table with total time (or frequency) `time` that was printed for mode `mode`
+  // (0: for none). Becomes the current step.
+  Moment at(double time, int mode);
+
+  // The frame of a moment, made at the end of its step when the step has none for it. Nothing when
+  // a new frame would not be the last one of its step, or the moment is nowhere.
+  std::optional<odb_Frame> frameOf(const Moment& moment);
+
+  odb_Step& step(int index) { return steps_[static_cast<std::size_t>(index)].step; }
+  int nSteps() const { return static_cast<int>(steps_.size()); }
+  // Index of the current step.
+  int current() const { return current_; }
+  Domain domain(int index) const { return steps_[static_cast<std::size_t>(index)].domain; }
+  std::size_t nFrames() const { return nFrames_; }
+
+ private:
+  struct Slot {
+    odb_Step step;
+    Domain domain = Domain::time;
+    bool entered = false;  // by a heading of a print file
+    bool buckling = false;
+    double start = 0, end = 0;   // total time
+    std::vector<double> values;  // of the frames: step time, frequency, mode
+    std::vector<odb_Frame> frames;
+    int lastIncrement = 0;
+  };
+  static int stepNumber(const FrdFrame& frame) {
+    return frame.parameters.step > 0 ? frame.parameters.step : 1;
+  }
+  template <class Fits>
+  bool enter(Fits fits);
+  odb_Frame make(Slot& slot, double x, double value, const FrdParameters& parameters);
+
+  std::vector<Slot> steps_;
+  int current_ = 0;
+  std::size_t nFrames_ = 0;
+};
+
+}  // namespace odbs::importer

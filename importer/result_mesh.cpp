@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Matching by labels, coordinates and the known ways in which the solver expands elements.
+#include "importer/result_mesh.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "base/text.h"
+#include "importer/element_types.h"
+
+namespace odbs::importer {
+
+namespace {
+
+constexpr int kMaxNodes = 8;  // of an element that is expanded
+
+// Nodes of a solid (positions from 0) that stand for the nodes of the element it was made from,
+// in the order of that element; -1: none. The middle ones lie between bottom and top.
+struct Expansion {
+  int nDeckNodes;
+  int frdType;
+  int bottom[kMaxNodes], middle[kMaxNodes], top[kMaxNodes];
+};
+
+// In .frd files quadratic solids list the edges from bottom to top before those of the top.
+constexpr Expansion kExpansions[] = {
+    {3, 2, {0, 1, 2}, {-1, -1, -1}, {3, 4, 5}},
+    {4, 1, {0, 1, 2, 3}, {-1, -1, -1, -1}, {4, 5, 6, 7}},
+    {6, 5, {0, 1, 2, 6, 7, 8}, {9, 10, 11, -1, -1, -1}, {3, 4, 5, 12, 13, 14}},
+    {8,
+     4,
+     {0, 1, 2, 3, 8, 9, 10, 11},
+     {12, 13, 14, 15, -1, -1, -1, -1},
+     {4, 5, 6, 7, 16, 17, 18, 19}},
+};
+
+// Lines become solids whose cross-sections stand for their nodes.
+struct LineExpansion {
+  int nDeckNodes;
+  int frdType;
+  int sections[3][kMaxNodes];  // -1: no more
+};
+
+constexpr LineExpansion kLineExpansions[] = {
+    {2, 1, {{0, 3, 4, 7, -1}, {1, 2, 5, 6, -1}, {-1}}},
+    {3, 4, {{0, 3, 4, 7, 11, 12, 15, 19}, {8, 10, 16, 18, -1}, {1, 2, 5, 6, 9, 13, 14, 17}}},
+};
+
+const Expansion* expansionOf(int nDeckNodes, int frdType) {
+  for (const Expansion& expansion : kExpansions) {
+    if (expansion.nDeckNodes == nDeckNodes && expansion.frdType == frdType) return &expansion;
+  }
+  return nullptr;
+}
+
+const LineExpansion* lineExpansionOf(int nDeckNodes, int frdType) {
+  for (const LineExpansion& expansion : kLineExpansions) {
+    if (expansion.nDeckNodes == nDeckNodes && expansion.frdType == frdType) return &expansion;
+  }
+  return nullptr;
+}
+
+void addOnce(std::vector<std::int32_t>& list, std::int32_t item) {
+  if (std::find(list.begin(), list.end(), item) == list.end()) list.push_back(item);
+}
+
+// Shells have values at both sides; membranes and surface elements do not.
+bool hasSides(const ElementBlock& block) {
+  return elementTypeOf(block.type).family == Family::shell && block.type[0] == 'S';
+}
+
+}  // namespace
+
+int nLayers(const Section& section) {
+  if (section.kind != SectionKind::compositeShell) return 1;
+  return static_cast<int>(section.layers.size()) * (section.symmetric ? 2 : 1);
+}
+
+ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index) : mesh_(mesh), index_(index) {
+  const FrdElements& elements = index.elements;
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < elements.labels.size(); ++i) {
+    firstNode_.push_back(at);
+    at += static_cast<std::size_t>(frdNodesPerElement(elements.types[i]));
+    elementIndex_.emplace(elements.labels[i], i);
+  }
+  for (std::size_t i = 0; i < index.nodes.labels.size(); ++i) {
+    nodeIndex_.emplace(index.nodes.labels[i], static_cast<std::int32_t>(i));
+  }
+  used_.resize(elements.labels.size());
+  stands_.resize(mesh.nodes.size());
+  matchEqualNodes();
+  findLayers();
+  for (const ElementBlock& block : mesh.elements.blocks) matchElements(block);
+  finish();
+}
+
+std::int32_t ResultMesh::indexOf(std::int32_t frdLabel) const {
+  const auto found = nodeIndex_.find(frdLabel);
+  return found == nodeIndex_.end() ? -1 : found->second;
+}
+
+const std::int32_t* ResultMesh::frdNodes(std::size_t element) const {
+  return index_.elements.nodes.data() + firstNode_[element];
+}
+
+// Nodes of one label at one place are one node. Text keeps six digits of coordinates.
+void ResultMesh::matchEqualNodes() {
+  double size = 0;
+  for (const double x : mesh_.nodes.xyz) size = std::max(size, std::fabs(x));
+  const double tolerance = 2e-5 * size;
+  equal_.resize(mesh_.nodes.size());
+  for (std::size_t i = 0; i < mesh_.nodes.size(); ++i) {
+    const std::int32_t label = mesh_.nodes.labels[i];
+    deckNodeIndex_.emplace(label, static_cast<std::int32_t>(i));
+    const std::int32_t node = indexOf(label);
+    if (node < 0) continue;
+    const double* const a = mesh_.nodes.xyz.data() + 3 * i;
+    const double* const b = index_.nodes.coordinates.data() + 3 * static_cast<std::size_t>(node);
+    equal_[i] = std::fabs(a[0] - b[0]) <= tolerance && std::fabs(a[1] - b[1]) <= tolerance &&
+                std::fabs(a[2] - b[2]) <= tolerance;
+    if (equal_[i]) stands_[i] = {{node}, {node}};
+  }
+}
+
+// The sections of shells, and the labels of the solids that composite ones become: one after
+// another, element by element in ascending order, beyond all labels of the deck.
+void ResultMesh::findLayers() {
+  std::vector<std::int32_t> composite;
+  for (std::size_t s = 0; s < mesh_.sections.size(); ++s) {
+    const Section& section = mesh_.sections[s];
+    const bool shell =
+        section.kind == SectionKind::shell || section.kind == SectionKind::compositeShell;
+    const Set* const set = shell ? mesh_.elementSets.find(section.elset) : nullptr;
+    if (set == nullptr) continue;
+    for (const Members& members : set->members) {
+      for (const std::int32_t label : members.labels) {
+        sectionOf_[label] = static_cast<std::int32_t>(s);
+        if (section.kind == SectionKind::compositeShell) composite.push_back(label);
+      }
+    }
+  }
+  std::int32_t next = 0;
+  for (const ElementBlock& block : mesh_.elements.blocks) {
+    if (!block.labels.empty()) next = std::max(next, block.labels.back());
+  }
+  std::sort(composite.begin(), composite.end());
+  composite.erase(std::unique(composite.begin(), composite.end()), composite.end());
+  for (const std::int32_t label : composite) {
+    firstLayer_[label] = next + 1;
+    next += nLayers(mesh_.sections[static_cast<std::size_t>(sectionOf_.at(label))]);
+  }
+}
+
+ResultMesh::Solids ResultMesh::solidsOf(std::int32_t label, std::int32_t section) const {
+  Solids solids;
+  const auto layered = firstLayer_.find(label);
+  const bool isLayered = layered != firstLayer_.end();
+  const int n = isLayered ? nLayers(mesh_.sections[static_cast<std::size_t>(section)]) : 1;
+  for (int i = 0; i < n; ++i) {
+    const auto found = elementIndex_.find(isLayered ? layered->second + i : label);
+    if (found == elementIndex_.end()) return {};
+    solids.push_back(found->second);
+  }
+  return solids;
+}
+
+void ResultMesh::matchElements(const ElementBlock& block) {
+  for (std::size_t i = 0; i < block.labels.size(); ++i) {
+    if (takeEqual(block, i)) continue;
+    const auto section = sectionOf_.find(block.labels[i]);
+    const Solids solids =
+        solidsOf(block.labels[i], section == sectionOf_.end() ? -1 : section->second);
+    if (!solids.empty()) takeExpanded(block, i, solids);
+  }
+}
+
+ElementTargets& ResultMesh::targets(const ElementBlock& block, Side side, int layer,
+                                    std::int32_t section) {
+  const std::size_t nNodes = block.offsets[1] - block.offsets[0];
+  for (ElementTargets& t : elements_) {
+    if (t.type == block.type && t.side == side && t.layer == layer && t.section == section &&
+        t.nNodes == nNodes) {
+      return t;
+    }
+  }
+  elements_.push_back({block.type, side, layer, section, {}, nNodes, {}});
+  return elements_.back();
+}
+
+// An element that is in both with the same nodes. Also one of the deck's that the result file does
+// not list, as long as all its nodes are there (springs and the like take no values).
+bool ResultMesh::takeEqual(const ElementBlock& block, std::size_t at) {
+  const auto found = elementIndex_.find(block.labels[at]);
+  if (found == elementIndex_.end()) return false;
+  const std::size_t first = block.offsets[at], last = block.offsets[at + 1];
+  const auto nFrdNodes =
+      static_cast<std::size_t>(frdNodesPerElement(index_.elements.types[found->second]));
+  if (last - first != nFrdNodes || block.offsets[1] - block.offsets[0] != nFrdNodes) return false;
+  std::vector<std::int32_t> theirs(frdNodes(found->second), frdNodes(found->second) + nFrdNodes);
+  std::sort(theirs.begin(), theirs.end());
+  for (std::size_t i = first; i < last; ++i) {
+    if (!std::binary_search(theirs.begin(), theirs.end(), block.nodes[i])) return false;
+  }
+  // Plane results of shells are those of the middle surface.
+  ElementTargets& target = targets(block, Side::whole, 0, -1);
+  target.labels.push_back(block.labels[at]);
+  const std::size_t begin = target.sources.nodes.size();
+  for (std::size_t i = first; i < last; ++i) {
+    target.sources.nodes.push_back(indexOf(block.nodes[i]));
+    if (target.sources.nodes.back() < 0) {
+      // A node that no block of nodes has: such a file has been cut.
+      target.sources.nodes.resize(target.sources.offsets.back());
+      target.labels.pop_back();
+      return false;
+    }
+  }
+  for (std::size_t i = first; i < last; ++i) {
+    target.sources.offsets.push_back(target.sources.offsets.back() + 1);
+    // The solver moves nodes of contact surfaces onto each other, so that places can differ.
+    const auto node = deckNodeIndex_.find(block.nodes[i]);
+    if (node == deckNodeIndex_.end()) continue;
+    Stand& stand = stands_[static_cast<std::size_t>(node->second)];
+    if (stand.mean.empty()) stand = {{target.sources.nodes[i - first + begin]}, {}};
+    if (stand.sum.empty()) stand.sum = stand.mean;
+  }
+  used_[found->second] = true;
+  return true;
+}
+
+void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const Solids& solids) {
+  const std::size_t first = block.offsets[at];
+  const int nDeckNodes = static_cast<int>(block.offsets[at + 1] - first);
+  if (block.offsets[1] - block.offsets[0] != block.offsets[at + 1] - first) return;
+  const int frdType = index_.elements.types[solids[0]];
+  const auto stand = [&](int node) -> Stand* {
+    const auto found = deckNodeIndex_.find(block.nodes[first + static_cast<std::size_t>(node)]);
+    if (found == deckNodeIndex_.end()) return nullptr;
+    const auto i = static_cast<std::size_t>(found->second);
+    return equal_[i] ? nullptr : &stands_[i];
+  };
+  const auto node = [&](std::size_t solid, int position) {
+    return indexOf(frdNodes(solid)[position]);
+  };
+  for (const std::size_t solid : solids) {
+    if (index_.elements.types[solid] != frdType) return;
+    for (int i = 0; i < frdNodesPerElement(frdType); ++i) {
+      if (node(solid, i) < 0) return;
+    }
+  }
+
+  if (const LineExpansion* const line = lineExpansionOf(nDeckNodes, frdType)) {
+    for (int i = 0; i < nDeckNodes; ++i) {
+      Stand* const s = stand(i);
+      for (const int position : line->sections[i]) {
+        if (position < 0) break;
+        if (s != nullptr) addOnce(s->mean, node(solids[0], position));
+        if (s != nullptr) addOnce(s->sum, node(solids[0], position));
+      }
+    }
+    used_[solids[0]] = true;
+    ++nElementsWithout_;
+    return;
+  }
+  const Expansion* const expansion = expansionOf(nDeckNodes, frdType);
+  if (expansion == nullptr) return;
+  for (int i = 0; i < nDeckNodes; ++i) {
+    Stand* const s = stand(i);
+    if (s == nullptr) continue;
+    addOnce(s->mean, node(solids.front(), expansion->bottom[i]));
+    addOnce(s->mean, node(solids.back(), expansion->top[i]));
+    for (const std::size_t solid : solids) {
+      addOnce(s->sum, node(solid, expansion->bottom[i]));
+      if (expansion->middle[i] >= 0) addOnce(s->sum, node(solid, expansion->middle[i]));
+      addOnce(s->sum, node(solid, expansion->top[i]));
+    }
+  }
+  const auto section = sectionOf_.find(block.labels[at]);
+  const bool sides = hasSides(block) && section != sectionOf_.end();
+  for (std::size_t layer = 0; layer < solids.size(); ++layer) {
+    used_[solids[layer]] = true;
+    for (const Side side : {Side::bottom, Side::top}) {
+      ElementTargets& target = targets(block, sides ? side : Side::whole, static_cast<int>(layer),
+                                       sides ? section->second : -1);
+      if (sides || side == Side::bottom) target.labels.push_back(block.labels[at]);
+      if (!sides && side == Side::top) continue;
+      for (int i = 0; i < nDeckNodes; ++i) {
+        const bool isTop = side == Side::top;
+        target.sources.nodes.push_back(
+            node(solids[layer], isTop ? expansion->top[i] : expansion->bottom[i]));
+        if (!sides) target.sources.nodes.push_back(node(solids[layer], expansion->top[i]));
+        target.sources.close();
+      }
+    }
+  }
+}
+
+void ResultMesh::finish() {
+  std::vector<bool> taken(index_.nodes.labels.size());
+  const auto append = [&](NodeSources& sources, const std::vector<std::int32_t>& nodes) {
+    sources.nodes.insert(sources.nodes.end(), nodes.begin(), nodes.end());
+    sources.close();
+    for (const std::int32_t node : nodes) taken[static_cast<std::size_t>(node)] = true;
+  };
+  for (std::size_t i = 0; i < stands_.size(); ++i) {
+    if (stands_[i].mean.empty()) continue;
+    nodeLabels_.push_back(mesh_.nodes.labels[i]);
+    append(means_, stands_[i].mean);
+    append(sums_, stands_[i].sum);
+  }
+  nUnusedNodes_ = static_cast<std::size_t>(std::count(taken.begin(), taken.end(), false));
+  nUnusedElements_ = static_cast<std::size_t>(std::count(used_.begin(), used_.end(), false));
+  stands_ = {};
+  deckNodeIndex_ = {};
+}
+
+}  // namespace odbs::importer

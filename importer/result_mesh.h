@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Where the values of a result file go: its nodes and elements matched with those of the deck.
+//
+// The solver keeps the labels of solid meshes. It turns shells, membranes, plane and axisymmetric
+// elements, beams and trusses into solids with nodes of its own (CalculiX CrunchiX User's Manual,
+// chapter on element types), unless two-dimensional output was asked for; those elements keep
+// their labels, except composite shells, which become one solid a layer with labels beyond the
+// largest.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "importer/deck.h"
+#include "importer/frd_index.h"
+
+namespace odbs::importer {
+
+// For each of a number of targets the nodes of the result file that its value comes from, as
+// indices in FrdIndex::nodes: those of target i are nodes[offsets[i]] to nodes[offsets[i + 1]].
+struct NodeSources {
+  std::vector<std::uint32_t> offsets{0};
+  std::vector<std::int32_t> nodes;
+
+  std::size_t size() const { return offsets.size() - 1; }
+  void close() { offsets.push_back(static_cast<std::uint32_t>(nodes.size())); }
+};
+
+// Where through the thickness element values belong.
+enum class Side { whole, bottom, top };
+
+// Values at the nodes of some elements of one type: a row per element and node of its
+// connectivity.
+struct ElementTargets {
+  std::string type;
+  Side side = Side::whole;
+  int layer = 0;                     // of a composite shell, from 0
+  std::int32_t section = -1;         // index in the mesh's sections, of shells only
+  std::vector<std::int32_t> labels;  // of the elements, ascending
+  std::size_t nNodes = 0;            // of each
+  NodeSources sources;               // the mean of their values is the row's
+};
+
+class ResultMesh {
+ public:
+  // Matches what `index` holds with a mesh of the deck.
+  ResultMesh(const Scope& mesh, const FrdIndex& index);
+
+  // The deck's nodes that have values, ascending, each with the nodes whose mean is its value, and
+  // those whose sum it is where values add up (forces).
+  const std::vector<std::int32_t>& nodeLabels() const { return nodeLabels_; }
+  const NodeSources& means() const { return means_; }
+  const NodeSources& sums() const { return sums_; }
+
+  const std::vector<ElementTargets>& elements() const { return elements_; }
+
+  // Index in FrdIndex::nodes of a node of the result file, or -1.
+  std::int32_t indexOf(std::int32_t frdLabel) const;
+
+  // Nodes and elements of the result file that nothing of the deck takes, and elements of the deck
+  // whose nodes take values but which take none of their own (beams).
+  std::size_t nUnusedNodes() const { return nUnusedNodes_; }
+  std::size_t nUnusedElements() const { return nUnusedElements_; }
+  std::size_t nElementsWithout() const { return nElementsWithout_; }
+
+ private:
+  // Nodes of the result file that stand for a node of the deck.
+  struct Stand {
+    std::vector<std::int32_t> mean, sum;
+  };
+  // The solids that an element of the deck became, as indices in FrdIndex::elements: one, or one a
+  // layer, bottom first.
+  using Solids = std::vector<std::size_t>;
+
+  void matchEqualNodes();
+  void findLayers();
+  Solids solidsOf(std::int32_t label, std::int32_t section) const;
+  void matchElements(const ElementBlock& block);
+  void takeExpanded(const ElementBlock& block, std::size_t at, const Solids& solids);
+  bool takeEqual(const ElementBlock& block, std::size_t at);
+  ElementTargets& targets(const ElementBlock& block, Side side, int layer, std::int32_t section);
+  const std::int32_t* frdNodes(std::size_t element) const;
+  void finish();
+
+  const Scope& mesh_;
+  const FrdIndex& index_;
+  std::unordered_map<std::int32_t, std::int32_t> nodeIndex_;      // of labels of the result file
+  std::unordered_map<std::int32_t, std::size_t> elementIndex_;    // likewise
+  std::vector<std::size_t> firstNode_;                            // of each element there
+  std::vector<bool> equal_;                                       // per node of the deck
+  std::unordered_map<std::int32_t, std::int32_t> deckNodeIndex_;  // of labels of the deck
+  std::unordered_map<std::int32_t, std::int32_t> sectionOf_;      // of shells, by element label
+  std::unordered_map<std::int32_t, std::int32_t> firstLayer_;     // label of the lowest solid
+  std::vector<Stand> stands_;                                     // per node of the deck
+  std::vector<bool> used_;                                        // per element of the result file
+  std::vector<std::int32_t> nodeLabels_;
+  NodeSources means_, sums_;
+  std::vector<ElementTargets> elements_;
+  std::size_t nUnusedNodes_ = 0, nUnusedElements_ = 0, nElementsWithout_ = 0;
+};
+
+// How many layers a composite section has; 1 for others.
+int nLayers(const Section& section);
+
+}  // namespace odbs::importer

@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Which step and moment a table belongs to, and histories. Fields are in write_points.cpp.
+#include "importer/table_writer.h"
+
+#include <odb_embedded_results.h>
+
+namespace odbs::importer {
+
+namespace {
+
+struct HistoryName {
+  std::string_view quantity, name, description;
+};
+
+// Names of the values that nodes and elements have over time; vectors add their component.
+constexpr HistoryName kHistoryNames[] = {
+    {"U", "U", "Spatial displacement"},
+    {"V", "V", "Spatial velocity"},
+    {"RF", "RF", "Reaction force"},
+    {"NT", "NT11", "Nodal temperature"},
+    {"RFL", "RFL11", "Reaction flux"},
+    {"CDIS", "C", "Contact displacement"},
+    {"CSTR", "C", "Contact stress"},
+    {"CELS", "CELS", "Contact energy"},
+    {"CNUM", "CNUM", "Number of contact elements"},
+    {"ELSE", "ELSE", "Internal energy"},
+    {"ELKE", "ELKE", "Kinetic energy"},
+    {"EVOL", "EVOL", "Volume"},
+    {"EMAS", "EMAS", "Mass"},
+    {"EBHE", "EBHE", "Body heating"},
+    {"CENT", "CENT", "Centrifugal load"},
+    {"MF", "MFL", "Mass flow rate"},
+    {"PN", "PN", "Network pressure"},
+    {kDatStatistics, "", "Surface resultant"},
+    {kDatEigenvalues, "EIG", "Eigenvalue"},
+    {kDatBuckling, "EIGVAL", "Buckling factor"},
+    {kDatParticipation, "PF", "Participation factor"},
+    {kDatEffectiveMass, "EM", "Effective mass"},
+};
+
+const HistoryName* historyName(std::string_view quantity) {
+  for (const HistoryName& entry : kHistoryNames) {
+    if (entry.quantity == quantity) return &entry;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+TableWriter::TableWriter(const Deck& deck, const Scope& mesh, odb_Odb& odb,
+                         const odb_Instance& instance, ResultFrames& frames)
+    : deck_(deck), odb_(odb), instance_(instance), frames_(frames) {
+  for (const ElementBlock& block : mesh.elements.blocks) {
+    for (const std::int32_t label : block.labels) blockOf_.emplace(label, &block);
+  }
+  nodes_.insert(mesh.nodes.labels.begin(), mesh.nodes.labels.end());
+}
+
+const ElementBlock* TableWriter::blockOf(std::int32_t label) const {
+  const auto found = blockOf_.find(label);
+  return found == blockOf_.end() ? nullptr : found->second;
+}
+
+void TableWriter::add(DatTable& table) {
+  if (table.quantity == kDatEigenvalues || table.quantity == kDatBuckling) {
+    flush();
+    seen_.clear();
+    frames_.enterModes(table.quantity == kDatBuckling);
+    return takeModes(table);
+  }
+  if (table.rows == DatRows::modes && !table.hasTime) return takeModes(table);
+  if (table.quantity == kDatHarmonic) {
+    flush();
+    return frames_.enterHarmonic();
+  }
+  if (!table.hasTime) {
+    ++leftOut_[table.quantity];
+    return;
+  }
+  const Moment moment = momentOf(table);
+  if (moment.step < 0) {
+    ++leftOut_[table.title];
+    return;
+  }
+  if (frames_.domain(moment.step) != Domain::frequency) return place(moment, table, nullptr);
+  const bool same = pendingMoment_.step == moment.step && pendingMoment_.time == moment.time;
+  if (!same) flush();
+  pendingMoment_ = moment;
+  pending_.push_back(std::move(table));
+}
+
+void TableWriter::finish() {
+  flush();
+  for (auto& [region, outputs] : histories_) {
+    std::string name;
+    const odb_HistoryPoint point = pointOf(region, name);
+    odb_Step& step = frames_.step(region.step);
+    odb_HistoryRegion& made = step.HistoryRegion(name.c_str(), "", point);
+    for (auto& [key, series] : outputs) {
+      const std::size_t split = key.find('\n');
+      odb_HistoryOutput& output =
+          made.HistoryOutput(key.substr(0, split).c_str(), key.substr(split + 1).c_str());
+      const auto rows = [](const std::vector<double>& x, const std::vector<double>& values) {
+        odb_SequenceSequenceFloat pairs(static_cast<int>(x.size()));
+        for (std::size_t i = 0; i < x.size(); ++i) {
+          odb_SequenceFloat pair(2);
+          pair.append(static_cast<float>(x[i]));
+          pair.append(static_cast<float>(values[i]));
+          pairs.append(pair);
+        }
+        return pairs;
+      };
+      output.addData(rows(series.x, series.values));
+      if (!series.imaginary.empty()) {
+        odb_embedded::addConjugateData(output, rows(series.imaginaryX, series.imaginary));
+      }
+      ++nHistoryOutputs_;
+    }
+  }
+  histories_.clear();
+}
+
+// Values of each mode: histories of the whole model over the mode's number, and a frame for a mode
+// that the result file does not have.
+void TableWriter::takeModes(const DatTable& table) {
+  const int step = frames_.current();
+  if (step >= frames_.nSteps() || frames_.domain(step) != Domain::modal) {
+    ++leftOut_[table.title];
+    return;
+  }
+  const std::size_t nKeys = static_cast<std::size_t>(table.nKeys), nColumns = table.columns.size();
+  std::size_t frequency = 0;
+  while (frequency < nColumns && table.columns[frequency] != "FREQUENCY") ++frequency;
+  for (std::size_t row = 0; row < table.nRows(); ++row) {
+    const std::int32_t mode = table.keys[(row + 1) * nKeys - 1];
+    Region region{step, PointKind::assembly, 0, {}};
+    if (nKeys == 2) region.name = "nodal diameter " + std::to_string(table.keys[row * nKeys]);
+    for (std::size_t i = 0; i < nColumns; ++i) {
+      addValue(region, outputName(table, i), mode, table.values[row * nColumns + i], false);
+    }
+    if (table.quantity == kDatBuckling) frequency = 0;
+    const bool values = table.quantity == kDatEigenvalues || table.quantity == kDatBuckling;
+    if (values && frequency < nColumns) {
+      frames_.addMode(mode, table.values[row * nColumns + frequency],
+                      nKeys == 2 ? table.keys[row * nKeys] : -1);
+    }
+  }
+}
+
+// Modes announce themselves; what is printed a second time for a mode belongs to a later step.
+TableWriter::Moment TableWriter::momentOf(const DatTable& table) {
+  int mode = table.mode;
+  if (mode > 0 && !seen_.insert({mode, table.title, table.set}).second) mode = 0;
+  return frames_.at(table.time, mode);
+}
+
+// Of a frequency every table comes twice: real parts first, then imaginary parts in the same order.
+void TableWriter::flush() {
+  std::vector<DatTable> tables;
+  tables.swap(pending_);
+  const std::size_t half = tables.size() / 2;
+  bool paired = tables.size() % 2 == 0;
+  for (std::size_t i = 0; paired && i < half; ++i) {
+    paired = tables[i].title == tables[half + i].title && tables[i].set == tables[half + i].set &&
+             tables[i].keys == tables[half + i].keys;
+  }
+  for (std::size_t i = 0; i < (paired ? half : tables.size()); ++i) {
+    place(pendingMoment_, tables[i], paired ? &tables[half + i] : nullptr);
+  }
+}
+
+void TableWriter::place(const Moment& moment, DatTable& real, const DatTable* imaginary) {
+  switch (real.rows) {
+    case DatRows::points:
+      return writePoints(moment, real, imaginary);
+    case DatRows::nodes:
+    case DatRows::elements:
+    case DatRows::totals:
+    case DatRows::statistics:
+      addHistory(moment, real, false);
+      if (imaginary != nullptr) addHistory(moment, *imaginary, true);
+      return;
+    default:
+      ++leftOut_[real.title];
+  }
+}
+
+// Name and description of a column's output, with a line feed between.
+std::string TableWriter::outputName(const DatTable& table, std::size_t column) const {
+  const HistoryName* const known = historyName(table.quantity);
+  std::string name(known != nullptr ? known->name : std::string_view(table.quantity));
+  const std::string& component = table.columns[column];
+  if (table.quantity == kDatEigenvalues) {
+    name += component == "EIGENVALUE"  ? "VAL"
+            : component == "FREQUENCY" ? "FREQ"
+            : component == "OMEGA"     ? "OMEGA"
+                                       : "IMAG";
+  } else if (table.quantity == kDatParticipation || table.quantity == kDatEffectiveMass) {
+    name += std::to_string(column + 1);
+  } else if (table.quantity != kDatBuckling) {
+    name += component;
+  }
+  return name + "\n" + (known != nullptr ? std::string(known->description) : table.title);
+}
+
+void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool imaginary) {
+  const std::size_t nColumns = table.columns.size();
+  Region region{moment.step, PointKind::assembly, 0, table.set};
+  std::size_t nUnknown = 0;
+  for (std::size_t row = 0; row < table.nRows(); ++row) {
+    if (table.rows == DatRows::nodes) {
+      region = {moment.step, PointKind::node, table.keys[row], {}};
+      if (nodes_.count(region.label) == 0) ++nUnknown;
+    } else if (table.rows == DatRows::elements) {
+      region = {moment.step, PointKind::element, table.keys[row], {}};
+      if (blockOf(region.label) == nullptr) ++nUnknown;
+    } else if (instance_.nodeSets().isMember(table.set.c_str()) &&
+               (table.quantity == "RF" || table.quantity == "RFL")) {
+      region.kind = PointKind::nodeSet;
+    } else if (instance_.elementSets().isMember(table.set.c_str())) {
+      region.kind = PointKind::elementSet;
+    }
+    if (nUnknown > 0) break;
+    for (std::size_t i = 0; i < nColumns; ++i) {
+      addValue(region, outputName(table, i), moment.x, table.values[row * nColumns + i], imaginary);
+    }
+  }
+  if (nUnknown > 0) ++leftOut_[table.title + " at labels that the deck does not have"];
+}
+
+void TableWriter::addValue(const Region& region, const std::string& output, double x, double value,
+                           bool imaginary) {
+  Series& series = histories_[region][output];
+  std::vector<double>& at = imaginary ? series.imaginaryX : series.x;
+  // Two sets can print the same node.
+  if (!at.empty() && at.back() == x) return;
+  at.push_back(x);
+  (imaginary ? series.imaginary : series.values).push_back(value);
+}
+
+odb_HistoryPoint TableWriter::pointOf(const Region& region, std::string& name) {
+  const std::string owner = instance_.name().CStr();
+  switch (region.kind) {
+    case PointKind::node:
+      name = "Node " + owner + "." + std::to_string(region.label);
+      return odb_HistoryPoint(instance_.getNodeFromLabel(region.label));
+    case PointKind::element:
+      name = "Element " + owner + "." + std::to_string(region.label);
+      return odb_HistoryPoint(instance_.getElementFromLabel(region.label));
+    case PointKind::nodeSet:
+      name = "NodeSet " + owner + "." + region.name;
+      return odb_HistoryPoint(instance_.nodeSets()[region.name.c_str()]);
+    case PointKind::elementSet:
+      name = "ElementSet " + owner + "." + region.name;
+      return odb_HistoryPoint(instance_.elementSets()[region.name.c_str()]);
+    default:
+      name = "Assembly " + deck_.assemblyName + (region.name.empty() ? "" : " " + region.name);
+      return odb_HistoryPoint(odb_.rootAssembly());
+  }
+}
+
+}  // namespace odbs::importer

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Writes the tables of a print file: integration points as fields, the rest as histories.
+#pragma once
+
+#include <odb_API.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+#include <unordered_set>
+#include <vector>
+
+#include "importer/dat_reader.h"
+#include "importer/field_writer.h"
+#include "importer/result_frames.h"
+
+namespace odbs::importer {
+
+class TableWriter {
+ public:
+  TableWriter(const Deck& deck, const Scope& mesh, odb_Odb& odb, const odb_Instance& instance,
+              ResultFrames& frames);
+
+  // Takes the tables in the file's order.
+  void add(DatTable& table);
+  // Writes what add() has gathered.
+  void finish();
+
+  std::size_t nFields() const { return nFields_; }
+  std::size_t nHistoryOutputs() const { return nHistoryOutputs_; }
+  // Kinds of tables that found no place, with how often.
+  const std::map<std::string, std::size_t>& leftOut() const { return leftOut_; }
+
+ private:
+  using Moment = ResultFrames::Moment;
+
+  enum class PointKind { node, element, nodeSet, elementSet, assembly };
+  struct Region {
+    int step = 0;
+    PointKind kind = PointKind::assembly;
+    std::int32_t label = 0;
+    std::string name;  // of a set; of what the assembly's region is about
+    bool operator<(const Region& other) const {
+      return std::tie(step, kind, label, name) <
+             std::tie(other.step, other.kind, other.label, other.name);
+    }
+  };
+  struct Series {
+    std::vector<double> x, values;
+    std::vector<double> imaginaryX, imaginary;
+  };
+  using Outputs = std::map<std::string, Series>;
+
+  // The elements of one type and section category in a table, with the rows of each.
+  struct PointBlock {
+    std::vector<std::int32_t> labels;
+    std::vector<std::size_t> rows;  // first row of each element
+    std::size_t nPoints = 0;        // of each
+  };
+
+  void takeModes(const DatTable& table);
+  Moment momentOf(const DatTable& table);
+  void flush();
+  void place(const Moment& moment, DatTable& real, const DatTable* imaginary);
+  void writePoints(const Moment& moment, const DatTable& real, const DatTable* imaginary);
+  std::vector<PointBlock> pointBlocks(const DatTable& table, const std::string& field);
+  bool addBlock(odb_Frame& frame, const DatTable& real, const DatTable* imaginary,
+                const PointBlock& block);
+  void addHistory(const Moment& moment, const DatTable& table, bool imaginary);
+  void addValue(const Region& region, const std::string& output, double x, double value,
+                bool imaginary);
+  std::string outputName(const DatTable& table, std::size_t column) const;
+  odb_HistoryPoint pointOf(const Region& region, std::string& name);
+  const ElementBlock* blockOf(std::int32_t label) const;
+
+  const Deck& deck_;
+  odb_Odb& odb_;
+  odb_Instance instance_;
+  ResultFrames& frames_;
+  std::unordered_map<std::int32_t, const ElementBlock*> blockOf_;  // by element label
+  std::unordered_set<std::int32_t> nodes_;                         // labels of the deck
+  std::map<Region, Outputs> histories_;
+  std::vector<DatTable> pending_;  // tables of one frequency: real parts, imaginary parts
+  Moment pendingMoment_;
+  // What the current frame or mode already has: elements by field, tables by kind and set.
+  std::map<std::string, std::unordered_set<std::int32_t>> written_;
+  Moment writtenMoment_;
+  std::set<std::tuple<int, std::string, std::string>> seen_;  // mode, title, set
+  std::size_t nFields_ = 0, nHistoryOutputs_ = 0;
+  std::map<std::string, std::size_t> leftOut_;
+};
+
+}  // namespace odbs::importer

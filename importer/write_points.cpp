@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Tables at integration points as field values.
+//
+// Solids have the database's points in the database's order (CalculiX CrunchiX User's Manual,
+// chapter on element types: the first direction runs fastest). Plane elements and shells are solids
+// to the solver, with points in two or three planes through the thickness.
+#include <odb_embedded_results.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "importer/element_types.h"
+#include "importer/table_writer.h"
+
+namespace odbs::importer {
+
+namespace {
+
+struct PointField {
+  std::string_view quantity, name, description;
+  FieldShape shape;
+};
+
+constexpr PointField kPointFields[] = {
+    {"S", "S", "Stress components", FieldShape::tensor},
+    {"SVF", "SVF", "Viscous stress components", FieldShape::tensor},
+    {"E", "E", "Total strain components (tensor shear)", FieldShape::tensor},
+    {"ME", "ME", "Mechanical strain components (tensor shear)", FieldShape::tensor},
+    {"PEEQ", "PEEQ", "Equivalent plastic strain", FieldShape::scalar},
+    {"ENER", "ENER", "Energy density", FieldShape::scalar},
+    {"SDV", "SDV", "Solution dependent state variables", FieldShape::scalar},
+    {"HFL", "HFL", "Heat flux vector", FieldShape::vector},
+    {"COORD", "COORD", "Coordinates", FieldShape::vector},
+};
+
+// How the points of an element become points of the database.
+enum class Layout {
+  solid,   // as they are
+  planar,  // means over the planes
+  shell,   // at both faces, from a line (or parabola) through the planes
+  unknown  // beams: the database's points are elsewhere
+};
+
+Layout layoutOf(const std::string& type) {
+  switch (elementTypeOf(type).family) {
+    case Family::solid:
+      return Layout::solid;
+    case Family::planar:
+      return Layout::planar;
+    case Family::shell:
+      return type[0] == 'S' ? Layout::shell : Layout::planar;
+    default:
+      return Layout::unknown;
+  }
+}
+
+// Planes through the thickness: one layer of 8 or 2 points has two, of 27 or 9 points three.
+std::size_t planesOf(std::size_t nPoints) {
+  return nPoints % 27 == 0 || nPoints % 9 == 0 ? 3 : 2;
+}
+
+// Weights of the planes for a value at the lower (-1) or upper (1) face, or their mean (0). The
+// planes are at the Gauss points of two or three points.
+std::vector<double> planeWeights(std::size_t nPlanes, int face) {
+  if (nPlanes == 2) {
+    if (face == 0) return {0.5, 0.5};
+    const double outer = (1 + std::sqrt(3.)) / 2;
+    return face < 0 ? std::vector<double>{outer, 1 - outer} : std::vector<double>{1 - outer, outer};
+  }
+  if (face == 0) return {0, 1, 0};
+  const double at = std::sqrt(5. / 3);  // the face, in units of the outer planes' distance
+  const double outer = at * (at + 1) / 2, inner = at * (at - 1) / 2, middle = 1 - at * at;
+  return face < 0 ? std::vector<double>{outer, middle, inner}
+                  : std::vector<double>{inner, middle, outer};
+}
+
+struct Rows {
+  std::vector<float> values;
+  std::size_t nPerElement = 0;
+};
+
+// The values of the elements of a block: `sources` are columns of the table. Layer `layer` of
+// `nLayers`, at face -1 or 1, or 0 for the mean over the planes.
+Rows rowsOf(const DatTable& table, const std::vector<std::size_t>& firstRows, std::size_t nPoints,
+            const std::vector<std::size_t>& sources, Layout layout, std::size_t layer,
+            std::size_t nLayersHere, int face) {
+  Rows rows;
+  const std::size_t inLayer = nPoints / nLayersHere;
+  const std::size_t nPlanes = layout == Layout::solid ? 1 : planesOf(inLayer);
+  const std::vector<double> weights =
+      layout == Layout::solid ? std::vector<double>{1} : planeWeights(nPlanes, face);
+  rows.nPerElement = inLayer / nPlanes;
+  const std::size_t nColumns = table.columns.size();
+  for (const std::size_t first : firstRows) {
+    for (std::size_t point = 0; point < rows.nPerElement; ++point) {
+      for (const std::size_t column : sources) {
+        double value = 0;
+        for (std::size_t plane = 0; plane < nPlanes; ++plane) {
+          const std::size_t row = first + layer * inLayer + plane * rows.nPerElement + point;
+          value += weights[plane] * table.values[row * nColumns + column];
+        }
+        rows.values.push_back(static_cast<float>(value));
+      }
+    }
+  }
+  return rows;
+}
+
+}  // namespace
+
+// Elements by type, section category and number of points. Rows of one element stand together and
+// count their points from 1; whatever else an element has been given before is passed over.
+std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& table,
+                                                              const std::string& field) {
+  std::map<std::tuple<const ElementBlock*, std::string, std::size_t>, PointBlock> blocks;
+  std::unordered_set<std::int32_t>& written = written_[field];
+  std::size_t nUnknown = 0;
+  for (std::size_t row = 0; row < table.nRows();) {
+    const std::int32_t label = table.keys[2 * row];
+    std::size_t n = 0;
+    while (row + n < table.nRows() && table.keys[2 * (row + n)] == label &&
+           table.keys[2 * (row + n) + 1] == static_cast<std::int32_t>(n + 1)) {
+      ++n;
+    }
+    const ElementBlock* const block = blockOf(label);
+    if (n == 0 || block == nullptr) {
+      ++nUnknown;
+    } else if (written.insert(label).second) {
+      const odb_Element element = instance_.getElementFromLabel(label);
+      PointBlock& target = blocks[{block, element.sectionCategory().name().CStr(), n}];
+      target.labels.push_back(label);
+      target.rows.push_back(row);
+      target.nPoints = n;
+    }
+    row += std::max<std::size_t>(n, 1);
+  }
+  if (nUnknown > 0) leftOut_[table.title + " of elements that the deck does not have"] += 1;
+  std::vector<PointBlock> result;
+  for (auto& [key, block] : blocks) {
+    std::vector<std::size_t> order(block.labels.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(), [&labels = block.labels](std::size_t a, std::size_t b) {
+      return labels[a] < labels[b];
+    });
+    PointBlock sorted;
+    sorted.nPoints = block.nPoints;
+    for (const std::size_t i : order) {
+      sorted.labels.push_back(block.labels[i]);
+      sorted.rows.push_back(block.rows[i]);
+    }
+    result.push_back(std::move(sorted));
+  }
+  return result;
+}
+
+void TableWriter::writePoints(const Moment& moment, const DatTable& real,
+                              const DatTable* imaginary) {
+  std::optional<odb_Frame> frame;
+  if (real.nRows() > 0) frame = frames_.frameOf(moment);
+  if (!frame) {
+    if (real.nRows() > 0) ++leftOut_[real.title + " at times without a frame"];
+    return;
+  }
+  if (writtenMoment_.step != moment.step || writtenMoment_.x != moment.x) written_.clear();
+  writtenMoment_ = moment;
+  bool any = false, all = true;
+  for (const PointBlock& block : pointBlocks(real, real.quantity)) {
+    const bool done = addBlock(*frame, real, imaginary, block);
+    any |= done;
+    all &= done;
+  }
+  if (any) ++nFields_;
+  if (!all) ++leftOut_[real.title + " of beams or of unusual layers"];
+}
+
+bool TableWriter::addBlock(odb_Frame& frame, const DatTable& real, const DatTable* imaginary,
+                           const PointBlock& block) {
+  const PointField* known = nullptr;
+  for (const PointField& field : kPointFields) {
+    if (field.quantity == real.quantity) known = &field;
+  }
+  const Layout layout = layoutOf(blockOf(block.labels[0])->type);
+  if (known == nullptr || layout == Layout::unknown) return false;
+  const odb_SectionCategory category =
+      instance_.getElementFromLabel(block.labels[0]).sectionCategory();
+  // Layers that have section points; none: the mean over the planes has to do.
+  std::vector<LayerPoints> layers;
+  while (layout == Layout::shell &&
+         layerPoints(category, static_cast<int>(layers.size())).bottom.number() >= 0) {
+    layers.push_back(layerPoints(category, static_cast<int>(layers.size())));
+  }
+  const std::size_t nLayersHere = std::max<std::size_t>(layers.size(), 1);
+  if (block.nPoints % nLayersHere != 0) return false;
+  const std::size_t inLayer = block.nPoints / nLayersHere;
+  if (layout != Layout::solid && inLayer % planesOf(inLayer) != 0) return false;
+
+  const auto addRows = [&](const std::string& name, const std::vector<std::size_t>& sources,
+                           std::size_t layer, int face, const odb_SectionPoint& point) {
+    const Rows rows =
+        rowsOf(real, block.rows, block.nPoints, sources, layout, layer, nLayersHere, face);
+    Rows conjugate;
+    if (imaginary != nullptr) {
+      conjugate =
+          rowsOf(*imaginary, block.rows, block.nPoints, sources, layout, layer, nLayersHere, face);
+    }
+    odb_embedded::FieldValues<float> added;
+    added.position = odb_Enum::INTEGRATION_POINT;
+    added.instance = instance_;
+    added.labels = block.labels.data();
+    added.nLabels = static_cast<int>(block.labels.size());
+    added.nRows = static_cast<int>(block.labels.size() * rows.nPerElement);
+    added.width = static_cast<int>(sources.size());
+    added.data = rows.values.data();
+    added.conjugate = imaginary != nullptr ? conjugate.values.data() : nullptr;
+    added.sectionPoint = point;
+    odb_embedded::addData(fieldOf(frame, name, std::string(known->description), known->shape),
+                          added);
+  };
+  const auto addField = [&](const std::string& name, const std::vector<std::size_t>& sources) {
+    if (layers.empty()) return addRows(name, sources, 0, 0, odb_SectionPoint());
+    for (std::size_t layer = 0; layer < layers.size(); ++layer) {
+      addRows(name, sources, layer, -1, layers[layer].bottom);
+      addRows(name, sources, layer, 1, layers[layer].top);
+    }
+  };
+  if (known->shape != FieldShape::scalar) {
+    std::vector<std::size_t> sources(real.columns.size());
+    std::iota(sources.begin(), sources.end(), std::size_t{0});
+    addField(std::string(known->name), sources);
+    return true;
+  }
+  for (std::size_t i = 0; i < real.columns.size(); ++i) {
+    addField(std::string(known->name) + real.columns[i], {i});
+  }
+  return true;
+}
+
+}  // namespace odbs::importer

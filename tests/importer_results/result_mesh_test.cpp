@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Matching result files with decks, shown by coordinates: the mean of the nodes that stand for a
+// node of the deck lies where that node lies.
+#include "importer/result_mesh.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+#include "importer/deck_reader.h"
+#include "tests/importer_results/result_text.h"
+
+namespace odbs::importer {
+namespace {
+
+using Place = std::array<double, 3>;
+
+struct Matched {
+  Deck deck;
+  FrdIndex index;
+  std::unique_ptr<ResultMesh> mesh;
+
+  const Scope& content() const { return deck.meshOf(deck.instances[0]); }
+
+  // The mean place of the nodes that target `i` of `sources` comes from.
+  Place place(const NodeSources& sources, std::size_t i) const {
+    Place mean{};
+    const double n = sources.offsets[i + 1] - sources.offsets[i];
+    for (std::size_t s = sources.offsets[i]; s < sources.offsets[i + 1]; ++s) {
+      for (std::size_t k = 0; k < 3; ++k) {
+        mean[k] += index.nodes.coordinates[3 * static_cast<std::size_t>(sources.nodes[s]) + k] / n;
+      }
+    }
+    return mean;
+  }
+
+  Place deckPlace(std::int32_t label) {
+    const auto i = static_cast<std::size_t>(deck.parts[0].content.nodes.find(label));
+    const std::vector<double>& xyz = deck.parts[0].content.nodes.xyz;
+    return {xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]};
+  }
+
+  void expectNodesInPlace() {
+    ASSERT_EQ(mesh->nodeLabels().size(), content().nodes.size());
+    for (std::size_t i = 0; i < mesh->nodeLabels().size(); ++i) {
+      const Place expected = deckPlace(mesh->nodeLabels()[i]);
+      const Place found = place(mesh->means(), i);
+      for (std::size_t k = 0; k < 3; ++k) EXPECT_NEAR(found[k], expected[k], 1e-4);
+    }
+  }
+};
+
+Matched match(const std::string& deckPath, const std::string& frdPath) {
+  Matched m;
+  m.deck = readDeck(deckPath);
+  FrdReader reader(frdPath);
+  m.index = indexFrd(reader);
+  m.mesh = std::make_unique<ResultMesh>(m.deck.meshOf(m.deck.instances[0]), m.index);
+  return m;
+}
+
+Matched matchSample(const std::string& name) {
+  const std::string base = std::string(ODBS_SOURCE_DIR) + "/samples/" + name + "/" + name;
+  return match(base + ".inp", base + ".frd");
+}
+
+TEST(ResultMesh, TakesSolidsAsTheyAre) {
+  for (const char* const name : {"contact_block", "bar_modes", "bar_harmonic"}) {
+    Matched m = matchSample(name);
+    m.expectNodesInPlace();
+    ASSERT_EQ(m.mesh->elements().size(), 1u) << name;
+    const ElementTargets& targets = m.mesh->elements()[0];
+    EXPECT_EQ(targets.labels.size(), m.content().elements.size());
+    EXPECT_EQ(m.mesh->nUnusedNodes() + m.mesh->nUnusedElements(), 0u);
+    const ElementBlock& block = m.content().elements.blocks[0];
+    for (std::size_t row = 0; row < targets.sources.size(); ++row) {
+      EXPECT_EQ(m.index.nodes.labels[static_cast<std::size_t>(targets.sources.nodes[row])],
+                block.nodes[row]);
+    }
+  }
+}
+
+TEST(ResultMesh, FindsTheLayersOfCompositeShells) {
+  Matched m = matchSample("composite_plate");
+  m.expectNodesInPlace();
+  ASSERT_EQ(m.mesh->elements().size(), 6u) << "two sides of three layers";
+  EXPECT_EQ(m.mesh->nUnusedElements(), 0u);
+  constexpr double kHeights[] = {-2, -1, 1, 2};  // faces of the layers of 1, 2 and 1 mm
+  for (const ElementTargets& targets : m.mesh->elements()) {
+    ASSERT_NE(targets.side, Side::whole);
+    EXPECT_EQ(targets.labels.size(), 9u);
+    const ElementBlock& block = m.content().elements.blocks[0];
+    const double height = kHeights[targets.layer + (targets.side == Side::top ? 1 : 0)];
+    for (std::size_t row = 0; row < targets.sources.size(); ++row) {
+      const Place found = m.place(targets.sources, row);
+      const Place expected = m.deckPlace(block.nodes[row]);
+      EXPECT_NEAR(found[0], expected[0], 1e-4);
+      EXPECT_NEAR(found[1], expected[1], 1e-4);
+      EXPECT_NEAR(found[2], height, 1e-4);
+    }
+  }
+}
+
+// One element of the deck, the solid that the solver makes of it, and its twin in plane output.
+struct Expanded {
+  const char* name;
+  const char* type;
+  int nNodes;
+  int frdType;
+  Side side;  // of the element values that are expected; bottom stands for bottom and top
+};
+
+class ResultMeshOf : public testing::TestWithParam<Expanded> {};
+
+// Nodes of plane elements in natural coordinates.
+const std::vector<Place> kTriangle = {{0, 0}, {4, 0, 0}, {0, 4, 0}, {2, 0}, {2, 2, 0}, {0, 2, 0}};
+const std::vector<Place> kSquare = {{0, 0}, {4, 0, 0}, {4, 4, 0}, {0, 4, 0},
+                                    {2, 0}, {4, 2, 0}, {2, 4, 0}, {0, 2, 0}};
+
+std::string nodeLine(int label, const Place& at) {
+  char line[80];
+  std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", label, at[0], at[1], at[2]);
+  return line;
+}
+
+TEST_P(ResultMeshOf, FollowsItsExpansion) {
+  const Expanded& c = GetParam();
+  const bool triangle = c.nNodes == 3 || c.nNodes == 6;
+  const std::vector<Place>& all = triangle ? kTriangle : kSquare;
+  const std::size_t nCorners = triangle ? 3 : 4;
+  std::string deck = "*NODE\n";
+  for (int i = 0; i < c.nNodes; ++i) {
+    const Place& at = all[static_cast<std::size_t>(i)];
+    deck +=
+        std::to_string(i + 1) + "," + std::to_string(at[0]) + "," + std::to_string(at[1]) + "\n";
+  }
+  deck += std::string("*ELEMENT,TYPE=") + c.type + ",ELSET=ALL\n7";
+  for (int i = 1; i <= c.nNodes; ++i) deck += "," + std::to_string(i);
+  deck += "\n*MATERIAL,NAME=M\n*ELASTIC\n1.,0.\n*" +
+          std::string(c.type[0] == 'S' ? "SHELL" : "SOLID") +
+          " SECTION,ELSET=ALL,MATERIAL=M\n0.5\n";
+
+  // Solid: corners below, corners above, edges below, between, above.
+  std::vector<Place> solid;
+  const bool quadratic = c.nNodes > 4;
+  const auto addPlane = [&](std::size_t first, std::size_t last, double z) {
+    for (std::size_t i = first; i < last; ++i) solid.push_back({all[i][0], all[i][1], z});
+  };
+  addPlane(0, nCorners, -0.25);
+  addPlane(0, nCorners, 0.25);
+  if (quadratic) {
+    addPlane(nCorners, 2 * nCorners, -0.25);
+    addPlane(0, nCorners, 0);
+    addPlane(nCorners, 2 * nCorners, 0.25);
+  }
+  std::string frd = blockHead("2", solid.size(), 1);
+  for (std::size_t i = 0; i < solid.size(); ++i) {
+    frd += nodeLine(static_cast<int>(101 + i), solid[i]);
+  }
+  frd += " -3\n" + blockHead("3", 1, 1);
+  char head[40];
+  std::snprintf(head, sizeof head, " -1%10d%5d    0    1", 7, c.frdType);
+  frd += head;
+  for (std::size_t i = 0; i < solid.size(); ++i) {
+    if (i % 10 == 0) frd += "\n -2";
+    std::snprintf(head, sizeof head, "%10d", static_cast<int>(101 + i));
+    frd += head;
+  }
+  frd += "\n -3\n 9999\n";
+
+  const TemporaryFile deckFile(deck, ".inp"), frdFile(frd);
+  Matched m = match(deckFile.path(), frdFile.path());
+  m.expectNodesInPlace();
+  EXPECT_EQ(m.mesh->nUnusedElements(), 0u);
+  ASSERT_EQ(m.mesh->elements().size(), c.side == Side::whole ? 1u : 2u);
+  for (const ElementTargets& targets : m.mesh->elements()) {
+    const double z = targets.side == Side::whole ? 0 : targets.side == Side::top ? 0.25 : -0.25;
+    ASSERT_EQ(targets.sources.size(), static_cast<std::size_t>(c.nNodes));
+    for (std::size_t row = 0; row < targets.sources.size(); ++row) {
+      EXPECT_EQ(m.place(targets.sources, row), (Place{all[row][0], all[row][1], z}));
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(EachType, ResultMeshOf,
+                         testing::Values(Expanded{"S3", "S3", 3, 2, Side::bottom},
+                                         Expanded{"S4", "S4", 4, 1, Side::bottom},
+                                         Expanded{"S6", "S6", 6, 5, Side::bottom},
+                                         Expanded{"S8R", "S8R", 8, 4, Side::bottom},
+                                         Expanded{"CPE4", "CPE4", 4, 1, Side::whole},
+                                         Expanded{"CPS6", "CPS6", 6, 5, Side::whole},
+                                         Expanded{"CAX8R", "CAX8R", 8, 4, Side::whole},
+                                         Expanded{"M3D4", "M3D4", 4, 1, Side::whole}),
+                         [](const testing::TestParamInfo<Expanded>& one) {
+                           return std::string(one.param.name);
+                         });
+
+}  // namespace
+}  // namespace odbs::importer

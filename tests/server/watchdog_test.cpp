@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <random>
 
+#include "tests/support/databases.h"
 #include "tests/support/server_process.h"
 
 namespace odbs::tests {
@@ -95,6 +96,33 @@ TEST(Watchdog, EndsTheServerAtAnyMomentOfAnyCommand) {
     for (int k = 0; k < 300; ++k) lines += "T " + folder.file("cache") + "\n";
     server.sendBytes(lines + work[i % 3] + "\n");
     port::sleepMs(static_cast<int>(random() % 20));
+    parent.kill();
+    EXPECT_EQ(server.wait(kOneSecondMs), 0) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("cache_tmp"))) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(folder.file("cache_lock"))) << "round " << i;
+  }
+}
+
+// A large model, at random moments of its opening, reading and sending: the server may be blocked
+// in a write, or in the middle of the database library.
+TEST(Watchdog, EndsTheServerAtAnyMomentOfALongModelStream) {
+  std::mt19937 random(20240608);
+  TemporaryFolder folder;
+  makeNodesDatabase(folder.file("long.odb"), 200000);
+  for (int i = 0; i < kKills; ++i) {
+    IdleParent parent;
+    ServerProcess server(parent.id());
+    writeFile(folder.file("cache_tmp"), "x");
+    writeFile(folder.file("cache_lock"), "x");
+    server.send("T " + folder.file("cache"));
+    server.read(3);
+    for (int k = 0; k < 5; ++k) {
+      server.send("g " + folder.file("long.odb"));
+      server.send("c " + folder.file("long.odb"));
+    }
+    // Half of the time the answers are taken, so that the server is at work, not blocked.
+    if (i % 2) server.read(random() % 4000000, 200);
+    port::sleepMs(static_cast<int>(random() % 15));
     parent.kill();
     EXPECT_EQ(server.wait(kOneSecondMs), 0) << "round " << i;
     EXPECT_FALSE(std::filesystem::exists(folder.file("cache_tmp"))) << "round " << i;

@@ -7,6 +7,8 @@
 
 #include <chrono>
 #include <filesystem>
+#include <numeric>
+#include <vector>
 
 namespace odbs::tests {
 
@@ -26,6 +28,19 @@ void makeOldDatabase(const std::string& path, const std::string& title) {
 void makeFutureDatabase(const std::string& path) {
   makeDatabase(path);
   odb_embedded::stampRelease(path.c_str(), odb_embedded::kCurrentRelease + 1);
+}
+
+void makeNodesDatabase(const std::string& path, int n) {
+  std::vector<int> labels(static_cast<std::size_t>(n));
+  std::iota(labels.begin(), labels.end(), 1);
+  std::vector<float> coordinates(3 * labels.size());
+  std::iota(coordinates.begin(), coordinates.end(), 0.0f);
+  odb_Odb& odb = Odb(("writing " + path).c_str(), "", "", path.c_str());
+  odb_Part& part = odb.Part("P", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
+  odb_embedded::addNodes(part, n, labels.data(), coordinates.data());
+  odb.rootAssembly().Instance("P-1", part);
+  odb.save();
+  odb.close();
 }
 
 void shiftModificationTime(const std::string& path, int seconds) {

@@ -15,6 +15,9 @@ void makeOldDatabase(const std::string& path, const std::string& title = "title"
 // The same of a release that does not exist yet.
 void makeFutureDatabase(const std::string& path);
 
+// Writes a database with one instance of `n` nodes, labels 1 to n, in a row.
+void makeNodesDatabase(const std::string& path, int n);
+
 // Moves the file's modification time by this many seconds.
 void shiftModificationTime(const std::string& path, int seconds);
 

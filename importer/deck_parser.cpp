@@ -140,7 +140,6 @@ Scope& DeckParser::scope() {
   if (flatPart_ < 0) {
     flatPart_ = static_cast<std::int32_t>(deck_.parts.size());
     deck_.parts.emplace_back();
-    deck_.parts.back().name = "PART-1";
   }
   return deck_.parts[static_cast<std::size_t>(flatPart_)].content;
 }

@@ -96,18 +96,23 @@ void DeckParser::finishStructure() {
   if (level_ == Level::instance) fail("*INSTANCE without *END INSTANCE");
   if (deck_.flat) {
     scope();  // a deck without a node still has its part, for the message about that
+    deck_.parts[static_cast<std::size_t>(flatPart_)].name = "PART-1";
     Instance only;
     only.name = "PART-1-1";
     only.part = static_cast<std::size_t>(flatPart_);
     deck_.instances.push_back(std::move(only));
   } else if (flatPart_ >= 0) {
-    Part& outside = deck_.parts[static_cast<std::size_t>(flatPart_)];
-    if (outside.content.hasMesh()) {
+    if (deck_.parts[static_cast<std::size_t>(flatPart_)].content.hasMesh()) {
       fail("there are nodes or elements outside of parts and assembly");
     }
-    outside.name.clear();
   }
   if (deck_.instances.empty()) fail("the deck has parts but no *INSTANCE");
+  for (const Instance& instance : deck_.instances) {
+    if (instance.content.hasMesh() && deck_.parts[instance.part].content.hasMesh()) {
+      lines_.fail(instance.place, "instance " + instance.name +
+                                      " has nodes of its own, but its part has nodes too");
+    }
+  }
 }
 
 void DeckParser::finishMesh(Scope& content) {

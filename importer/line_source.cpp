@@ -36,9 +36,13 @@ std::string withoutBlanks(std::string_view text) {
 
 // Printable form of foreign text in messages.
 std::string shown(std::string_view text) {
+  constexpr std::size_t kMaxShown = 200;
   std::string result;
-  for (const char c : text.substr(0, 60)) result += c >= ' ' && c != 127 ? c : '?';
-  if (text.size() > 60) result += "...";
+  for (const char c : text.substr(0, kMaxShown)) {
+    const bool control = static_cast<unsigned char>(c) < ' ' || c == 127;
+    result += control ? '?' : c;
+  }
+  if (text.size() > kMaxShown) result += "...";
   return result;
 }
 
@@ -90,7 +94,7 @@ double LineSource::progress() const {
 }
 
 void LineSource::open(const std::string& path) {
-  const std::string at = stack_.empty() ? shown(path) : where(place_);
+  const std::string at = stack_.empty() ? path : where(place_);
   const auto refuse = [&](const std::string& reason) {
     throw DeckError(at + ": " + (stack_.empty() ? "" : shown(path) + ": ") + reason);
   };
@@ -125,7 +129,7 @@ void LineSource::open(const std::string& path) {
   if (nul != std::string::npos) {
     const auto line = std::count(opened->text.begin(),
                                  opened->text.begin() + static_cast<std::ptrdiff_t>(nul), '\n');
-    throw DeckError(shown(path) + ":" + std::to_string(line + 1) +
+    throw DeckError(path + ":" + std::to_string(line + 1) +
                     ": holds a NUL byte: this is not a text file");
   }
   segments_.push_back({nextPlace_, opened->name, 1});

@@ -28,6 +28,7 @@ constexpr ElasticKind kElasticKinds[] = {
     {"BILAMINA", "BILAMINA", 12},
 };
 
+constexpr std::size_t kMaxRow = 64;
 constexpr std::size_t kPerLine = 8;  // numbers on a data line; longer rows go on on the next
 
 std::string squeezed(std::string_view text) {
@@ -68,10 +69,15 @@ void DeckParser::readTable(Table& table, std::size_t nConstants) {
   std::string_view line;
   std::size_t widest = nConstants;
   for (std::size_t n = 0; lines_.dataLine(line); ++n) {
-    auto values = realsOf(line, nLines == 1 ? 64 : kPerLine);
-    if (n % nLines == 0) table.rows.emplace_back();
+    const auto values = realsOf(line, kMaxRow);
+    // A person may have put all constants of a long row on one line.
+    const bool complete = nLines > 1 && n > 0 && table.rows.back().size() >= nConstants;
+    if (n == nLines || n == 0 || complete) {
+      table.rows.emplace_back();
+      n = 0;
+    }
     auto& row = table.rows.back();
-    row.resize((n % nLines) * kPerLine, 0.0);
+    row.resize(n * kPerLine, 0.0);
     row.insert(row.end(), values.begin(), values.end());
     widest = std::max(widest, row.size());
   }

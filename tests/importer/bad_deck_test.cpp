@@ -116,6 +116,8 @@ TEST_F(DeckTest, PartsWithoutInstancesAndUnknownPartsAreRefused) {
             refusal(instance + "1,2,3,1,2,3,90\n"));
   EXPECT_EQ("model.inp:9: there is no instance J",
             refusal(instance + "*END INSTANCE\n*NSET, NSET=N\nJ.1\n"));
+  EXPECT_EQ("model.inp:6: instance I has nodes of its own, but its part has nodes too",
+            refusal(instance + "*NODE\n2\n*END INSTANCE\n*END ASSEMBLY\n"));
   EXPECT_EQ("model.inp:8: instance I is defined twice",
             refusal(instance + "*END INSTANCE\n*INSTANCE, NAME=I, PART=P\n"));
 }

@@ -190,6 +190,31 @@ TEST_F(DeckTest, MaterialsKeepTheirTables) {
   EXPECT_TRUE(deck.materials[2].acousticMedium.present);
 }
 
+TEST_F(DeckTest, WhatStandsOutsideOfPartsIsNoPart) {
+  const Deck deck = read(
+      "*ORIENTATION, NAME=O\n1,0,0,0,1,0\n*PART, NAME=PART-1\n*NODE\n1\n*END PART\n"
+      "*ASSEMBLY, NAME=A\n*INSTANCE, NAME=I, PART=PART-1\n*END INSTANCE\n*END ASSEMBLY\n");
+  ASSERT_EQ(2U, deck.parts.size());
+  EXPECT_EQ("", deck.parts[0].name);
+  EXPECT_EQ(1U, deck.parts[0].content.orientations.count("O"));
+  EXPECT_EQ(1U, deck.instances[0].part);
+}
+
+TEST_F(DeckTest, OrientationsAreAxesByPointsOrGlobal) {
+  const Deck deck = read(kCube +
+                         "*ORIENTATION, NAME=R\n0,2,0, -1,0,0, 0,0,0\n3, 30.\n"
+                         "*ORIENTATION, NAME=C, SYSTEM=CYLINDRICAL\n1,0,0, 1,0,5\n"
+                         "*ORIENTATION, NAME=T\nTable-1\n3, 0.\n");
+  const auto& orientations = mesh(deck).orientations;
+  EXPECT_EQ((std::array<double, 3>{0, 1, 0}), orientations.at("R").xAxis);
+  EXPECT_EQ((std::array<double, 3>{0, 0, 1}), orientations.at("R").zAxis);
+  EXPECT_EQ(30, orientations.at("R").rotationAngle);
+  EXPECT_EQ((std::array<double, 3>{1, 0, 0}), orientations.at("C").origin);
+  EXPECT_EQ("CYLINDRICAL", orientations.at("C").system);
+  EXPECT_EQ((std::array<double, 3>{1, 0, 0}), orientations.at("T").xAxis);
+  EXPECT_EQ(1U, deck.warnings.size());
+}
+
 TEST_F(DeckTest, InstancesAreTranslatedAndThenTurned) {
   const Deck deck = read(
       "*PART, NAME=p\n*NODE\n1,1,0,0\n*END PART\n*ASSEMBLY, NAME=Assembly\n"

@@ -101,7 +101,7 @@ class odb_FieldOutput {
   // Adds values. `labels` are those of nodes (NODAL) or elements; `data` has one row of components
   // per value: per node, per element, or per element and integration point or node of its
   // connectivity, element by element. Elements of several types are sorted into blocks. `conjugate`
-  // has as many rows as `data`. `localCoordSystem`, for tensors only, has three rows of direction
+  // has as many rows as `data`. `localCoordSystem`, not for scalars, has three rows of direction
   // cosines; it is stored transposed, so that its columns are the axes of what is read back: one
   // system for all values or, in the nested form, one per value.
   void addData(odb_Enum::odb_ResultPositionEnum position, const odb_Instance& instance,

@@ -348,15 +348,47 @@ struct LoadCases {
   static constexpr TableSpec spec{"load_cases", kNInts, 0, 0, {}};
 };
 
+}  // namespace odbs::engine::layout
+
+#include "odb/src/layout_results.h"
+
+namespace odbs::engine::layout {
+
 // Every table, for the upgrade of an older release.
-constexpr const TableSpec* kAllTables[] = {
-    &Database::spec,        &Entities::spec,      &ElementBlocks::spec,
-    &Categories::spec,      &SectionPoints::spec, &Sets::spec,
-    &SetSegments::spec,     &Assignments::spec,   &AnalyticSurfaces::spec,
-    &SurfaceSegments::spec, &RigidBodies::spec,   &Csyses::spec,
-    &Orientations::spec,    &Sections::spec,      &Layers::spec,
-    &Properties::spec,      &Materials::spec,     &Behaviours::spec,
-    &Objects::spec,         &Annotations::spec,   &Curves::spec,
-    &Steps::spec,           &Frames::spec,        &LoadCases::spec};
+constexpr const TableSpec* kAllTables[] = {&Database::spec,
+                                           &Entities::spec,
+                                           &ElementBlocks::spec,
+                                           &Categories::spec,
+                                           &SectionPoints::spec,
+                                           &Sets::spec,
+                                           &SetSegments::spec,
+                                           &Assignments::spec,
+                                           &AnalyticSurfaces::spec,
+                                           &SurfaceSegments::spec,
+                                           &RigidBodies::spec,
+                                           &Csyses::spec,
+                                           &Orientations::spec,
+                                           &Sections::spec,
+                                           &Layers::spec,
+                                           &Properties::spec,
+                                           &Materials::spec,
+                                           &Behaviours::spec,
+                                           &Objects::spec,
+                                           &Annotations::spec,
+                                           &Curves::spec,
+                                           &Steps::spec,
+                                           &Frames::spec,
+                                           &LoadCases::spec,
+                                           &FieldKinds::spec,
+                                           &FieldLabels::spec,
+                                           &FieldLayouts::spec,
+                                           &FrameFields::spec,
+                                           &Fields::spec,
+                                           &FieldBlocks::spec,
+                                           &FieldBlocks::doubleSpec,
+                                           &StepResults::spec,
+                                           &HistoryRegions::spec,
+                                           &HistoryOutputs::spec,
+                                           &Failures::spec};
 
 }  // namespace odbs::engine::layout

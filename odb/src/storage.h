@@ -310,6 +310,13 @@ class Saver {
     table.integer(row, column + 1) = ref.count;
     if (ref.count > 0) commits_.push_back({&array.ref(), ref});
   }
+  // The same for an array that is stored already, whose old place stays in use.
+  void copy(Table& table, std::int64_t row, int column, layout::Kind kind, const ArrayRef& ref) {
+    const ArrayRef placed =
+        put(kind, ref, ref.count, [] { return static_cast<const void*>(nullptr); });
+    table.integer(row, column) = placed.start;
+    table.integer(row, column + 1) = placed.count;
+  }
   // Puts numbers that live nowhere else.
   template <class T>
   void numbers(Table& table, std::int64_t row, int column, const std::vector<T>& data) {

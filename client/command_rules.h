@@ -17,10 +17,16 @@ enum class ReplyEnd {
 
 // Which family of records a reply is made of.
 enum class RecordFamily {
-  kOther,         // messages at most
-  kModel,         // G, g
-  kThroughput,    // m
-  kUpgradeCheck,  // u
+  kOther,             // messages at most
+  kModel,             // G, g
+  kThroughput,        // m
+  kUpgradeCheck,      // u
+  kSets,              // S, s
+  kSectionSummary,    // is
+  kNodalCatalogue,    // fd, fD
+  kElementCatalogue,  // fs, fS, fv, fV
+  kHistory,           // hi, hr
+  kFieldValues,       // r but rd
 };
 
 struct ReplyRule {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "client/describe.h"
 
+#include "client/describe_rows.h"
 #include "client/model_records.h"
 #include "client/small_records.h"
 
@@ -9,6 +10,8 @@ namespace odbs::client {
 namespace {
 
 using Fields = std::vector<Field>;
+
+constexpr RecordFamily kModel = RecordFamily::kModel;
 
 std::string hexText(const unsigned char* bytes, std::size_t n) {
   static const char* const kDigits = "0123456789abcdef";
@@ -180,37 +183,46 @@ Fields rigidBodyFields(const Record& record) {
   return {{"reference_node", integer(body.referenceNode)}, {"surface", body.surface}};
 }
 
-struct Row {
-  RecordFamily family;
-  unsigned char tag;
-  const char* kind;
-  Fields (*fields)(const Record&);
-};
-
-constexpr Row kRows[] = {
+constexpr DescribeRow kRows[] = {
     {RecordFamily::kOther, kMessageTag, "message", messageFields},
     {RecordFamily::kOther, kProcessIdTag, "process id", processIdFields},
-    {RecordFamily::kModel, kTitleTag, "title", titleFields},
-    {RecordFamily::kModel, kAnalysisKindTag, "analysis kind", analysisKindFields},
-    {RecordFamily::kModel, kNodeTag, "node", nodeFields},
-    {RecordFamily::kModel, kElementTag, "element", elementFields},
-    {RecordFamily::kModel, kMaterialTag, "material", materialFields},
-    {RecordFamily::kModel, kAnnotationTag, "annotation", annotationFields},
-    {RecordFamily::kModel, kSectionTag, "section", sectionFields},
-    {RecordFamily::kModel, kNameTag, "name", nameFields},
-    {RecordFamily::kModel, kMarkerTag, "marker", markerFields},
-    {RecordFamily::kModel, kAnalyticSurfaceTag, "analytic surface", analyticSurfaceFields},
-    {RecordFamily::kModel, kRigidBodyTag, "rigid body", rigidBodyFields},
-    {RecordFamily::kModel, kMessageTag, "message", messageFields},
+    {kModel, kNodeTag, "node", nodeFields},
+    {kModel, kElementTag, "element", elementFields},
+    {kModel, kMaterialTag, "material", materialFields},
+    {kModel, kAnnotationTag, "annotation", annotationFields},
+    {kModel, kSectionTag, "section", sectionFields},
+    {kModel, kAnalyticSurfaceTag, "analytic surface", analyticSurfaceFields},
+    {kModel, kRigidBodyTag, "rigid body", rigidBodyFields},
     {RecordFamily::kThroughput, kThroughputTag, "throughput", throughputFields},
     {RecordFamily::kUpgradeCheck, kMessageTag, "upgrade check", upgradeFields},
 };
 
+// The records that several families share.
+constexpr DescribeRow kSharedRows[] = {
+    {RecordFamily::kOther, kTitleTag, "title", titleFields},
+    {RecordFamily::kOther, kAnalysisKindTag, "analysis kind", analysisKindFields},
+    {RecordFamily::kOther, kNameTag, "name", nameFields},
+    {RecordFamily::kOther, kMarkerTag, "marker", markerFields},
+    {RecordFamily::kOther, kMessageTag, "message", messageFields},
+};
+
+bool usesSharedRows(RecordFamily family) {
+  return family != RecordFamily::kOther && family != RecordFamily::kThroughput &&
+         family != RecordFamily::kUpgradeCheck;
+}
+
 }  // namespace
 
 Description describe(const Record& record, RecordFamily family) {
-  for (const Row& row : kRows) {
+  for (const DescribeRow& row : kRows) {
     if (row.family == family && row.tag == record.tag) return {row.kind, row.fields(record)};
+  }
+  const DescribeRow* row = findResultRow(record.tag, family);
+  if (row != nullptr) return {row->kind, row->fields(record)};
+  for (const DescribeRow& shared : kSharedRows) {
+    if (usesSharedRows(family) && shared.tag == record.tag) {
+      return {shared.kind, shared.fields(record)};
+    }
   }
   return {"unknown", {{"body", hexText(record.body, record.size)}}};
 }

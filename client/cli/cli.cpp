@@ -14,39 +14,51 @@ constexpr double kDefaultTimeoutSeconds = 300;
 constexpr std::size_t kAnyNumber = static_cast<std::size_t>(-1);
 
 const std::vector<Subcommand>& subcommands() {
+  // clang-format off
   static const std::vector<Subcommand> table{
-      {"ping",
-       "",
-       "start a server and ask for its process id",
+      {"ping", "", "start a server and ask for its process id",
        "Starts a server, asks for its process id and ends it: shows that it can be found, started\n"
        "and talked to.\n",
-       0,
-       0,
-       {},
-       runPing},
-      {"model",
-       "FILE",
-       "summarise the model that a database holds",
+       0, 0, {}, runPing},
+      {"model", "FILE", "summarise the model that a database holds",
        "Prints title and analysis kind, and for each part instance its nodes, bounding box and\n"
        "elements by type; sections with kind, material and layers; materials with density and\n"
        "elastic data; rigid bodies, analytic surfaces, and what the server said while opening.\n",
-       1,
-       1,
-       {},
-       runModel},
-      {"send",
-       "FILE LINE...",
-       "send raw command lines, print every record of the replies",
+       1, 1, {}, runModel},
+      {"catalogue", "FILE", "list steps, frames and the fields that they hold",
+       "Options: --listing nodal|element|tensor (default element: fields at elements);\n"
+       "--frames last|every: what the last frame of a step holds stands for all of its frames\n"
+       "(default, fast), or each frame is examined; --cache PATH: name a catalogue cache file.\n",
+       1, 1, {"--listing", "--frames", "--cache"}, runCatalogue},
+      {"values", "FILE", "print the values of one field in one frame, and their range",
+       "Options: --field NAME (needed); --step N, from 1 (default 1); --frame N, from 0 (default\n"
+       "0); --position stored|element-node|centroid (default stored); --letter s|l|m|v|t|b: which\n"
+       "section points (default s: none; m: all as stored; v: every one; t, b: top, bottom; l:\n"
+       "those of --pick1 and --pick2), upper case: local directions too; --show both|range|values.\n"
+       "  odb_client values job.odb --field S --step 1 --frame 5 --position centroid --show range\n",
+       1, 1,
+       {"--field", "--step", "--frame", "--position", "--letter", "--pick1", "--pick2", "--show"},
+       runValues},
+      {"history", "FILE", "list histories, or print the values of some",
+       "Without options: steps, regions and outputs. --region NAME, once for each region, or\n"
+       "--region all: their values; --step N: in this step only.\n",
+       1, 1, {"--region", "--step"}, runHistory},
+      {"sets", "FILE", "list node sets, element sets and surfaces",
+       "Options: --surfaces yes|no (default yes); --coupling yes|no: node sets of couplings too\n"
+       "(default no); --members yes|no: print the labels (default no).\n",
+       1, 1, {"--surfaces", "--coupling", "--members"}, runSets},
+      {"sections", "FILE", "list sections with their numbers and coarse kinds",
+       "Then the elements of each section, by instance; --members yes prints their labels.\n",
+       1, 1, {"--members"}, runSections},
+      {"send", "FILE LINE...", "send raw command lines, print every record of the replies",
        "Sends each LINE as it stands, after replacing every {} in it by FILE, and prints each\n"
        "record of its reply decoded: the record's position in the stream, its kind, its fields.\n"
        "Lines that have no reply by nature (C, D, d, ho, hb, irc, q) print none.\n"
        "  odb_client send job.odb 'u {}' 'g {}'\n"
        "  odb_client send - p 'm 2 3'\n",
-       2,
-       kAnyNumber,
-       {},
-       runSend},
+       2, kAnyNumber, {}, runSend},
   };
+  // clang-format on
   return table;
 }
 

@@ -58,5 +58,13 @@ int runClient(const std::vector<std::string>& arguments, std::ostream& out, std:
 void runPing(Call& call);
 void runModel(Call& call);
 void runSend(Call& call);
+void runCatalogue(Call& call);
+void runValues(Call& call);
+void runHistory(Call& call);
+void runSets(Call& call);
+void runSections(Call& call);
+
+// The table of what the server said while opening.
+void reportMessages(const std::vector<std::string>& messages, Report& report);
 
 }  // namespace odbs::client

@@ -169,19 +169,19 @@ void reportRigidParts(const Model& model, Report& report) {
   report.end();
 }
 
-void reportMessages(const Model& model, Report& report) {
+}  // namespace
+
+void reportMessages(const std::vector<std::string>& messages, Report& report) {
   report.begin("message", {"message"});
-  for (const std::string& message : model.messages) report.row({message});
+  for (const std::string& message : messages) report.row({message});
   report.end();
 }
-
-}  // namespace
 
 void runModel(Call& call) {
   const std::string& path = call.arguments.front();
   const Model model = readModel(*call.connect(), path);
   reportDatabase(model, path, call.report);
-  reportMessages(model, call.report);
+  reportMessages(model.messages, call.report);
   reportInstances(model, call.report);
   reportElements(model, call.report);
   reportSections(model, call.report);

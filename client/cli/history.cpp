@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// odb_client history: what histories there are, or the values of some.
+#include "client/history.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "client/cli/cli.h"
+
+namespace odbs::client {
+
+namespace {
+
+void reportOverview(const History& history, Report& report) {
+  report.begin("step", {"step", "name", "description", "total_time", "regions"});
+  for (const HistoryStep& step : history.steps) {
+    report.row({std::int64_t{step.number}, step.name, step.description, step.totalTime,
+                static_cast<std::int64_t>(step.regions.size())});
+  }
+  report.end();
+  report.begin("output", {"step", "region", "set", "numbers", "output", "complex", "description"});
+  for (const HistoryStep& step : history.steps) {
+    for (const HistoryRegion& region : step.regions) {
+      const std::vector<std::int64_t> numbers(region.numbers, region.numbers + 3);
+      for (const HistoryOutput& output : region.outputs) {
+        report.row({std::int64_t{step.number}, region.name, region.set, numbers, output.name,
+                    std::int64_t{output.isComplex}, output.description});
+      }
+    }
+  }
+  report.end();
+}
+
+void reportValues(const History& history, Report& report) {
+  report.begin("history", {"step", "region", "output", "time", "value", "conjugate"});
+  for (const HistoryStep& step : history.steps) {
+    for (const HistoryRegion& region : step.regions) {
+      for (const HistoryOutput& output : region.outputs) {
+        for (std::size_t i = 0; i < output.values.size(); ++i) {
+          const Value conjugate =
+              output.isComplex ? Value(output.conjugates[i]) : Value(std::string());
+          report.row({std::int64_t{step.number}, region.name, output.name, output.times[i],
+                      output.values[i], conjugate});
+        }
+      }
+    }
+  }
+  report.end();
+}
+
+std::vector<std::string> allRegions(const History& overview) {
+  std::vector<std::string> names;
+  for (const HistoryStep& step : overview.steps) {
+    for (const HistoryRegion& region : step.regions) {
+      if (std::find(names.begin(), names.end(), region.name) == names.end()) {
+        names.push_back(region.name);
+      }
+    }
+  }
+  return names;
+}
+
+}  // namespace
+
+void runHistory(Call& call) {
+  const std::optional<std::int64_t> step = parseInt(call.option("--step", "0"));
+  if (!step || *step < 0 || *step > INT32_MAX) throw UsageError("--step wants a step number");
+  std::vector<std::string> names;
+  for (const auto& [option, value] : call.options) {
+    if (option == "--region") names.push_back(value);
+  }
+  const std::string& path = call.arguments.front();
+  const std::unique_ptr<Connection> server = call.connect();
+  const History overview = readHistoryOverview(*server, path);
+  if (overview.steps.empty()) {
+    throw Error(path + " does not open or has no steps: no history came");
+  }
+  reportMessages(overview.messages, call.report);
+  if (names.empty()) return reportOverview(overview, call.report);
+  if (names.size() == 1 && names[0] == "all") names = allRegions(overview);
+  const History history = readHistory(*server, path, static_cast<std::int32_t>(*step), names);
+  bool isFound = false;
+  for (const HistoryStep& one : history.steps) isFound = isFound || !one.regions.empty();
+  if (!isFound) throw Error("no such history region (without --region they are listed)");
+  reportValues(history, call.report);
+}
+
+}  // namespace odbs::client

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// odb_client sets and odb_client sections.
+#include "client/sets.h"
+
+#include "client/cli/cli.h"
+#include "client/small_records.h"
+
+namespace odbs::client {
+
+namespace {
+
+bool yesOrNo(const Call& call, const std::string& option, const char* otherwise) {
+  const std::string text = call.option(option, otherwise);
+  if (text != "yes" && text != "no") throw UsageError(option + " wants yes or no");
+  return text == "yes";
+}
+
+std::vector<std::int64_t> wide(const std::vector<std::int32_t>& values) {
+  return {values.begin(), values.end()};
+}
+
+void reportSets(const SetsReply& reply, bool showMembers, Report& report) {
+  std::vector<std::string> columns{"kind", "set", "instance", "of_assembly", "members"};
+  if (showMembers) columns.insert(columns.end(), {"labels", "faces"});
+  report.begin("set", columns);
+  for (const NamedSet& set : reply.sets) {
+    std::vector<Value> cells{std::string(setKindName(set.kind)), set.name, set.instance,
+                             std::int64_t{set.isOfAssembly},
+                             static_cast<std::int64_t>(set.labels.size())};
+    if (showMembers) {
+      cells.emplace_back(wide(set.labels));
+      cells.emplace_back(wide(set.faces));
+    }
+    report.row(std::move(cells));
+  }
+  report.end();
+}
+
+}  // namespace
+
+void runSets(Call& call) {
+  SetsRequest request;
+  request.surfaces = yesOrNo(call, "--surfaces", "yes");
+  request.couplingSets = yesOrNo(call, "--coupling", "no");
+  const bool showMembers = yesOrNo(call, "--members", "no");
+  const std::string& path = call.arguments.front();
+  const SetsReply reply = readSets(*call.connect(), path, request);
+  call.report.facts("database", {"path", "title", "analysis"},
+                    {path, reply.title, analysisKindName(reply.analysisKind)});
+  reportMessages(reply.messages, call.report);
+  reportSets(reply, showMembers, call.report);
+}
+
+void runSections(Call& call) {
+  const bool showMembers = yesOrNo(call, "--members", "no");
+  const std::string& path = call.arguments.front();
+  const std::unique_ptr<Connection> server = call.connect();
+  const SetsReply reply = readSectionSummary(*server, path);
+  if (reply.sections.empty()) throw Error(path + " does not open or has no sections");
+  reportMessages(reply.messages, call.report);
+  call.report.begin("section", {"section", "name", "kind"});
+  for (const SectionSummary& section : reply.sections) {
+    call.report.row({std::int64_t{section.number}, section.name, coarseKindName(section.kind)});
+  }
+  call.report.end();
+  reportSets(reply, showMembers, call.report);
+}
+
+}  // namespace odbs::client

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "client/field_values.h"
+
+#include "base/text.h"
+#include "client/cursor.h"
+#include "client/small_records.h"
+
+namespace odbs::client {
+
+namespace {
+
+constexpr struct {
+  unsigned char tag;
+  ValueLayout layout;  // element, third, point
+} kLayouts[] = {
+    {0x15, {false, false, false}}, {0x16, {false, true, false}}, {0x17, {false, false, true}},
+    {0x18, {false, true, true}},   {0x1F, {true, true, true}},   {0x20, {true, false, true}},
+    {0x21, {true, true, false}},   {0x22, {true, false, false}},
+};
+
+constexpr std::size_t kTypeField = 8;
+
+}  // namespace
+
+const ValueLayout* valueLayout(unsigned char tag) {
+  for (const auto& row : kLayouts) {
+    if (row.tag == tag) return &row.layout;
+  }
+  return nullptr;
+}
+
+void decodeValue(const Record& record, ValueView& value) {
+  Cursor cursor(record, "value record");
+  const ValueLayout* layout = valueLayout(record.tag);
+  if (layout == nullptr) cursor.fail("the tag " + std::to_string(record.tag));
+  if (layout->hasElement) value.elementLabel = cursor.i32();
+  if (layout->hasThird) value.thirdLabel = cursor.i32();
+  if (layout->hasPoint) value.integrationPoint = cursor.i32();
+  if (cursor.left() % 4 != 0) cursor.fail("the components end in the middle of one");
+  value.nComponents = cursor.left() / 4;
+  value.components = cursor.bytes(cursor.left(), "components");
+}
+
+ValueBlockHead decodeBlock(const Record& record) {
+  Cursor cursor(record, "block record");
+  ValueBlockHead head;
+  head.elementType.assign(reinterpret_cast<const char*>(cursor.bytes(kTypeField, "a type name")),
+                          kTypeField);
+  head.elementType.erase(head.elementType.find_last_not_of(' ') + 1);
+  head.sectionPointField = cursor.i32();
+  head.sectionPoint = cursor.i32();
+  cursor.expectEnd();
+  return head;
+}
+
+std::uint32_t decodeValueType(const Record& record) {
+  Cursor cursor(record, "value-type record");
+  const std::uint32_t flag = cursor.u32();
+  cursor.expectEnd();
+  return flag;
+}
+
+std::vector<float> decodeDirections(const Record& record) {
+  Cursor cursor(record, "direction record");
+  std::vector<float> directions(6);
+  for (float& component : directions) component = cursor.f32();
+  cursor.expectEnd();
+  return directions;
+}
+
+std::string valueTypeName(std::uint32_t flag) {
+  switch (flag) {
+    case 1:
+      return "scalar";
+    case 2:
+      return "tensor of 6";
+    case 4:
+      return "tensor of 4";
+    case 8:
+      return "tensor of 3";
+    case 16:
+      return "vector";
+    default:
+      return "type " + std::to_string(flag);
+  }
+}
+
+void FieldValuesBuilder::add(const Record& record) {
+  if (valueLayout(record.tag) != nullptr) return addValue(record);
+  switch (record.tag) {
+    case kTitleTag:
+      values_.title = decodeTitle(record);
+      hasTitle_ = true;
+      return;
+    case kAnalysisKindTag:
+      values_.analysisKind = decodeAnalysisKind(record);
+      return;
+    case kMessageTag:
+      values_.messages.push_back(decodeMessage(record));
+      return;
+    case kNameTag:
+      instance_ = decodeName(record);
+      return;
+    case kValueTypeTag:
+      valueType_ = decodeValueType(record);
+      return;
+    case kDirectionsTag: {
+      const std::vector<float> directions = decodeDirections(record);
+      if (values_.blocks.empty())
+        throw MalformedRecord(record.offset, "directions without a block");
+      values_.blocks.back().nDirections += directions.size();
+      values_.directions.insert(values_.directions.end(), directions.begin(), directions.end());
+      return;
+    }
+    case kBlockTag: {
+      ValueBlock block;
+      block.head = decodeBlock(record);
+      block.instance = instance_;
+      block.valueType = valueType_;
+      block.firstValue = values_.elementLabels.size();
+      block.firstComponent = values_.components.size();
+      block.firstDirection = values_.directions.size();
+      values_.blocks.push_back(std::move(block));
+      return;
+    }
+    default:
+      throw MalformedRecord(record.offset,
+                            "a record of tag " + std::to_string(record.tag) + " among values");
+  }
+}
+
+void FieldValuesBuilder::addValue(const Record& record) {
+  if (values_.blocks.empty()) throw MalformedRecord(record.offset, "a value without a block");
+  decodeValue(record, last_);
+  ValueBlock& block = values_.blocks.back();
+  if (block.nValues == 0) block.nComponents = last_.nComponents;
+  if (block.nComponents != last_.nComponents) {
+    throw MalformedRecord(record.offset, "value record: " + std::to_string(last_.nComponents) +
+                                             " components in a block of " +
+                                             std::to_string(block.nComponents));
+  }
+  ++block.nValues;
+  values_.elementLabels.push_back(last_.elementLabel);
+  values_.thirdLabels.push_back(last_.thirdLabel);
+  values_.integrationPoints.push_back(last_.integrationPoint);
+  for (std::uint32_t i = 0; i < last_.nComponents; ++i) {
+    values_.components.push_back(last_.component(i));
+  }
+}
+
+FieldValues FieldValuesBuilder::finish() {
+  FieldValues values = std::move(values_);
+  *this = FieldValuesBuilder();
+  return values;
+}
+
+FieldValues readFieldValues(Connection& server, const std::string& path,
+                            const ValuesRequest& request) {
+  constexpr std::size_t kLongestName = 199;
+  if (request.field.empty() || request.field.size() > kLongestName ||
+      request.field.find_first_of("\t\v\f\r^") != std::string::npos) {
+    throw std::invalid_argument("the field name \"" + request.field + "\" cannot be sent");
+  }
+  std::string name = request.field;
+  for (char& c : name) {
+    if (c == ' ') c = '^';
+  }
+  server.send("d " + std::to_string(request.step) + " " + std::to_string(request.frame) + " " +
+              std::to_string(request.position) + " " + name);
+  std::string line = std::string("r") + request.letter + " ";
+  if (request.letter == 'l' || request.letter == 'L') {
+    line += std::to_string(request.picks[0]) + " " + std::to_string(request.picks[1]) + ",";
+  }
+  server.send(line + path);
+  FieldValuesBuilder builder;
+  for (Record record; server.next(record);) builder.add(record);
+  const bool isOpen = builder.hasTitle();
+  FieldValues values = builder.finish();
+  if (!isOpen) throw DatabaseNotOpened(path, values.messages);
+  return values;
+}
+
+}  // namespace odbs::client

@@ -153,6 +153,9 @@ bool startThread(void (*function)(void*), void* argument, std::size_t stackBytes
 // Suspends the calling thread.
 void sleepMs(int milliseconds);
 
+// Asks for large pages in fresh memory, where the system has them and nothing has been touched yet.
+void preferLargePages(void* memory, std::size_t bytes);
+
 // The largest resident memory of this process so far, in bytes.
 std::int64_t peakMemory();
 

@@ -313,6 +313,8 @@ void sleepMs(int milliseconds) {
   ::Sleep(static_cast<DWORD>(milliseconds));
 }
 
+void preferLargePages(void*, std::size_t) {}
+
 std::int64_t peakMemory() {
   PROCESS_MEMORY_COUNTERS counters{};
   ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);

@@ -51,7 +51,7 @@ struct SetSegment {
   StoredArray<int> faces;
   // Made at first use.
   bool ready = false;
-  std::vector<int> indices;
+  Buffer<int> indices;
 };
 
 // The views of a set that callers hold, made at first use.

@@ -46,7 +46,7 @@ void findIndices(SetSegment& segment) {
 
 template <class Sequence, class Table, class Record>
 void appendMembers(Sequence& sequence, bool single, const Table& table,
-                   const std::vector<int>& indices) {
+                   const Buffer<int>& indices) {
   if (single && !indices.empty()) {
     sequence = Sequence(&table, indices.data(), static_cast<int>(indices.size()));
     return;

@@ -9,6 +9,7 @@
 
 #include "odb/src/hdf5_file.h"
 #include "odb/src/layout.h"
+#include "port/port.h"
 
 #include <odb_String.h>
 
@@ -21,9 +22,28 @@
 
 namespace odbs::engine {
 
+// Arrays of this size and more start on a large page and ask for large pages: filling an array of
+// millions for the first time costs more in page faults than in copying otherwise.
+constexpr std::size_t kLargeArray = std::size_t{2} << 20;
+constexpr std::align_val_t kLargePage{std::size_t{2} << 20};
+
 // Leaves new elements unset: bulk arrays are filled by a read right away.
 template <class T>
 struct UnsetAllocator : std::allocator<T> {
+  T* allocate(std::size_t n) {
+    const std::size_t nBytes = n * sizeof(T);  // containers have checked n against max_size
+    if (nBytes < kLargeArray) return std::allocator<T>::allocate(n);
+    void* array = ::operator new(nBytes, kLargePage);
+    port::preferLargePages(array, nBytes);
+    return static_cast<T*>(array);
+  }
+  void deallocate(T* array, std::size_t n) {
+    if (n * sizeof(T) < kLargeArray) {
+      std::allocator<T>::deallocate(array, n);
+    } else {
+      ::operator delete(array, kLargePage);
+    }
+  }
   template <class U>
   struct rebind {
     using other = UnsetAllocator<U>;

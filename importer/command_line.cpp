@@ -14,6 +14,8 @@
 #include "base/text.h"
 #include "importer/database_writer.h"
 #include "importer/deck_reader.h"
+#include "importer/result_input.h"
+#include "importer/result_writer.h"
 #include "port/port.h"
 
 namespace odbs::importer {
@@ -30,6 +32,8 @@ output database: parts and instances, nodes, elements, sets, surfaces, sections,
 bodies, connectors and the names of the steps.
 
   -o, --output FILE   the database; without it, the deck's name with .odb, beside the deck
+      --results FILE  results of the solver (.frd): frames and fields
+      --data FILE     what the solver printed (.dat): integration points, histories
   -q, --quiet         say nothing unless something is wrong
       --compress      compress the arrays of the database: smaller, slower to read
       --version       print the version
@@ -42,11 +46,12 @@ output requests, ...) are counted and listed at the end.
 Exit status: 0 the database is written, 1 it is not, 2 the arguments are wrong.
 
   odb_import bracket.inp                   writes bracket.odb
+  odb_import arm.inp --results arm.frd --data arm.dat
   odb_import wing/main.inp -o /tmp/w.odb   includes are looked for beside wing/main.inp
 )";
 
 struct Options {
-  std::string deck, output;
+  std::string deck, output, results, data;
   bool quiet = false, compress = false;
 };
 
@@ -84,7 +89,8 @@ std::string counted(std::int64_t n, const char* one, const char* many) {
   return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
-void report(const Options& options, const Deck& deck, const WriteSummary& summary) {
+void report(const Options& options, const Deck& deck, const WriteSummary& summary,
+            const ResultSummary& results) {
   std::printf("%s: %s, %s, %s, %s, %s, %s, %s, %s\n", options.output.c_str(),
               counted(summary.nInstances, "instance", "instances").c_str(),
               counted(summary.nNodes, "node", "nodes").c_str(),
@@ -94,6 +100,12 @@ void report(const Options& options, const Deck& deck, const WriteSummary& summar
               counted(summary.nSections, "section", "sections").c_str(),
               counted(summary.nMaterials, "material", "materials").c_str(),
               counted(summary.nSteps, "step", "steps").c_str());
+  if (!options.results.empty() || !options.data.empty()) {
+    const auto n = [](std::size_t count) { return static_cast<std::int64_t>(count); };
+    std::printf("results: %s, %s, %s\n", counted(n(results.nFrames), "frame", "frames").c_str(),
+                counted(n(results.nFields), "field", "fields").c_str(),
+                counted(n(results.nHistoryOutputs), "history", "histories").c_str());
+  }
   if (deck.ignoredKeywords.empty()) return;
   std::string line;
   for (const auto& [keyword, n] : deck.ignoredKeywords) {
@@ -133,6 +145,11 @@ void importDeck(const Options& options) {
   odb_embedded::setJobData(odb, data);
   progress.show("writing the model", 0);
   const WriteSummary summary = writeModel(deck, odb);
+  ResultSummary results;
+  if (!options.results.empty() || !options.data.empty()) {
+    results = writeResults(deck, odb, options.results, options.data,
+                           [&](double part) { progress.show("writing results", part); });
+  }
   progress.show("saving", 0);
   odb.save();
   progress.clear();
@@ -143,7 +160,10 @@ void importDeck(const Options& options) {
   for (const std::string& warning : summary.warnings) {
     std::fprintf(stderr, "%s\n", ("warning: " + options.deck + ": " + warning).c_str());
   }
-  report(options, deck, summary);
+  for (const std::string& warning : results.warnings) {
+    std::fprintf(stderr, "%s\n", ("warning: " + warning).c_str());
+  }
+  report(options, deck, summary, results);
 }
 
 // Fills `options`; returns an exit status when the program is to end at once, -1 otherwise.
@@ -169,6 +189,13 @@ int parseArguments(const std::vector<std::string>& arguments, Options& options) 
     } else if (option && (argument == "--output" || argument == "-o")) {
       if (++i == arguments.size()) return usageError(argument + " needs a file name");
       options.output = arguments[i];
+    } else if (option && (argument == "--results" || argument == "--data")) {
+      if (++i == arguments.size()) return usageError(argument + " needs a file name");
+      (argument == "--results" ? options.results : options.data) = arguments[i];
+    } else if (option && startsWith(argument, "--results=")) {
+      options.results = argument.substr(10);
+    } else if (option && startsWith(argument, "--data=")) {
+      options.data = argument.substr(7);
     } else if (option && startsWith(argument, "--output=")) {
       options.output = argument.substr(9);
     } else if (option) {
@@ -194,12 +221,16 @@ int runImport(const std::vector<std::string>& arguments) {
   if (status >= 0) return status;
   try {
     std::error_code error;
-    if (fs::equivalent(options.deck, options.output, error)) {
-      return usageError("the database would replace the deck");
+    for (const std::string& input : {options.deck, options.results, options.data}) {
+      if (!input.empty() && fs::equivalent(input, options.output, error)) {
+        return usageError("the database would replace " + input);
+      }
     }
     importDeck(options);
     return 0;
   } catch (const DeckError& e) {
+    std::fprintf(stderr, "%s\n", e.what());
+  } catch (const ResultFileError& e) {
     std::fprintf(stderr, "%s\n", e.what());
   } catch (const std::bad_alloc&) {
     std::fprintf(stderr, "odb_import: %s: there is not enough memory\n", options.deck.c_str());

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "base/text.h"
+#include "catalogue/catalogue.h"
+#include "catalogue/history.h"
 #include "model/model_stream.h"
 #include "model/section_summary.h"
 #include "model/sets_stream.h"
@@ -62,26 +64,28 @@ void closeOne(Call& call) {
   closeCommand(sdk::openDatabases(), call.arguments, call.outputFd);
 }
 
-// The second letter names the variant of the listing, its capital form lists every frame. The
-// database is opened, and the mode is set, whether or not a listing follows.
+// The second letter names the listing, its capital form lists every frame. The database is opened,
+// and the mode is set, whether or not a listing follows.
 void listResults(Call& call) {
+  odb_Odb& odb = open(call);
   const char letter = call.at(1);
-  open(call);
-  if (std::strchr("dsvn", letter) && letter != '\0') {
-    serverState.catalogueMode = CatalogueMode::kLastFrame;
-  } else if (std::strchr("DSVN", letter) && letter != '\0') {
-    serverState.catalogueMode = CatalogueMode::kEveryFrame;
-  }
+  const bool everyFrame = letter >= 'A' && letter <= 'Z';
+  const char lower = everyFrame ? static_cast<char>(letter - 'A' + 'a') : letter;
+  if (lower == '\0' || !std::strchr("dsvn", lower)) return;
+  serverState.catalogueMode = everyFrame ? CatalogueMode::kEveryFrame : CatalogueMode::kLastFrame;
+  if (lower == 'd') sendCatalogue(odb, call.outputFd, CatalogueListing::kNodal);
+  if (lower == 's') sendCatalogue(odb, call.outputFd, CatalogueListing::kElement);
+  if (lower == 'v') sendCatalogue(odb, call.outputFd, CatalogueListing::kVectorTensor);
 }
 
 void listHistory(Call& call) {
-  open(call);
+  exportHistoryOverview(open(call), call.outputFd);
 }
 
 void sendHistoryValues(Call& call) {
   const char* blank = std::strchr(call.arguments, ' ');
   if (!blank) return;
-  open(call, blank + 1);
+  exportHistoryValues(open(call, blank + 1), call.outputFd, toIntOrZero(call.arguments));
 }
 
 void resolveRegions(Call& call) {

@@ -200,6 +200,11 @@ void addBlock(FieldData& field, FieldBlock& block) {
 }
 
 }  // namespace
+
+std::array<double, 4> quaternionOfRows(const odb_SequenceSequenceFloat& rows) {
+  return quaternionOfSystem(rows);
+}
+
 }  // namespace odbs::engine
 
 using namespace odbs::engine;

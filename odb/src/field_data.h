@@ -10,6 +10,7 @@
 
 #include <odb_FieldOutput.h>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -47,7 +48,7 @@ struct BlockLayout {
   int point = 0;      // place among the category's points
   int nValues = 0;
   int nElements = 0;
-  int nNodes = 0;
+  int nNodes = 0;  // -1: not counted yet
   int valuesPerElement = 0;
   // Null where the position has no such labels.
   Ints elementLabels, nodeLabels, points, faces;
@@ -166,6 +167,10 @@ Block sameLayout(const FieldBlock& source, std::shared_ptr<const FieldDescriptor
                  odb_Enum::odb_DataTypeEnum type, int width);
 // The values of `source` at `indices`; the labels are copied now, the values when asked for.
 Block selectedValues(const Block& source, std::vector<int> indices);
+
+// The quaternion that is stored for three rows of direction cosines as addData takes them. Throws
+// odb_Exception when they are no system.
+std::array<double, 4> quaternionOfRows(const odb_SequenceSequenceFloat& rows);
 
 // The values at another position, computed from integration points (field_position.cpp).
 Block extrapolatedBlock(const Block& source, bool centroid);

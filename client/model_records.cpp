@@ -130,6 +130,18 @@ const char* sectionKindName(SectionKind kind) {
   return "other";
 }
 
+std::vector<std::optional<Layer>> ownLayers(const Section& section) {
+  const std::vector<Layer>& entries = section.layers;
+  std::vector<std::optional<Layer>> own(entries.size());
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (i == 0 && entries.size() > 1) continue;
+    own[i] = entries[i == 0 ? 0 : i - 1];
+    own[i]->layerNumber = entries[i].layerNumber;
+    own[i]->nSectionPoints = entries[i].nSectionPoints;
+  }
+  return own;
+}
+
 NodeView decodeNode(const Record& record) {
   Cursor cursor(record, "node record");
   NodeView node;

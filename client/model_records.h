@@ -82,6 +82,10 @@ struct Section {
   std::string region, csys1, csys2;
 };
 
+// What each layer of a composite itself is made of, in the order of `section.layers`: the shift of
+// the entries undone. The first of several layers is nothing, for its own data are not sent.
+std::vector<std::optional<Layer>> ownLayers(const Section& section);
+
 struct Elastic {
   std::string type;                                // "ISOTROPIC", ...
   std::array<float, 6> values{};                   // first row of the table, missing ones 0

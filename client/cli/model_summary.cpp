@@ -94,6 +94,9 @@ void reportElements(const Model& model, Report& report) {
   report.end();
 }
 
+// The stream leaves out what the first of several layers is made of.
+const std::string kNotSent = "not sent";
+
 // What a section's kind brings besides its material, in words.
 std::string sectionDetail(const Section& section) {
   switch (section.kind) {
@@ -127,9 +130,17 @@ void reportSections(const Model& model, Report& report) {
   report.end();
   report.begin("layer", {"section", "layer", "points", "material", "thickness", "angle"});
   for (const Section& section : model.sections) {
-    for (const Layer& layer : section.layers) {
-      report.row({section.name, std::int64_t{layer.layerNumber}, std::int64_t{layer.nSectionPoints},
-                  layer.material, layer.thickness, layer.angle});
+    const std::vector<std::optional<Layer>> own = ownLayers(section);
+    for (std::size_t i = 0; i < own.size(); ++i) {
+      const Layer& entry = section.layers[i];
+      std::vector<Value> cells{section.name, std::int64_t{entry.layerNumber},
+                               std::int64_t{entry.nSectionPoints}};
+      if (own[i]) {
+        cells.insert(cells.end(), {own[i]->material, own[i]->thickness, own[i]->angle});
+      } else {
+        cells.insert(cells.end(), {kNotSent, kNotSent, kNotSent});
+      }
+      report.row(std::move(cells));
     }
   }
   report.end();

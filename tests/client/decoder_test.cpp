@@ -6,6 +6,7 @@
 #include <random>
 #include <sstream>
 
+#include "base/bytes.h"
 #include "client/describe.h"
 #include "client/model_records.h"
 #include "client/small_records.h"
@@ -248,9 +249,157 @@ std::vector<Sample> smallSamples() {
   };
 }
 
+// A double, lowest byte first.
+std::string f64(double value) {
+  std::string bytes(8, '\0');
+  putF64(reinterpret_cast<unsigned char*>(bytes.data()), value);
+  return bytes;
+}
+
+std::vector<Sample> setAndCatalogueSamples() {
+  const RecordFamily kSets = RecordFamily::kSets;
+  const RecordFamily kNodal = RecordFamily::kNodalCatalogue;
+  const RecordFamily kElement = RecordFamily::kElementCatalogue;
+  return {
+      {"node set", kSets, Bytes(5).text("LEFT"), "node set", {"name=LEFT"}},
+      {"node labels", kSets, Bytes(8).u32(3).u32(4), "node labels", {"labels=3;4;"}, true},
+      {"faces",
+       kSets,
+       Bytes(10).u32(3).u32(1).u32(4).u32(6),
+       "element faces",
+       {"labels=3;4;", "faces=1;6;"},
+       true},
+      {"end of set", kSets, Bytes(11), "end of set", {}},
+      {"summary",
+       RecordFamily::kSectionSummary,
+       Bytes('$').u32(2).text("P2").u32(1),
+       "section summary",
+       {"number=2", "name=P2", "kind=shell"}},
+      {"step",
+       kNodal,
+       Bytes(12).u32(1).raw(f64(0.5)).text("Load\x01"
+                                           "Pull"),
+       "step",
+       {"number=1", "total_time=0.5", "name=Load", "description=Pull"}},
+      {"procedure", kNodal, Bytes(13).text("*STATIC"), "procedure", {"procedure=*STATIC"}},
+      {"field",
+       kElement,
+       Bytes(14).text("S").text("Stress"),
+       "field",
+       {"name=S", "description=Stress"}},
+      {"components",
+       kElement,
+       Bytes(16).text("S11").text("S22"),
+       "components",
+       {"components=S11;S22;"},
+       true},
+      {"nodal frame",
+       kNodal,
+       Bytes(15).u32(3).u32(0).u32(0).raw(f64(0.25)).raw(f64(0)).u32(1).u32(1).text("Inc 3"),
+       "frame",
+       {"frame=3", "domain=0", "mode=0", "value=0.25", "frequency=0", "complex=1", "scalar=1",
+        "description=Inc 3"}},
+      {"element frame",
+       kElement,
+       Bytes(15)
+           .u32(3)
+           .u32(2)
+           .u32(4)
+           .raw(f64(16))
+           .raw(f64(0.125))
+           .u32(0)
+           .u32(12)
+           .u32(6)
+           .u32(2)
+           .u32(1)
+           .text(""),
+       "frame",
+       {"frame=3", "domain=2", "mode=4", "value=16", "frequency=0.125", "complex=0", "positions=12",
+        "invariants=6", "tensor_kinds=2", "section_points=1", "description="}},
+  };
+}
+
+std::vector<Sample> valueSamples() {
+  const RecordFamily kHistory = RecordFamily::kHistory;
+  const RecordFamily kValues = RecordFamily::kFieldValues;
+  return {
+      {"history step",
+       kHistory,
+       Bytes('2').u32(1).u32(0).raw(f64(2)).text("Step-1").text(""),
+       "history step",
+       {"number=1", "domain=0", "total_time=2", "name=Step-1", "description="}},
+      {"history region",
+       kHistory,
+       Bytes('4').text("Node 7").text("TIP").u32(1).u32(7).u32(0).u32(0),
+       "history region",
+       {"name=Node 7", "set=TIP", "position=1", "numbers=7;0;0;"}},
+      {"history output",
+       kHistory,
+       Bytes('6').text("U1").text("").u32(2).u32(1),
+       "history output",
+       {"name=U1", "description=", "type=2", "complex=1"}},
+      {"history value", kHistory, Bytes('8').f32(0.5f), "history value", {"value=0.5"}},
+      {"value type", kValues, Bytes('%').u32(16), "value type", {"flag=16", "meaning=vector"}},
+      {"block",
+       kValues,
+       Bytes(0x1E).raw("C3D8R   ").i32(-1).i32(-1),
+       "block",
+       {"element_type=C3D8R", "section_point_field=-1", "section_point=-1"}},
+      {"directions",
+       kValues,
+       Bytes('\'').f32(1).f32(0).f32(0).f32(0).f32(1).f32(0),
+       "directions",
+       {"directions=1;0;0;0;1;0;"}},
+      {"value of all labels",
+       kValues,
+       Bytes(0x1F).u32(7).i32(-1).u32(2).f32(5),
+       "value",
+       {"element=7", "third=-1", "point=2", "components=5;"},
+       true},
+      {"value of element and third",
+       kValues,
+       Bytes(0x21).u32(7).u32(3).f32(5),
+       "value",
+       {"element=7", "third=3", "components=5;"},
+       true},
+      {"value of element and point",
+       kValues,
+       Bytes(0x20).u32(7).u32(3).f32(5),
+       "value",
+       {"element=7", "point=3", "components=5;"},
+       true},
+      {"value of element",
+       kValues,
+       Bytes(0x22).u32(7).f32(5).f32(6),
+       "value",
+       {"element=7", "components=5;6;"},
+       true},
+      {"value of third and point",
+       kValues,
+       Bytes(0x18).u32(7).u32(3).f32(5),
+       "value",
+       {"third=7", "point=3", "components=5;"},
+       true},
+      {"value of point",
+       kValues,
+       Bytes(0x17).u32(3).f32(5),
+       "value",
+       {"point=3", "components=5;"},
+       true},
+      {"value of third",
+       kValues,
+       Bytes(0x16).u32(3).f32(5),
+       "value",
+       {"third=3", "components=5;"},
+       true},
+      {"value of no label", kValues, Bytes(0x15).f32(5), "value", {"components=5;"}, true},
+  };
+}
+
 std::vector<Sample> samples() {
   std::vector<Sample> all;
-  for (const std::vector<Sample>& some : {meshSamples(), sectionSamples(), smallSamples()}) {
+  for (const std::vector<Sample>& some : {meshSamples(), sectionSamples(), smallSamples(),
+                                          setAndCatalogueSamples(), valueSamples()}) {
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;

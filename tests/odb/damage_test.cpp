@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Damaged and foreign files: each ends in an exception of the library or in readable data, never in
+// anything else. Run with sanitizers as well.
+#include "tests/odb/read_everything.h"
+#include "tests/odb/sample_model.h"
+
+#include <gtest/gtest.h>
+#include <hdf5.h>
+
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <vector>
+
+namespace odbs::test {
+namespace {
+
+using Bytes = std::vector<char>;
+
+Bytes readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), {});
+}
+
+void writeFile(const std::string& path, const Bytes& bytes) {
+  std::ofstream out(path, std::ios::binary);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+// Runs `use`; true when it ran through, false when the library refused. Anything else escapes.
+template <class Use>
+bool survives(Use use) {
+  try {
+    use();
+    return true;
+  } catch (const odb_Exception& error) {
+    EXPECT_NE(std::string(error.UserReport().CStr()), "");
+    return false;
+  }
+}
+
+class DamagedFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    odb_Odb& odb = makeSampleModel("made", good_);
+    odb.save();
+    odb_embedded::saveInOldLayout(odb, old_.c_str());
+    odb.close();
+  }
+
+  void TearDown() override {
+    odb_finalizeAPI();
+    EXPECT_EQ(H5Fget_obj_count(static_cast<hid_t>(H5F_OBJ_ALL), H5F_OBJ_ALL), 0)
+        << "HDF5 objects were left open";
+  }
+
+  // Opens and reads the file, and closes it again.
+  bool readable() {
+    const bool good = survives([&] { readEverything(openOdb(bad_.c_str(), true)); });
+    odb_finalizeAPI();
+    return good;
+  }
+
+  TempFolder folder_;
+  std::string good_ = folder_.file("good.odb");
+  std::string old_ = folder_.file("old.odb");
+  std::string bad_ = folder_.file("bad.odb");
+};
+
+// One random damage: flipped bits, a cut, a run of zeros or ones, a moved piece.
+Bytes damaged(Bytes bytes, std::mt19937& random) {
+  const auto place = [&] { return random() % bytes.size(); };
+  switch (random() % 6) {
+    case 0:
+    case 1:
+      for (unsigned n = 1 + random() % 8; n > 0; --n) {
+        char& byte = bytes[place()];
+        byte = static_cast<char>(byte ^ (1 << random() % 8));
+      }
+      break;
+    case 2:
+      bytes.resize(place());
+      break;
+    case 3: {
+      const std::size_t first = place();
+      const char value = random() % 2 ? '\0' : '\xff';
+      for (std::size_t i = first; i < bytes.size() && i < first + 64; ++i) bytes[i] = value;
+      break;
+    }
+    case 4: {
+      const std::size_t from = place();
+      const std::size_t to = place();
+      for (std::size_t i = 0; i < 200 && std::max(from, to) + i < bytes.size(); ++i) {
+        bytes[to + i] = bytes[from + i];
+      }
+      break;
+    }
+    default:
+      bytes.insert(bytes.end(), random() % 1000, 'x');
+  }
+  return bytes;
+}
+
+TEST_F(DamagedFile, EndsInAnExceptionOrReadableDataFiveHundredTimes) {
+  const Bytes good = readFile(good_);
+  std::mt19937 random(20240229);
+  int nRefused = 0;
+  for (int round = 0; round < 500; ++round) {
+    SCOPED_TRACE(round);
+    writeFile(bad_, damaged(good, random));
+    if (!readable()) ++nRefused;
+  }
+  // Most places of a file matter; the rest is padding and free texts.
+  EXPECT_GT(nRefused, 150);
+}
+
+TEST_F(DamagedFile, OfTheOldLayoutIsUpgradedOrRefusedTwoHundredTimes) {
+  const Bytes good = readFile(old_);
+  std::mt19937 random(7);
+  int nRefused = 0;
+  for (int round = 0; round < 200; ++round) {
+    SCOPED_TRACE(round);
+    writeFile(folder_.file("bad old.odb"), damaged(good, random));
+    std::filesystem::remove(bad_);
+    const bool upgraded =
+        survives([&] { upgradeOdb(folder_.file("bad old.odb").c_str(), bad_.c_str()); });
+    if (upgraded) {
+      readable();
+    } else {
+      ++nRefused;
+      EXPECT_FALSE(std::filesystem::exists(bad_));
+    }
+  }
+  EXPECT_GT(nRefused, 30);
+}
+
+// Changes one number of one table in a file, with checksums that fit.
+struct Cell {
+  std::string table;
+  hsize_t row;
+  hsize_t column;
+};
+
+herr_t collectNames(hid_t, const char* name, const H5L_info_t*, void* out) {
+  static_cast<std::vector<std::string>*>(out)->push_back(name);
+  return 0;
+}
+
+std::vector<Cell> cellsOf(const std::string& path) {
+  std::vector<Cell> cells;
+  std::vector<std::string> names;
+  const hid_t file = H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
+  const hid_t group = H5Gopen2(file, "tables", H5P_DEFAULT);
+  H5Literate(group, H5_INDEX_NAME, H5_ITER_INC, nullptr, collectNames, &names);
+  for (const std::string& name : names) {
+    if (name.find(".ints") == std::string::npos) continue;
+    const hid_t dataset = H5Dopen2(group, name.c_str(), H5P_DEFAULT);
+    const hid_t space = H5Dget_space(dataset);
+    hsize_t dims[2];
+    H5Sget_simple_extent_dims(space, dims, nullptr);
+    for (hsize_t r = 0; r < dims[0]; ++r) {
+      for (hsize_t c = 0; c < dims[1]; ++c) cells.push_back({name, r, c});
+    }
+    H5Sclose(space);
+    H5Dclose(dataset);
+  }
+  H5Gclose(group);
+  H5Fclose(file);
+  return cells;
+}
+
+void setCell(const std::string& path, const Cell& cell, std::int64_t value) {
+  const hid_t file = H5Fopen(path.c_str(), H5F_ACC_RDWR, H5P_DEFAULT);
+  const hid_t dataset = H5Dopen2(file, ("tables/" + cell.table).c_str(), H5P_DEFAULT);
+  const hid_t space = H5Dget_space(dataset);
+  const hsize_t start[2] = {cell.row, cell.column};
+  const hsize_t count[2] = {1, 1};
+  H5Sselect_hyperslab(space, H5S_SELECT_SET, start, nullptr, count, nullptr);
+  const hid_t one = H5Screate_simple(2, count, nullptr);
+  EXPECT_GE(H5Dwrite(dataset, H5T_NATIVE_INT64, one, space, H5P_DEFAULT, &value), 0);
+  H5Sclose(one);
+  H5Sclose(space);
+  H5Dclose(dataset);
+  H5Fclose(file);
+}
+
+TEST_F(DamagedFile, WithAnImpossibleNumberInAnyTableNeverCrashes) {
+  const Bytes good = readFile(good_);
+  const std::vector<Cell> cells = cellsOf(good_);
+  ASSERT_GT(cells.size(), 500u);
+  const std::int64_t values[] = {
+      -2, -1, 0, 1, 5, 1000, INT32_MAX, std::int64_t(1) << 32, INT64_MAX, INT64_MIN};
+  std::mt19937 random(1);
+  int nRefused = 0;
+  for (int round = 0; round < 600; ++round) {
+    const Cell& cell = cells[random() % cells.size()];
+    const std::int64_t value = values[random() % std::size(values)];
+    SCOPED_TRACE(cell.table + " " + std::to_string(cell.row) + " " + std::to_string(cell.column) +
+                 " = " + std::to_string(value));
+    writeFile(bad_, good);
+    setCell(bad_, cell, value);
+    if (!readable()) ++nRefused;
+  }
+  EXPECT_GT(nRefused, 200);
+}
+
+TEST_F(DamagedFile, ThatIsNoDatabaseCannotBeOpened) {
+  const auto refused = [&](int number) {
+    try {
+      openOdb(bad_.c_str(), true);
+    } catch (const odb_Exception& error) {
+      EXPECT_FALSE(isUpgradeRequiredForOdb(bad_.c_str()));
+      return error.ErrorNo() == number;
+    }
+    return false;
+  };
+  EXPECT_TRUE(refused(odb_ERROR_CANNOT_OPEN)) << "missing";
+  writeFile(bad_, {});
+  EXPECT_TRUE(refused(odb_ERROR_CANNOT_OPEN)) << "empty";
+  writeFile(bad_, {'t', 'e', 'x', 't', '\n'});
+  EXPECT_TRUE(refused(odb_ERROR_CANNOT_OPEN)) << "text";
+  for (const H5F_libver_t version : {H5F_LIBVER_EARLIEST, H5F_LIBVER_LATEST}) {
+    const hid_t access = H5Pcreate(H5P_FILE_ACCESS);
+    H5Pset_libver_bounds(access, version, H5F_LIBVER_LATEST);
+    H5Fclose(H5Fcreate(bad_.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access));
+    H5Pclose(access);
+    EXPECT_TRUE(refused(odb_ERROR_CANNOT_OPEN)) << "another HDF5 file";
+  }
+  std::filesystem::remove(bad_);
+  std::filesystem::create_directory(bad_);
+  EXPECT_TRUE(refused(odb_ERROR_CANNOT_OPEN)) << "a folder";
+}
+
+TEST_F(DamagedFile, OfAnotherReleaseSaysWhatToDo) {
+  const auto errorOf = [&](const std::string& path) {
+    try {
+      openOdb(path.c_str());
+    } catch (const odb_Exception& error) {
+      return error.ErrorNo();
+    }
+    return 0;
+  };
+  EXPECT_EQ(errorOf(old_), odb_ERROR_OLD_RELEASE);
+  EXPECT_TRUE(isUpgradeRequiredForOdb(old_.c_str()));
+  EXPECT_FALSE(isUpgradeRequiredForOdb(good_.c_str()));
+  EXPECT_THROW(upgradeOdb(good_.c_str(), bad_.c_str()), odb_Exception);
+  EXPECT_FALSE(std::filesystem::exists(bad_));
+  odb_embedded::stampRelease(good_.c_str(), 3);
+  EXPECT_EQ(odb_embedded::releaseOf(good_.c_str()), 3);
+  EXPECT_EQ(errorOf(good_), odb_ERROR_NEW_RELEASE);
+  EXPECT_FALSE(isUpgradeRequiredForOdb(good_.c_str()));
+}
+
+TEST_F(DamagedFile, UpgradeLeavesALogBesideTheCopy) {
+  upgradeOdb(old_.c_str(), folder_.file("new.odb").c_str());
+  const Bytes log = readFile(folder_.file("new.log"));
+  const std::string text(log.begin(), log.end());
+  EXPECT_NE(text.find("table sets: "), std::string::npos);
+  EXPECT_NE(text.find("upgrade completed"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace odbs::test

@@ -121,9 +121,13 @@ bool syncFile(const std::string& path) {
   return done;
 }
 
-bool openFilesCanBeReplaced() { return true; }
+bool openFilesCanBeReplaced() {
+  return true;
+}
 
-std::string libraryPath(const std::string& path) { return path; }
+std::string libraryPath(const std::string& path) {
+  return path;
+}
 
 std::string universalName(const std::string&) {
   return {};

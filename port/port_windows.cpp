@@ -136,7 +136,9 @@ bool syncFile(const std::string& path) {
   return done;
 }
 
-bool openFilesCanBeReplaced() { return false; }
+bool openFilesCanBeReplaced() {
+  return false;
+}
 
 std::string libraryPath(const std::string& path) {
   const int length = static_cast<int>(path.size());

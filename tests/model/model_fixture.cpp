@@ -83,11 +83,15 @@ odb_Instance& ModelTest::cube(const char* instanceName, const char* categoryName
 }
 
 Records ModelTest::stream(char command) {
+  return streamLine(std::string(1, command) + " ");
+}
+
+Records ModelTest::streamLine(const std::string& head) {
   odb_->save();
   odb_->close();
   odb_ = nullptr;
   ServerProcess server;
-  server.send(std::string(1, command) + " " + path_);
+  server.send(head + path_);
   Records records;
   replyBytes_.clear();
   for (;;) {

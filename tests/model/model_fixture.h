@@ -45,6 +45,9 @@ class ModelTest : public ::testing::Test {
   // Saves and closes the database, and returns the records of the server's reply to `g` or `G`.
   Records stream(char command = 'g');
 
+  // The same for a line that is `head` and the database's path.
+  Records streamLine(const std::string& head);
+
   // The records of `g` with that tag.
   Records streamed(int tag) { return withTag(stream(), tag); }
 

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A small database for the tests of fields and histories, and short ways to make sequences.
+#pragma once
+
+#include <odb_API.h>
+#include <odb_embedded.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace odbs::test {
+
+// A folder of its own for each test, removed at the end.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+odb_SequenceInt ints(const std::vector<int>& values);
+odb_SequenceFloat floats(const std::vector<float>& values);
+odb_SequenceSequenceFloat rows(const std::vector<std::vector<float>>& values);
+odb_SequenceSequenceDouble doubleRows(const std::vector<std::vector<double>>& values);
+// n rows of `width` numbers: start, start + 1, ...
+odb_SequenceSequenceFloat counted(int n, int width, float start = 0);
+
+// A database with instances P-1 and P-2 of one part: hexahedra 10 and 20 (C3D8), wedge 30 (C3D6),
+// shells 40 and 50 (S4R), a category with section points 1 and 5, sets, and one step with no frame.
+struct ResultsModel {
+  TempFolder folder;
+  std::string path;
+  odb_Odb* odb = nullptr;
+
+  ResultsModel();
+  ~ResultsModel();
+  odb_Instance& instance(const char* name = "P-1") { return odb->rootAssembly().instances()[name]; }
+  odb_Step& step() { return odb->steps()["Step-1"]; }
+  odb_SectionPoint point(int number);
+  // Saves, closes and opens again.
+  void reopen(bool readOnly = true);
+};
+
+std::vector<int> labels(const int* values, int n);
+template <class Real>
+std::vector<Real> numbers(const Real* values, int n) {
+  return values ? std::vector<Real>(values, values + n) : std::vector<Real>();
+}
+
+}  // namespace odbs::test

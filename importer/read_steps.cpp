@@ -112,6 +112,10 @@ void DeckParser::readProcedure(const Keyword& keyword) {
     step.procedure += ", EXPLICIT";
     if (!keyword.has("DIRECT")) step.nlgeom = true;
   }
+  if (keyword.has("FREQUENCY") && keyword.name == "HEATTRANSFER") {
+    step.procedure += ", FREQUENCY";  // modes of the acoustic or thermal problem
+    step.domain = Domain::modal;
+  }
   if (keyword.has("RIKS")) {
     step.procedure += ", RIKS";
     step.domain = Domain::arcLength;

@@ -50,10 +50,16 @@ odb_Frame ResultFrames::add(const FrdFrame& frame) {
     const int mode = p.mode > 0 ? p.mode : static_cast<int>(slot.frames.size()) + 1;
     return make(slot, mode, value, p);
   }
-  // Time counts from the step's beginning. What is older comes from a calculation that the deck
-  // does not time.
   const bool timed = frame.analysis != FrdAnalysis::frequency && slot.domain != Domain::frequency;
-  return make(slot, timed && value >= slot.start ? value - slot.start : value, value, p);
+  return make(slot, timed ? stepTime(slot, value) : value, value, p);
+}
+
+// Total time counted from the step's beginning. Negative time was set anew by the deck, to run up
+// to zero in the step; other time before the beginning is left as it is.
+double ResultFrames::stepTime(Slot& slot, double total) {
+  slot.endsAtZero |= total < 0;
+  if (slot.endsAtZero) return std::max(total + slot.end - slot.start, 0.);
+  return total >= slot.start ? total - slot.start : total;
 }
 
 odb_Frame ResultFrames::make(Slot& slot, double x, double value, const FrdParameters& p) {
@@ -119,7 +125,7 @@ ResultFrames::Moment ResultFrames::at(double time, int mode) {
   Moment moment;
   moment.time = moment.x = time;
   for (int i = current_; i < nSteps(); ++i) {
-    const Slot& slot = steps_[static_cast<std::size_t>(i)];
+    Slot& slot = steps_[static_cast<std::size_t>(i)];
     if (slot.domain == Domain::modal) {
       if (mode == 0 || i != current_) continue;
       moment.x = mode;
@@ -128,7 +134,7 @@ ResultFrames::Moment ResultFrames::at(double time, int mode) {
       if (i != current_ && mode == 0 && time <= slot.start) continue;
     } else {
       if (time > slot.end && !isSame(time, slot.end)) continue;
-      moment.x = std::max(time - slot.start, 0.);
+      moment.x = stepTime(slot, time);
     }
     moment.step = current_ = i;
     return moment;

@@ -62,6 +62,7 @@ class ResultFrames {
     Domain domain = Domain::time;
     bool entered = false;  // by a heading of a print file
     bool buckling = false;
+    bool endsAtZero = false;     // total time is negative during the step
     double start = 0, end = 0;   // total time
     std::vector<double> values;  // of the frames: step time, frequency, mode
     std::vector<odb_Frame> frames;
@@ -70,6 +71,7 @@ class ResultFrames {
   static int stepNumber(const FrdFrame& frame) {
     return frame.parameters.step > 0 ? frame.parameters.step : 1;
   }
+  static double stepTime(Slot& slot, double total);
   template <class Fits>
   bool enter(Fits fits);
   odb_Frame make(Slot& slot, double x, double value, const FrdParameters& parameters);

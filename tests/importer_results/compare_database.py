@@ -17,7 +17,9 @@ import subprocess
 import sys
 import tempfile
 
-from compare_readers import DAT_HEADING, FrdFile, real
+sys.dont_write_bytecode = True  # the sources stay as they are
+
+from compare_readers import DAT_HEADING, FrdFile, real  # noqa: E402
 
 TENSOR = (0, 1, 2, 3, 5, 4)  # xx yy zz xy yz zx, as 11 22 33 12 13 23
 VECTOR = (0, 1, 2)

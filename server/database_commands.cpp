@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "base/text.h"
 #include "catalogue/catalogue.h"
@@ -15,7 +14,7 @@
 #include "model/sets_stream.h"
 #include "registry/database_commands.h"
 #include "registry/open_database.h"
-#include "server/field_scanner.h"
+#include "results/results_request.h"
 #include "server/sdk_adapter.h"
 #include "server/server_state.h"
 
@@ -111,30 +110,8 @@ void openOne(Call& call) {
   open(call);
 }
 
-// The second letter says where the path stands: behind the first comma (l), behind the second colon
-// of a blank-free word (n, g), or at position 3.
 void sendResults(Call& call) {
-  const char* fromColumn3 = call.line.size() > 3 ? call.line.data() + 3 : "";
-  switch (call.at(1)) {
-    case 'l':
-    case 'L': {
-      const char* comma = std::strchr(call.arguments, ',');
-      if (comma) open(call, comma + 1);
-      break;
-    }
-    case 'n':
-    case 'N':
-    case 'g':
-    case 'G': {
-      const std::vector<std::string_view> items = split(FieldScanner(fromColumn3).nextWord(), ':');
-      if (items.size() < 3) break;
-      const std::string_view path(items[2].data());
-      open(call, std::string(FieldScanner(path).nextWord()));
-      break;
-    }
-    default:
-      open(call, fromColumn3);
-  }
+  runResultsRequest(call.line.data(), call.outputFd);
 }
 
 void checkUpgradeOf(Call& call) {

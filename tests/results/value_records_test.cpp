@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Value records in the output buffer, byte by byte.
+#include "results/value_records.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace odbs {
+namespace {
+
+constexpr int kNowhere = -1;  // nothing is written as long as the buffer does not fill
+
+class ValueRecords : public ::testing::Test {
+ protected:
+  void SetUp() override { outputBuffer.fill = 0; }
+  void TearDown() override { outputBuffer.fill = 0; }
+
+  // The payloads in the buffer.
+  static std::vector<std::vector<unsigned char>> records() {
+    std::vector<std::vector<unsigned char>> result;
+    for (std::uint32_t at = 0; at < outputBuffer.fill;) {
+      const unsigned char* frame = outputBuffer.bytes + at;
+      result.emplace_back(frame + 2, frame + 2 + getU16(frame));
+      at += 2u + getU16(frame);
+    }
+    return result;
+  }
+};
+
+TEST_F(ValueRecords, OnlyLabelsThatChangedAreSent) {
+  const float one = 1.0F;
+  ValueWriter writer(kNowhere);
+  const struct {
+    ValueKey key;
+    unsigned char tag;
+    std::vector<int> labels;
+  } rows[] = {
+      {{5, 1, -1}, 0x1F, {5, -1, 1}}, {{5, 1, -1}, 0x15, {}},    {{5, 2, -1}, 0x17, {2}},
+      {{5, 2, 9}, 0x16, {9}},         {{5, 3, 8}, 0x18, {8, 3}}, {{6, 3, 8}, 0x22, {6}},
+      {{7, 3, 9}, 0x21, {7, 9}},      {{8, 1, 9}, 0x20, {8, 1}}, {{9, 2, 1}, 0x1F, {9, 1, 2}}};
+  for (const auto& row : rows) writer.send(row.key, &one, static_cast<const float*>(nullptr), 1);
+  const auto sent = records();
+  ASSERT_EQ(std::size(rows), sent.size());
+  for (std::size_t i = 0; i < sent.size(); ++i) {
+    ASSERT_EQ(1 + 4 * (rows[i].labels.size() + 1), sent[i].size()) << i;
+    EXPECT_EQ(rows[i].tag, sent[i][0]) << i;
+    for (std::size_t k = 0; k < rows[i].labels.size(); ++k) {
+      EXPECT_EQ(rows[i].labels[k], getI32(&sent[i][1 + 4 * k])) << i;
+    }
+    EXPECT_EQ(1.0F, getF32(&sent[i][sent[i].size() - 4]));
+  }
+}
+
+TEST_F(ValueRecords, ConjugatesFollowAndDoublesAreNarrowed) {
+  const double values[] = {1.5, 1e-60};
+  const double conjugate[] = {-2.5, 0.1};
+  ValueWriter(kNowhere).send({1, 2, 3}, values, conjugate, 2);
+  const auto sent = records();
+  ASSERT_EQ(1u, sent.size());
+  ASSERT_EQ(29u, sent[0].size());
+  EXPECT_EQ(1.5F, getF32(&sent[0][13]));
+  EXPECT_EQ(0.0F, getF32(&sent[0][17]));
+  EXPECT_EQ(-2.5F, getF32(&sent[0][21]));
+  EXPECT_EQ(0.1F, getF32(&sent[0][25]));
+}
+
+TEST_F(ValueRecords, WideValuesAreCutToOneRecord) {
+  const std::vector<float> wide(20100, 2.0F);
+  ValueWriter(kNowhere).send({1, 2, 3}, wide.data(), wide.data(), 20100);
+  const auto sent = records();
+  ASSERT_EQ(1u, sent.size());
+  EXPECT_LE(sent[0].size(), kMaxPayload);
+  EXPECT_EQ(1u, (sent[0].size() - 13) / 4 % 2 + 1) << "as many conjugate numbers as real ones";
+}
+
+TEST_F(ValueRecords, BlockHeadersPadAndCutTheType) {
+  sendBlockHeader(kNowhere, "C3D8", 1, -1);
+  sendBlockHeader(kNowhere, "LONGTYPENAME", 5, 5);
+  const auto sent = records();
+  EXPECT_EQ("C3D8    ", std::string(sent[0].begin() + 1, sent[0].begin() + 9));
+  EXPECT_EQ("LONGTYPE", std::string(sent[1].begin() + 1, sent[1].begin() + 9));
+  EXPECT_EQ(1, getI32(&sent[0][9]));
+  EXPECT_EQ(-1, getI32(&sent[0][13]));
+}
+
+TEST_F(ValueRecords, DirectionsAreTheFirstTwoRowsOfTheRotation) {
+  const float half = static_cast<float>(std::sqrt(0.5));
+  const float quarterTurnAboutZ[] = {0, 0, 2 * half, 2 * half};  // not of unit length
+  sendLocalDirections(kNowhere, quarterTurnAboutZ, 4);
+  const float zero = 0;
+  sendLocalDirections(kNowhere, &zero, 1);
+  const auto sent = records();
+  const float expected[2][6] = {{0, -1, 0, 1, 0, 0}, {1, 0, 0, 0, 1, 0}};
+  for (int r = 0; r < 2; ++r) {
+    ASSERT_EQ(25u, sent[static_cast<std::size_t>(r)].size());
+    for (int k = 0; k < 6; ++k) {
+      EXPECT_NEAR(expected[r][k],
+                  getF32(&sent[static_cast<std::size_t>(r)][1 + 4 * static_cast<std::size_t>(k)]),
+                  1e-6)
+          << r << k;
+    }
+  }
+}
+
+TEST(ValueTypes, FlagsFollowTypeAndWidth) {
+  const struct {
+    int type, width, flag;
+  } rows[] = {{2, 1, 1}, {4, 3, 1}, {3, 3, 16}, {5, 6, 2}, {6, 4, 4}, {7, 3, 8},
+              {8, 4, 4}, {9, 6, 2}, {7, 5, 0},  {0, 1, 0}, {10, 1, 0}};
+  for (const auto& row : rows) EXPECT_EQ(row.flag, valueTypeFlag(row.type, row.width)) << row.type;
+}
+
+}  // namespace
+}  // namespace odbs

@@ -19,18 +19,21 @@ ElementSections::ElementSections(int nElements)
 
 void ElementSections::enter(const odb_SequenceElement& elements, std::int32_t number) {
   const int n = elements.size();
-  int largest = -1;
-  for (int i = 0; i < n; ++i) largest = std::max(largest, elements[i].label());
+  if (n == 0) return;
+  // Labels mostly ascend, so that the ends tell the range; a label beyond it is merely slower.
+  const int largest = std::max(elements[0].label(), elements[n - 1].label());
   const std::size_t nProportion = std::max(nElements_, static_cast<std::size_t>(n));
-  const std::size_t nWanted = static_cast<std::size_t>(largest + std::int64_t{1});
+  const std::size_t nWanted = static_cast<std::size_t>(std::max(largest, -1) + std::int64_t{1});
   if (nWanted > byLabel_.size() && nWanted <= kEntriesPerElement * nProportion + kSmallArray) {
     byLabel_.resize(nWanted, 0);
   }
+  std::int32_t* const byLabel = byLabel_.data();
+  const std::size_t nByLabel = byLabel_.size();
   for (int i = 0; i < n; ++i) {
     const int label = elements[i].label();
     const auto at = static_cast<std::size_t>(static_cast<unsigned>(label));
-    if (at < byLabel_.size()) {
-      byLabel_[at] = number;
+    if (at < nByLabel) {
+      byLabel[at] = number;
     } else {
       sparse_[label] = number;
     }

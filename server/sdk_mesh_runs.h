@@ -6,6 +6,8 @@
 
 #include <odb_API.h>
 
+#include <algorithm>
+
 namespace odbs::sdk {
 
 // Elements of one type, section category and number of nodes. `first` is the first of them; the
@@ -45,8 +47,9 @@ void forEachElementRun(const odb_SequenceElement& elements, Use use) {
   const auto* table = elements.engineTable();
   if (table != nullptr && elements.engineIndices() == nullptr) {
     for (int i = 0; i < n;) {
-      int end = i + 1;
-      while (end < n && table->blockOf[end] == table->blockOf[i]) ++end;
+      // Block numbers ascend, as blocks follow each other.
+      const int* rest = table->blockOf + i;
+      const int end = i + static_cast<int>(std::upper_bound(rest, rest + (n - i), *rest) - rest);
       const odb_Element& first = elements[i];
       int nNodes = 0;
       const int* connectivity = first.connectivity(nNodes);

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A program as users write them: walks a database and prints what it finds. Every result is bound
+// in the several ways that such programs bind it. Argument: the path to read.
+#include <odb_API.h>
+#include <odb_MaterialTypes.h>
+#include <odb_SectionTypes.h>
+
+#include <iostream>
+using namespace std;
+
+static void printModel(odb_Odb& odb) {
+  odb_Assembly& rootAssy = odb.rootAssembly();
+  odb_InstanceRepository& instances = rootAssy.instances();
+  odb_InstanceRepositoryIT instIter(instances);
+  for (instIter.first(); !instIter.isDone(); instIter.next()) {
+    odb_Instance& instance = instances[instIter.currentKey()];
+    cout << "instance " << instance.name().CStr() << endl;
+    odb_SequenceNode& changeable = instance.nodes();
+    const odb_SequenceNode& nodeList = instance.nodes();
+    odb_SequenceNode copied = instance.nodes();
+    for (int n = 0; n < nodeList.size(); n++) {
+      odb_Node& byReference = changeable[n];
+      const odb_Node& byConstReference = nodeList[n];
+      odb_Node byValue = copied.node(n);
+      const float* const coords = byValue.coordinates();
+      cout << "node " << byReference.label() << " " << byConstReference.label() << " " << coords[0]
+           << " " << coords[1] << " " << coords[2] << endl;
+    }
+    const odb_SequenceElement& elementList = instance.elements();
+    for (int n = 0; n < elementList.size(); n++) {
+      odb_Element element = elementList[n];
+      int numNodes;
+      const int* const conn = element.connectivity(numNodes);
+      odb_String elementType = element.type();
+      const odb_SectionCategory& category = element.sectionCategory();
+      cout << "element " << elementList.element(n).label() << " " << elementType.CStr() << " "
+           << category.name().cStr();
+      for (int j = 0; j < numNodes; j++) cout << " " << conn[j];
+      const odb_SequenceSectionPoint& points = category.sectionPoints();
+      for (int j = 0; j < points.size(); j++) cout << " point " << points[j].number();
+      cout << endl;
+    }
+    odb_SetRepositoryIT setIter(instance.nodeSets());
+    for (setIter.first(); !setIter.isDone(); setIter.next()) {
+      const odb_Set& set = setIter.currentValue();
+      cout << "set " << set.name().CStr() << " of " << set.size() << endl;
+    }
+    odb_SequenceSectionAssignment assignments = instance.sectionAssignments();
+    for (int s = 0; s < assignments.size(); ++s) {
+      const odb_SectionAssignment& assignment = assignments[s];
+      odb_Set region = assignment.region();
+      const odb_SequenceElement& members = region.elements();
+      cout << "assigned " << assignment.sectionName().CStr() << " to " << members.size() << endl;
+    }
+  }
+}
+
+static void printSections(odb_Odb& odb) {
+  odb_SectionApi sectionApi;
+  odb.extendApi(odb_Enum::odb_SECTION, sectionApi);
+  odb_SectionContainer& sections = sectionApi.sections();
+  odb_SectionContainerIT scIT(sections);
+  for (scIT.first(); !scIT.isDone(); scIT.next()) {
+    const odb_Section& section = scIT.currentValue();
+    if (odb_isA(odb_HomogeneousSolidSection, section)) {
+      odb_HomogeneousSolidSection solid = odb_dynamicCast(odb_HomogeneousSolidSection, section);
+      cout << "solid of " << solid.material().CStr() << " " << solid.thickness() << endl;
+    }
+  }
+  odb_MaterialApi materialApi;
+  odb.extendApi(odb_Enum::odb_MATERIAL, materialApi);
+  odb_MaterialContainerIT matIT(materialApi.materials());
+  for (matIT.first(); !matIT.isDone(); matIT.next()) {
+    const odb_Material& material = matIT.currentValue();
+    odb_Elastic elastic = material.elastic();
+    if (!elastic.hasValue()) continue;
+    odb_SequenceSequenceDouble table = elastic.table();
+    cout << "elastic " << elastic.type().CStr() << " " << table[0][0] << endl;
+  }
+}
+
+static void printResults(odb_Odb& odb) {
+  odb_StepRepository stepCon = odb.steps();
+  odb_StepRepositoryIT stepIter(stepCon);
+  for (stepIter.first(); !stepIter.isDone(); stepIter.next()) {
+    odb_Step& step = stepCon[stepIter.currentKey()];
+    odb_SequenceFrame& allFrames = step.frames();
+    odb_Frame lastFrame = allFrames[allFrames.size() - 1];
+    cout << "step " << step.name().CStr() << " value " << lastFrame.frameValue() << endl;
+    odb_FieldOutputRepository& fieldOutputRep = lastFrame.fieldOutputs();
+    if (fieldOutputRep.isMember("U")) {
+      const odb_FieldOutput& field = fieldOutputRep.get("U");
+      const odb_SequenceFieldBulkData& seqDispBulkData = field.bulkDataBlocks();
+      for (int iblock = 0; iblock < seqDispBulkData.size(); iblock++) {
+        const odb_FieldBulkData& bulkData = seqDispBulkData[iblock];
+        int numValues = bulkData.length();
+        int numComp = bulkData.width();
+        float* data = bulkData.data();
+        int* nodeLabels = bulkData.nodeLabels();
+        for (int n = 0, pos = 0; n < numValues; n++) {
+          cout << "U of " << nodeLabels[n];
+          for (int comp = 0; comp < numComp; comp++) cout << " " << data[pos++];
+          cout << endl;
+        }
+      }
+    }
+    odb_HistoryRegionRepositoryIT regions(step.historyRegions());
+    for (regions.first(); !regions.isDone(); regions.next()) {
+      odb_HistoryOutputRepository& outputs = regions.currentValue().historyOutputs();
+      odb_HistoryOutput& output = outputs["U1"];
+      odb_SequenceSequenceFloat data = output.data();
+      for (int i = 0; i < data.size(); i++) {
+        cout << "history " << data[i][0] << " " << data[i][1] << endl;
+      }
+    }
+  }
+}
+
+int main(int argc, char** argv) {
+  odb_initializeAPI();
+  try {
+    odb_Odb& odb = openOdb(argc > 1 ? argv[1] : "", true);
+    odb_String title = odb.analysisTitle();
+    title.append(" / ").append(odb.jobData().precision()).append(" / ").append("end");
+    cout << "title " << title.CStr() << endl;
+    printModel(odb);
+    printSections(odb);
+    printResults(odb);
+    odb.close();
+  } catch (odb_BaseException& exc) {
+    cerr << "odbBaseException caught" << endl;
+    cerr << exc.UserReport().CStr() << endl;
+    return 1;
+  } catch (...) {
+    cerr << "Unknown Exception" << endl;
+    return 2;
+  }
+  odb_finalizeAPI();
+  return 0;
+}

@@ -10,11 +10,10 @@ if(WINDOWS)
 else()
   execute_process(COMMAND ${NM} -D --defined-only ${PROGRAM} OUTPUT_VARIABLE listing
                   COMMAND_ERROR_IS_FATAL ANY)
-  # A name with a version belongs to a shared library whose variable the program holds a copy of. A
-  # template of the standard library is exported where a shared library happens to refer to it.
+  # A name with a version belongs to a shared library whose variable the program holds a copy of.
   string(REGEX MATCHALL "[^ \n]+\n" lines "${listing}")
   list(TRANSFORM lines STRIP)
-  list(FILTER lines EXCLUDE REGEX "@|^_ZN?K?St")
+  list(FILTER lines EXCLUDE REGEX "@")
 endif()
 list(SORT lines)
 if(NOT lines STREQUAL expected)

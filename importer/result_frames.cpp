@@ -64,6 +64,7 @@ double ResultFrames::stepTime(Slot& slot, double total) {
 
 odb_Frame ResultFrames::make(Slot& slot, double x, double value, const FrdParameters& p) {
   ++nFrames_;
+  slot.ascending &= slot.values.empty() || x > slot.values.back();
   slot.values.push_back(x);
   if (slot.domain != Domain::modal) {
     slot.lastIncrement = std::max(p.increment, slot.lastIncrement + 1);
@@ -145,11 +146,24 @@ ResultFrames::Moment ResultFrames::at(double time, int mode) {
 std::optional<odb_Frame> ResultFrames::frameOf(const Moment& moment) {
   if (moment.step < 0) return std::nullopt;
   Slot& slot = steps_[static_cast<std::size_t>(moment.step)];
-  // Times are printed with seven digits of the total time.
-  const double tolerance = 2e-6 * std::max(std::fabs(moment.time), std::fabs(moment.x));
-  for (std::size_t i = slot.values.size(); i-- > 0;) {
-    if (std::fabs(slot.values[i] - moment.x) <= tolerance) return slot.frames[i];
+  // Result files have six digits of small total times, print files seven.
+  double best = 1e-5 * std::max(std::fabs(moment.time), std::fabs(moment.x));
+  std::optional<odb_Frame> nearest;
+  // In a step of many frames the neighbours are enough, as long as values ascend.
+  std::size_t first = 0, last = slot.values.size();
+  if (slot.ascending) {
+    const auto above = std::lower_bound(slot.values.begin(), slot.values.end(), moment.x);
+    const auto at = static_cast<std::size_t>(above - slot.values.begin());
+    first = at - std::min<std::size_t>(at, 1);
+    last = std::min(at + 1, last);
   }
+  for (std::size_t i = last; i-- > first;) {
+    const double distance = std::fabs(slot.values[i] - moment.x);
+    if (distance > best || (nearest && distance == best)) continue;
+    best = distance;
+    nearest = slot.frames[i];
+  }
+  if (nearest) return nearest;
   if (!slot.values.empty() && moment.x < slot.values.back()) return std::nullopt;
   return make(slot, moment.x, slot.domain == Domain::modal ? 0 : moment.x, {});
 }

@@ -64,6 +64,7 @@ class ResultFrames {
     bool buckling = false;
     bool endsAtZero = false;     // total time is negative during the step
     double start = 0, end = 0;   // total time
+    bool ascending = true;       // the values of the frames
     std::vector<double> values;  // of the frames: step time, frequency, mode
     std::vector<odb_Frame> frames;
     int lastIncrement = 0;

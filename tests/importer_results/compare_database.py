@@ -125,9 +125,8 @@ class Comparison:
                 continue
             for words in rows:
                 node = int(words[1])
-                if node not in real_rows:
-                    if point < 0:
-                        self.n["values of expanded elements, not compared"] += 1
+                if node not in real_rows or point >= 0:
+                    self.n["values of expanded elements, not compared"] += 1
                     continue
                 values = [float(w) for w in words[3:]]
                 expected = [real_rows[node][c] for c in columns]
@@ -166,7 +165,7 @@ class Comparison:
                                   if r == block and i in frame.fields), None)
                 for name, columns, of_elements in FIELDS.get(block, ()):
                     if name not in fields:
-                        if rows and not of_elements and nodes & self.deck_nodes:
+                        if set(rows) & nodes & self.deck_nodes and not of_elements:
                             self.problems.append("%s lacks %s" % (where, name))
                         continue
                     self.field("%s %s" % (where, name), fields[name], columns,

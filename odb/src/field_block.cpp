@@ -267,7 +267,8 @@ int odb_FieldBulkData::numberOfElements() const {
   return need().layout->nElements;
 }
 int odb_FieldBulkData::numberOfNodes() const {
-  return need().layout->nNodes;
+  if (need().layout->nNodes < 0) odbs::engine::countLabels(*block_->layout);
+  return block_->layout->nNodes;
 }
 int odb_FieldBulkData::valuesPerElement() const {
   return need().layout->valuesPerElement;

@@ -18,8 +18,12 @@ if(CMAKE_CROSSCOMPILING)
     message(FATAL_ERROR "No HDF5 for Windows in ${ODBS_HDF5_ROOT}: run scripts/setup.sh")
   endif()
   target_include_directories(odbs_hdf5 SYSTEM INTERFACE ${ODBS_HDF5_ROOT}/include)
-  target_link_libraries(odbs_hdf5 INTERFACE ${ODBS_HDF5_ROOT}/lib/libhdf5.a ZLIB::ZLIB
-                                            shlwapi ws2_32)
+  # A target of its own, so that zlib comes after it on every link line.
+  add_library(odbs_hdf5_archive STATIC IMPORTED GLOBAL)
+  set_target_properties(odbs_hdf5_archive PROPERTIES IMPORTED_LOCATION
+                                                     ${ODBS_HDF5_ROOT}/lib/libhdf5.a)
+  target_link_libraries(odbs_hdf5_archive INTERFACE ZLIB::ZLIB shlwapi ws2_32)
+  target_link_libraries(odbs_hdf5 INTERFACE odbs_hdf5_archive)
 else()
   set(HDF5_PREFER_PARALLEL FALSE)
   find_package(HDF5 REQUIRED COMPONENTS C)

@@ -142,6 +142,16 @@ int* faceNumbers(BlockLayout& layout) {
   return faces;
 }
 
+void readLabels(BlockLayout& layout, Ints BlockLayout::*which, int first, int n, int* out) {
+  SharedInts& ints = *(layout.*which);
+  if (layout.compute || ints.array.loaded()) {
+    const int* all = labelArray(layout, which);
+    std::copy_n(all + first, n, out);
+    return;
+  }
+  layout.database->storage.read(layout::Kind::kInt32, ints.array.ref(), first, n, out);
+}
+
 Ints makeInts(const std::vector<int>& values) {
   Ints ints = std::make_shared<SharedInts>();
   Storage none;

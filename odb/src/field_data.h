@@ -145,6 +145,9 @@ int* nodeLabels(BlockLayout& layout);
 int* integrationPoints(BlockLayout& layout);
 int* faceNumbers(BlockLayout& layout);
 
+// Labels [first, first + n) of a layout that has them, read into `out` without keeping the rest.
+void readLabels(BlockLayout& layout, Ints BlockLayout::*which, int first, int n, int* out);
+
 Ints makeInts(const std::vector<int>& values);
 // Counts elements and nodes from the labels in memory.
 void countLabels(BlockLayout& layout);

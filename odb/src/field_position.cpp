@@ -18,6 +18,7 @@ namespace {
 
 // Elements whose values are worked on at a time.
 constexpr int kSlice = 2048;
+constexpr int kLabelSlice = 65536;
 
 // What both the labels and the values of a computed block need.
 struct Plan {
@@ -57,14 +58,19 @@ std::shared_ptr<Plan> makePlan(const Block& source, bool centroid) {
   plan->centroid = centroid;
   plan->shape = elementType(from.elementType.CStr()).shape;
   const int nShape = static_cast<int>(shapeNodes(plan->shape).size());
-  const int* labels = elementLabels(from);
-  for (int i = 0; i < from.nValues; ++i) {
-    if (i > 0 && labels[i] == labels[i - 1]) continue;
-    plan->labels.push_back(labels[i]);
-    plan->starts.push_back(i);
-    const int nConnected = elementOf(entity, labels[i]).nNodes;
-    // Nodes beyond the shape's are no corners or edges: a beam's orientation node.
-    plan->nNodes.push_back(centroid ? 1 : nShape > 0 ? std::min(nShape, nConnected) : nConnected);
+  std::vector<int> labels(kLabelSlice);
+  for (int first = 0; first < from.nValues; first += kLabelSlice) {
+    const int n = std::min(kLabelSlice, from.nValues - first);
+    readLabels(from, &BlockLayout::elementLabels, first, n, labels.data());
+    for (int i = 0; i < n; ++i) {
+      const int label = labels[static_cast<std::size_t>(i)];
+      if (!plan->labels.empty() && label == plan->labels.back()) continue;
+      plan->labels.push_back(label);
+      plan->starts.push_back(first + i);
+      const int nConnected = elementOf(entity, label).nNodes;
+      // Nodes beyond the shape's are no corners or edges: a beam's orientation node.
+      plan->nNodes.push_back(centroid ? 1 : nShape > 0 ? std::min(nShape, nConnected) : nConnected);
+    }
   }
   plan->starts.push_back(from.nValues);
   return plan;
@@ -154,6 +160,8 @@ class Extrapolator {
     sliceStart_ = plan_.starts[e];
     const int n = plan_.starts[last] - sliceStart_;
     const auto count = static_cast<std::size_t>(n);
+    points_.resize(count);
+    readLabels(*source_.layout, &BlockLayout::points, sliceStart_, n, points_.data());
     values_.resize(count * width());
     readValues(source_, Part::kData, sliceStart_, n, values_.data());
     if (out_.complex) {
@@ -170,7 +178,7 @@ class Extrapolator {
   void prepare(std::size_t e) {
     first_ = plan_.starts[e] - sliceStart_;
     nPoints_ = plan_.starts[e + 1] - plan_.starts[e];
-    const int* numbers = integrationPoints(*source_.layout) + plan_.starts[e];
+    const int* numbers = &points_[static_cast<std::size_t>(first_)];
     const ExtrapolationRule* rule = extrapolationRule(plan_.shape, nPoints_);
     weights_ = nullptr;
     if (rule && orderPoints(numbers, nPoints_, order_)) {
@@ -249,6 +257,7 @@ class Extrapolator {
   FieldBlock& out_;
   EntityData& entity_;
   std::vector<double> values_, conjugates_, orientations_;  // of the slice
+  std::vector<int> points_;
   int sliceStart_ = 0;
   // Of the element.
   int first_ = 0;

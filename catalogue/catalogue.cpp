@@ -75,7 +75,10 @@ class ListingWalk {
       covered = coveredByEnds(stepNumber, frames[0], frames[nFrames - 1], nFrames - 1);
     for (int i = 0; i < nFrames; ++i) {
       const odb_Frame frame = frames[i];
-      if (everyFrame) covered = coveredBy(frameDescriptors(name_, stepNumber, i, frame));
+      if (everyFrame) {
+        covered = coveredBy(frameDescriptors(name_, stepNumber, i, frame));
+        frames.release(i);
+      }
       listFrame(frame, covered);
     }
   }

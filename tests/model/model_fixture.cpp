@@ -2,51 +2,7 @@
 // The fixture of tests/model/model_fixture.h.
 #include "tests/model/model_fixture.h"
 
-#include <stdexcept>
-
 namespace odbs::tests {
-
-namespace {
-
-template <class Sequence, class Value>
-Sequence sequenceOf(const std::vector<Value>& values) {
-  Sequence sequence;
-  for (const Value value : values) sequence.append(value);
-  return sequence;
-}
-
-template <class Rows, class Row, class Value>
-Rows rowsOf(const std::vector<std::vector<Value>>& values) {
-  Rows result;
-  for (const std::vector<Value>& row : values) result.append(sequenceOf<Row>(row));
-  return result;
-}
-
-}  // namespace
-
-Records withTag(const Records& records, int tag) {
-  Records found;
-  for (const std::string& record : records) {
-    if (record[0] == static_cast<char>(tag)) found.push_back(record);
-  }
-  return found;
-}
-
-odb_SequenceInt ints(const std::vector<int>& values) {
-  return sequenceOf<odb_SequenceInt>(values);
-}
-
-odb_SequenceSequenceInt rows(const std::vector<std::vector<int>>& values) {
-  return rowsOf<odb_SequenceSequenceInt, odb_SequenceInt>(values);
-}
-
-odb_SequenceSequenceFloat floatRows(const std::vector<std::vector<float>>& values) {
-  return rowsOf<odb_SequenceSequenceFloat, odb_SequenceFloat>(values);
-}
-
-odb_SequenceSequenceDouble doubleRows(const std::vector<std::vector<double>>& values) {
-  return rowsOf<odb_SequenceSequenceDouble, odb_SequenceDouble>(values);
-}
 
 ModelTest::ModelTest() {
   path_ = folder_.file("model.odb");
@@ -91,19 +47,7 @@ Records ModelTest::streamLine(const std::string& head) {
   odb_->close();
   odb_ = nullptr;
   ServerProcess server;
-  server.send(head + path_);
-  Records records;
-  replyBytes_.clear();
-  for (;;) {
-    const std::string length = server.read(2);
-    if (length.size() < 2) throw std::runtime_error("the reply ended without acknowledgement");
-    const auto low = static_cast<unsigned char>(length[0]);
-    const auto high = static_cast<unsigned char>(length[1]);
-    const std::string payload = server.read(static_cast<std::size_t>(low | high << 8));
-    replyBytes_ += length + payload;
-    if (payload == "~") return records;
-    records.push_back(payload);
-  }
+  return recordsOf(server, head + path_, &replyBytes_);
 }
 
 }  // namespace odbs::tests

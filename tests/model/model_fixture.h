@@ -12,21 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "tests/model/payload.h"
+#include "tests/support/payload.h"
+#include "tests/support/reply.h"
+#include "tests/support/sequences.h"
 #include "tests/support/server_process.h"
 
 namespace odbs::tests {
-
-// Payloads of the records of one reply, the acknowledgement left out.
-using Records = std::vector<std::string>;
-
-// The records of `records` with that tag.
-Records withTag(const Records& records, int tag);
-
-odb_SequenceInt ints(const std::vector<int>& values);
-odb_SequenceSequenceInt rows(const std::vector<std::vector<int>>& values);
-odb_SequenceSequenceFloat floatRows(const std::vector<std::vector<float>>& values);
-odb_SequenceSequenceDouble doubleRows(const std::vector<std::vector<double>>& values);
 
 class ModelTest : public ::testing::Test {
  protected:

@@ -20,6 +20,12 @@ class Payload {
     }
     return *this;
   }
+  Payload& f64(double value) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    i32(static_cast<std::int64_t>(bits & 0xFFFFFFFF));
+    return i32(static_cast<std::int64_t>(bits >> 32));
+  }
   Payload& f32(float value) {
     std::uint32_t bits;
     std::memcpy(&bits, &value, sizeof bits);

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// History overview and values.
+#include "tests/results/result_fixture.h"
+
+namespace odbs::tests {
+namespace {
+
+std::string stepRecord(int number, int domain, double totalTime, const char* name) {
+  return Payload('2').i32(number).i32(domain).f64(totalTime).text(name).text("about");
+}
+
+std::string region(const char* name, int position, int first, int second, int third,
+                   const char* set = "") {
+  return Payload('4').text(name).text(set).i32(position).i32(first).i32(second).i32(third);
+}
+
+std::string output(const char* name, bool conjugate) {
+  return Payload('6').text(name).text("what").i32(odb_Enum::SCALAR).i32(conjugate ? 1 : 0);
+}
+
+std::string value(float number) {
+  return Payload('8').f32(number);
+}
+
+class History : public ResultTest {
+ protected:
+  odb_HistoryOutput& nodeOutput(odb_Step& step, const char* regionName, const char* outputName) {
+    odb_HistoryRegion& own =
+        step.HistoryRegion(regionName, "", odb_HistoryPoint(instance().getNodeFromLabel(3)));
+    odb_HistoryOutput& out = own.HistoryOutput(outputName, "what");
+    out.addData(0.0, 1.5);
+    out.addData(0.5, -2.5);
+    return out;
+  }
+
+  // `ho` and `hb` for these names, then `hr`.
+  Records values(int step, const std::vector<const char*>& names) {
+    ask("o ");
+    server_->send("ho " + std::to_string(names.size()));
+    for (const char* each : names) server_->send(std::string("hb ") + each);
+    return ask("hr " + std::to_string(step) + " ");
+  }
+};
+
+TEST_F(History, TheOverviewNamesStepsRegionsAndOutputs) {
+  nodeOutput(step("Step-1"), "Node I.3", "U1");
+  odb_Step& second = step("Step-2", odb_Enum::FREQUENCY);
+  second
+      .HistoryRegion("Element I.10 Int Point 2", "",
+                     odb_HistoryPoint(instance().getElementFromLabel(10), 2))
+      .HistoryOutput("S11", "what");
+  EXPECT_EQ((Records{stepRecord(1, 0, 0, "Step-1"), region("Node I.3", 1, 3, 0, 0),
+                     output("U1", false), stepRecord(2, odb_Enum::FREQUENCY, 1, "Step-2"),
+                     region("Element I.10 Int Point 2", 3, 10, 2, 0), output("S11", false)}),
+            ask("hi "));
+}
+
+TEST_F(History, ValuesAreTimeAndValueForEachPoint) {
+  nodeOutput(step("Step-1"), "Node I.3", "U1");
+  EXPECT_EQ((Records{stepRecord(1, 0, 0, "Step-1"), region("Node I.3", 1, 3, 0, 0),
+                     output("U1", false), value(0), value(1.5F), value(0.5F), value(-2.5F)}),
+            values(1, {"Node I.3"}));
+}
+
+TEST_F(History, ConjugatesFollowTheirPoints) {
+  odb_HistoryOutput& out = nodeOutput(step("Step-1", odb_Enum::FREQUENCY), "Node I.3", "U1");
+  odb_embedded::addConjugateData(out, floatRows({{0, 7}, {0.5F, 8}}));
+  EXPECT_EQ((Records{stepRecord(1, odb_Enum::FREQUENCY, 0, "Step-1"),
+                     region("Node I.3", 1, 3, 0, 0), output("U1", true), value(0), value(1.5F),
+                     value(7), value(0.5F), value(-2.5F), value(8)}),
+            values(0, {"Node I.3"}));
+  EXPECT_EQ(output("U1", true), ask("hi ").back());
+}
+
+TEST_F(History, NamesThatAreMissingAreSkippedAndTheTableIsUsedOnce) {
+  nodeOutput(step("Step-1"), "Node I.3", "U1");
+  nodeOutput(step("Step-2"), "Other", "U1");
+  const Records all = values(0, {"none", "Other"});
+  ASSERT_EQ(8u, all.size());
+  EXPECT_EQ(region("Other", 1, 3, 0, 0), all[2]);
+  EXPECT_EQ(2u, ask("hr 0 ").size()) << "only the steps";
+  EXPECT_EQ((Records{stepRecord(2, 0, 1, "Step-2")}), values(2, {"Node I.3"}));
+  EXPECT_EQ(Records{}, values(9, {"Node I.3"}));
+}
+
+TEST_F(History, SetsAndWholeModelsSendNoPointNumbers) {
+  odb_Step& only = step("Step-1");
+  odb_Set& set = instance().NodeSet("TIP", ints({1}));
+  only.HistoryRegion("Set", "", odb_HistoryPoint(set)).HistoryOutput("X", "what");
+  only.HistoryRegion("Whole", "", odb_HistoryPoint(odb_->rootAssembly()))
+      .HistoryOutput("ALLKE", "what");
+  const Records regions = withTag(ask("hi "), '4');
+  EXPECT_EQ((Records{region("Set", 7, 0, 0, 0, "TIP"), region("Whole", 9, 0, 0, 0)}), regions);
+}
+
+}  // namespace
+}  // namespace odbs::tests

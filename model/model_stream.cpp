@@ -89,7 +89,7 @@ void sendModelStream(odb_Odb& odb, int outputFd, bool nodesOnly) {
   SectionTables tables;
   if (!nodesOnly) {
     try {
-      sendAnnotation(odb, outputFd);
+      sdk::guarded([&] { sendAnnotation(odb, outputFd); });
     } catch (const std::exception&) {
       // Contract: a model whose annotations cannot be read is sent without them.
     }

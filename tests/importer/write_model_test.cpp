@@ -224,6 +224,33 @@ TEST_F(ImportTest, InstancesMayBringTheirOwnMesh) {
   EXPECT_EQ((std::vector<int>{2}), labelsOf(odb_->rootAssembly().nodeSets()["N"].nodes("P-1")));
 }
 
+TEST_F(ImportTest, TheAssemblyHasMassesGroundedConnectorsAndSurfacesOfItsOwn) {
+  odb_Odb& odb = import(
+      "*Part, name=\"Part one\"\n*Node\n1,0.,0.\n2,1.,0.\n3,1.,1.\n4,0.,1.\n"
+      "*Element, type=CPS4R\n1,1,2,3,4\n*End Part\n*Assembly, name=Assembly\n"
+      "*Instance, name=Part-1-1, part=\"Part one\"\n*End Instance\n"
+      "*Node\n1,5.,0.,0.\n*Nset, nset=RP, internal\n1,\n"
+      "*Element, type=MASS, elset=Heavy\n1, 1\n*Mass, elset=Heavy\n0.5,\n"
+      "*Element, type=CONN2D2, elset=Wire\n2, , Part-1-1.2\n*Connector Section, "
+      "elset=Wire\nAxial,\n"
+      "*Elset, elset=_Side_S2, internal, instance=Part-1-1\n1,\n"
+      "*Surface, type=ELEMENT, name=Side\n_Side_S2, S2\n*Rigid Body, ref node=RP, pin nset=RP\n"
+      "*End Assembly\n");
+  odb_Assembly& assembly = odb.rootAssembly();
+  ASSERT_EQ(2, assembly.sectionAssignments().size());
+  odb_SectionApi api;
+  odb.extendApi(odb_Enum::odb_SECTION, api);
+  EXPECT_EQ(0.5, odb_dynamicCast(odb_PointSection, api.sections()["Section-HEAVY"]).mass());
+  const odb_Set wire = assembly.elementSets()["WIRE"];
+  EXPECT_EQ((std::vector<int>{2, 2}), connectivityOf(wire.elements(0)));
+  const odb_Set side = assembly.surfaces()["SIDE"];
+  EXPECT_EQ((std::vector<int>{1}), labelsOf(side.elements("PART-1-1")));
+  EXPECT_EQ(odb_Enum::FACE2, side.faces(0));
+  ASSERT_EQ(1, assembly.rigidBodies().size());
+  EXPECT_FALSE(assembly.rigidBodies()[0].hasAnalyticSurface());
+  EXPECT_STREQ("RP", assembly.rigidBodies()[0].pinNodes().name().CStr());
+}
+
 class SampleTest : public ImportTest {
  protected:
   void SetUp() override {

@@ -108,20 +108,80 @@ std::size_t FieldWriter::write(const FrdFrame& frame, odb_Frame& target) {
   return nWritten;
 }
 
+namespace {
+
+// Rows of values on their way into a field, some thousand at a time: a block of the database can
+// be several times as large as the one that it comes from.
+class Rows {
+ public:
+  Rows(odb_Frame& frame, const TargetField& field, const odb_Instance& instance,
+       odb_Enum::odb_ResultPositionEnum position, bool isComplex)
+      : frame_(frame), field_(field), complex_(isComplex) {
+    added_.instance = instance;
+    added_.position = position;
+    added_.width = static_cast<int>(field.sources.size());
+  }
+
+  std::vector<float> values, conjugate;  // those after the last accepted ones are on trial
+  odb_SectionPoint sectionPoint;
+
+  void accept(std::int32_t label) {
+    labels_.push_back(label);
+    nAccepted_ = values.size();
+    if (nAccepted_ >= kMost) flush();
+  }
+  void reject() {
+    values.resize(nAccepted_);
+    if (complex_) conjugate.resize(nAccepted_);
+  }
+  // Writes the rest. Returns true when anything was accepted at all.
+  bool finish() {
+    flush();
+    return any_;
+  }
+
+ private:
+  void flush() {
+    if (labels_.empty()) return;
+    added_.labels = labels_.data();
+    added_.nLabels = static_cast<int>(labels_.size());
+    added_.data = values.data();
+    added_.conjugate = complex_ ? conjugate.data() : nullptr;
+    added_.nRows = static_cast<int>(values.size()) / added_.width;
+    added_.sectionPoint = sectionPoint;
+    odb_embedded::addData(fieldOf(frame_, field_.name, field_.description, field_.shape), added_);
+    any_ = true;
+    nAccepted_ = 0;
+    labels_.clear();
+    values.clear();
+    conjugate.clear();
+  }
+
+  static constexpr std::size_t kMost = 1 << 18;
+  odb_Frame& frame_;
+  const TargetField& field_;
+  bool complex_ = false, any_ = false;
+  odb_embedded::FieldValues<float> added_;
+  std::vector<int> labels_;
+  std::size_t nAccepted_ = 0;
+};
+
+}  // namespace
+
 bool FieldWriter::writeField(odb_Frame& frame, const TargetField& field, const Block& real,
                              const Block* imaginary) {
   return field.ofElements ? writeOfElements(frame, field, real, imaginary)
                           : writeNodal(frame, field, real, imaginary);
 }
 
-bool FieldWriter::gather(const NodeSources& sources, std::size_t target, bool sum,
-                         const TargetField& field, const Block& block, std::vector<float>& values) {
-  const std::size_t first = sources.offsets[target], last = sources.offsets[target + 1];
+bool FieldWriter::gather(const NodeSources& sources, std::size_t target, const TargetField& field,
+                         const Block& block, std::vector<float>& values) {
+  const std::size_t first = sources.begin(target), last = sources.end(target);
   const std::size_t nStored = static_cast<std::size_t>(block.result.nStored);
   for (std::size_t i = first; i < last; ++i) {
     if (block.rowOf[static_cast<std::size_t>(sources.nodes[i])] < 0) return false;
   }
-  const double share = sum ? 1 : 1 / static_cast<double>(last - first);
+  const double share = field.addsUp ? 1 : 1 / static_cast<double>(last - first);
   for (const int component : field.sources) {
     double value = 0;
     for (std::size_t i = first; i < last; ++i) {
@@ -137,70 +197,44 @@ bool FieldWriter::gather(const NodeSources& sources, std::size_t target, bool su
 bool FieldWriter::writeNodal(odb_Frame& frame, const TargetField& field, const Block& real,
                              const Block* imaginary) {
   const NodeSources& sources = field.addsUp ? mesh_.sums() : mesh_.means();
-  std::vector<int> labels;
-  std::vector<float> values, conjugate;
+  Rows rows(frame, field, instance_, odb_Enum::NODAL, imaginary != nullptr);
   for (std::size_t i = 0; i < sources.size(); ++i) {
-    const std::size_t size = values.size();
-    if (!gather(sources, i, field.addsUp, field, real, values)) continue;
-    if (imaginary != nullptr && !gather(sources, i, field.addsUp, field, *imaginary, conjugate)) {
-      values.resize(size);
-      continue;
+    if (gather(sources, i, field, real, rows.values) &&
+        (imaginary == nullptr || gather(sources, i, field, *imaginary, rows.conjugate))) {
+      rows.accept(mesh_.nodeLabels()[i]);
+    } else {
+      rows.reject();
     }
-    labels.push_back(mesh_.nodeLabels()[i]);
   }
-  if (labels.empty()) return false;
-  odb_embedded::FieldValues<float> added;
-  added.position = odb_Enum::NODAL;
-  added.instance = instance_;
-  added.labels = labels.data();
-  added.nLabels = added.nRows = static_cast<int>(labels.size());
-  added.width = static_cast<int>(field.sources.size());
-  added.data = values.data();
-  added.conjugate = imaginary != nullptr ? conjugate.data() : nullptr;
-  odb_embedded::addData(fieldOf(frame, field.name, field.description, field.shape), added);
-  return true;
+  return rows.finish();
 }
 
 bool FieldWriter::writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
                                   const Block* imaginary) {
   bool any = false;
   for (const ElementTargets& targets : mesh_.elements()) {
-    std::vector<int> labels;
-    std::vector<float> values, conjugate;
+    Rows rows(frame, field, instance_, odb_Enum::ELEMENT_NODAL, imaginary != nullptr);
+    if (targets.side != Side::whole) {
+      const odb_Element element = instance_.getElementFromLabel(targets.labels[0]);
+      const LayerPoints points = layerPoints(element.sectionCategory(), targets.layer);
+      rows.sectionPoint = targets.side == Side::bottom ? points.bottom : points.top;
+      if (rows.sectionPoint.number() < 0) continue;
+    }
     for (std::size_t e = 0; e < targets.labels.size(); ++e) {
-      const std::size_t size = values.size();
       bool complete = true;
       for (std::size_t n = 0; complete && n < targets.nNodes; ++n) {
         const std::size_t row = e * targets.nNodes + n;
-        complete = gather(targets.sources, row, false, field, real, values) &&
+        complete = gather(targets.sources, row, field, real, rows.values) &&
                    (imaginary == nullptr ||
-                    gather(targets.sources, row, false, field, *imaginary, conjugate));
+                    gather(targets.sources, row, field, *imaginary, rows.conjugate));
       }
       if (complete) {
-        labels.push_back(targets.labels[e]);
+        rows.accept(targets.labels[e]);
       } else {
-        values.resize(size);
-        if (imaginary != nullptr) conjugate.resize(size);
+        rows.reject();
       }
     }
-    if (labels.empty()) continue;
-    odb_embedded::FieldValues<float> added;
-    if (targets.side != Side::whole) {
-      const odb_Element element = instance_.getElementFromLabel(labels[0]);
-      const LayerPoints points = layerPoints(element.sectionCategory(), targets.layer);
-      added.sectionPoint = targets.side == Side::bottom ? points.bottom : points.top;
-      if (added.sectionPoint.number() < 0) continue;
-    }
-    added.position = odb_Enum::ELEMENT_NODAL;
-    added.instance = instance_;
-    added.labels = labels.data();
-    added.nLabels = static_cast<int>(labels.size());
-    added.nRows = static_cast<int>(labels.size() * targets.nNodes);
-    added.width = static_cast<int>(field.sources.size());
-    added.data = values.data();
-    added.conjugate = imaginary != nullptr ? conjugate.data() : nullptr;
-    odb_embedded::addData(fieldOf(frame, field.name, field.description, field.shape), added);
-    any = true;
+    any |= rows.finish();
   }
   return any;
 }

@@ -58,8 +58,8 @@ class FieldWriter {
   bool writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
                        const Block* imaginary);
   // Appends the components of one target, mean or sum of its sources; false when one has no value.
-  static bool gather(const NodeSources& sources, std::size_t target, bool sum,
-                     const TargetField& field, const Block& block, std::vector<float>& values);
+  static bool gather(const NodeSources& sources, std::size_t target, const TargetField& field,
+                     const Block& block, std::vector<float>& values);
 
   FrdReader& reader_;
   const FrdIndex& index_;

@@ -77,31 +77,50 @@ int nLayers(const Section& section) {
   return static_cast<int>(section.layers.size()) * (section.symmetric ? 2 : 1);
 }
 
-ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index) : mesh_(mesh), index_(index) {
+LabelIndex::LabelIndex(const std::vector<std::int32_t>& labels) : labels_(&labels) {
+  if (std::is_sorted(labels.begin(), labels.end())) return;
+  order_.resize(labels.size());
+  std::iota(order_.begin(), order_.end(), 0);
+  std::stable_sort(order_.begin(), order_.end(), [&](std::int32_t a, std::int32_t b) {
+    return labels[static_cast<std::size_t>(a)] < labels[static_cast<std::size_t>(b)];
+  });
+}
+
+std::int32_t LabelIndex::find(std::int32_t label) const {
+  const std::vector<std::int32_t>& labels = *labels_;
+  if (order_.empty()) {
+    const auto found = std::lower_bound(labels.begin(), labels.end(), label);
+    const bool is = found != labels.end() && *found == label;
+    return is ? static_cast<std::int32_t>(found - labels.begin()) : -1;
+  }
+  const auto found = std::lower_bound(
+      order_.begin(), order_.end(), label,
+      [&](std::int32_t i, std::int32_t l) { return labels[static_cast<std::size_t>(i)] < l; });
+  const bool is = found != order_.end() && labels[static_cast<std::size_t>(*found)] == label;
+  return is ? *found : -1;
+}
+
+ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index)
+    : mesh_(mesh),
+      index_(index),
+      frdNodes_(index.nodes.labels),
+      frdElements_(index.elements.labels),
+      deckNodes_(mesh.nodes.labels) {
   const FrdElements& elements = index.elements;
   std::size_t at = 0;
+  firstNode_.reserve(elements.labels.size());
   for (std::size_t i = 0; i < elements.labels.size(); ++i) {
     firstNode_.push_back(at);
     at += static_cast<std::size_t>(frdNodesPerElement(elements.types[i]));
-    elementIndex_.emplace(elements.labels[i], i);
-  }
-  for (std::size_t i = 0; i < index.nodes.labels.size(); ++i) {
-    nodeIndex_.emplace(index.nodes.labels[i], static_cast<std::int32_t>(i));
   }
   used_.resize(elements.labels.size());
-  stands_.resize(mesh.nodes.size());
   matchEqualNodes();
   findLayers();
   for (const ElementBlock& block : mesh.elements.blocks) matchElements(block);
   finish();
 }
 
-std::int32_t ResultMesh::indexOf(std::int32_t frdLabel) const {
-  const auto found = nodeIndex_.find(frdLabel);
-  return found == nodeIndex_.end() ? -1 : found->second;
-}
-
-const std::int32_t* ResultMesh::frdNodes(std::size_t element) const {
+const std::int32_t* ResultMesh::nodesOf(std::size_t element) const {
   return index_.elements.nodes.data() + firstNode_[element];
 }
 
@@ -110,17 +129,15 @@ void ResultMesh::matchEqualNodes() {
   double size = 0;
   for (const double x : mesh_.nodes.xyz) size = std::max(size, std::fabs(x));
   const double tolerance = 2e-5 * size;
-  equal_.resize(mesh_.nodes.size());
+  equalNode_.assign(mesh_.nodes.size(), -1);
   for (std::size_t i = 0; i < mesh_.nodes.size(); ++i) {
-    const std::int32_t label = mesh_.nodes.labels[i];
-    deckNodeIndex_.emplace(label, static_cast<std::int32_t>(i));
-    const std::int32_t node = indexOf(label);
+    const std::int32_t node = indexOf(mesh_.nodes.labels[i]);
     if (node < 0) continue;
     const double* const a = mesh_.nodes.xyz.data() + 3 * i;
     const double* const b = index_.nodes.coordinates.data() + 3 * static_cast<std::size_t>(node);
-    equal_[i] = std::fabs(a[0] - b[0]) <= tolerance && std::fabs(a[1] - b[1]) <= tolerance &&
-                std::fabs(a[2] - b[2]) <= tolerance;
-    if (equal_[i]) stands_[i] = {{node}, {node}};
+    const bool same = std::fabs(a[0] - b[0]) <= tolerance && std::fabs(a[1] - b[1]) <= tolerance &&
+                      std::fabs(a[2] - b[2]) <= tolerance;
+    if (same) equalNode_[i] = node;
   }
 }
 
@@ -159,9 +176,9 @@ ResultMesh::Solids ResultMesh::solidsOf(std::int32_t label, std::int32_t section
   const bool isLayered = layered != firstLayer_.end();
   const int n = isLayered ? nLayers(mesh_.sections[static_cast<std::size_t>(section)]) : 1;
   for (int i = 0; i < n; ++i) {
-    const auto found = elementIndex_.find(isLayered ? layered->second + i : label);
-    if (found == elementIndex_.end()) return {};
-    solids.push_back(found->second);
+    const std::int32_t found = frdElements_.find(isLayered ? layered->second + i : label);
+    if (found < 0) return {};
+    solids.push_back(static_cast<std::size_t>(found));
   }
   return solids;
 }
@@ -177,55 +194,44 @@ void ResultMesh::matchElements(const ElementBlock& block) {
 }
 
 ElementTargets& ResultMesh::targets(const ElementBlock& block, Side side, int layer,
-                                    std::int32_t section) {
+                                    std::int32_t section, std::uint32_t each) {
   const std::size_t nNodes = block.offsets[1] - block.offsets[0];
   for (ElementTargets& t : elements_) {
     if (t.type == block.type && t.side == side && t.layer == layer && t.section == section &&
-        t.nNodes == nNodes) {
+        t.nNodes == nNodes && t.sources.each == each) {
       return t;
     }
   }
-  elements_.push_back({block.type, side, layer, section, {}, nNodes, {}});
+  elements_.push_back({block.type, side, layer, section, {}, nNodes, {each, {}, {}}});
   return elements_.back();
 }
 
-// An element that is in both with the same nodes. Also one of the deck's that the result file does
-// not list, as long as all its nodes are there (springs and the like take no values).
+// An element that is in both with the same nodes.
 bool ResultMesh::takeEqual(const ElementBlock& block, std::size_t at) {
-  const auto found = elementIndex_.find(block.labels[at]);
-  if (found == elementIndex_.end()) return false;
+  const std::int32_t found = frdElements_.find(block.labels[at]);
+  if (found < 0) return false;
+  const auto element = static_cast<std::size_t>(found);
   const std::size_t first = block.offsets[at], last = block.offsets[at + 1];
   const auto nFrdNodes =
-      static_cast<std::size_t>(frdNodesPerElement(index_.elements.types[found->second]));
+      static_cast<std::size_t>(frdNodesPerElement(index_.elements.types[element]));
   if (last - first != nFrdNodes || block.offsets[1] - block.offsets[0] != nFrdNodes) return false;
-  std::vector<std::int32_t> theirs(frdNodes(found->second), frdNodes(found->second) + nFrdNodes);
-  std::sort(theirs.begin(), theirs.end());
+  const std::int32_t* const theirs = nodesOf(element);
   for (std::size_t i = first; i < last; ++i) {
-    if (!std::binary_search(theirs.begin(), theirs.end(), block.nodes[i])) return false;
+    const bool has = std::find(theirs, theirs + nFrdNodes, block.nodes[i]) != theirs + nFrdNodes;
+    // A node that no block of nodes has: such a file has been cut.
+    if (!has || indexOf(block.nodes[i]) < 0) return false;
   }
   // Plane results of shells are those of the middle surface.
-  ElementTargets& target = targets(block, Side::whole, 0, -1);
+  ElementTargets& target = targets(block, Side::whole, 0, -1, 1);
   target.labels.push_back(block.labels[at]);
-  const std::size_t begin = target.sources.nodes.size();
   for (std::size_t i = first; i < last; ++i) {
-    target.sources.nodes.push_back(indexOf(block.nodes[i]));
-    if (target.sources.nodes.back() < 0) {
-      // A node that no block of nodes has: such a file has been cut.
-      target.sources.nodes.resize(target.sources.offsets.back());
-      target.labels.pop_back();
-      return false;
-    }
-  }
-  for (std::size_t i = first; i < last; ++i) {
-    target.sources.offsets.push_back(target.sources.offsets.back() + 1);
+    const std::int32_t node = indexOf(block.nodes[i]);
+    target.sources.nodes.push_back(node);
     // The solver moves nodes of contact surfaces onto each other, so that places can differ.
-    const auto node = deckNodeIndex_.find(block.nodes[i]);
-    if (node == deckNodeIndex_.end()) continue;
-    Stand& stand = stands_[static_cast<std::size_t>(node->second)];
-    if (stand.mean.empty()) stand = {{target.sources.nodes[i - first + begin]}, {}};
-    if (stand.sum.empty()) stand.sum = stand.mean;
+    const std::int32_t deckNode = deckNodes_.find(block.nodes[i]);
+    if (deckNode >= 0) equalNode_[static_cast<std::size_t>(deckNode)] = node;
   }
-  used_[found->second] = true;
+  used_[element] = true;
   return true;
 }
 
@@ -235,13 +241,12 @@ void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const S
   if (block.offsets[1] - block.offsets[0] != block.offsets[at + 1] - first) return;
   const int frdType = index_.elements.types[solids[0]];
   const auto stand = [&](int node) -> Stand* {
-    const auto found = deckNodeIndex_.find(block.nodes[first + static_cast<std::size_t>(node)]);
-    if (found == deckNodeIndex_.end()) return nullptr;
-    const auto i = static_cast<std::size_t>(found->second);
-    return equal_[i] ? nullptr : &stands_[i];
+    const std::int32_t i = deckNodes_.find(block.nodes[first + static_cast<std::size_t>(node)]);
+    if (i < 0 || equalNode_[static_cast<std::size_t>(i)] >= 0) return nullptr;
+    return &stands_[static_cast<std::size_t>(i)];
   };
   const auto node = [&](std::size_t solid, int position) {
-    return indexOf(frdNodes(solid)[position]);
+    return indexOf(nodesOf(solid)[position]);
   };
   for (const std::size_t solid : solids) {
     if (index_.elements.types[solid] != frdType) return;
@@ -282,7 +287,7 @@ void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const S
     used_[solids[layer]] = true;
     for (const Side side : {Side::bottom, Side::top}) {
       ElementTargets& target = targets(block, sides ? side : Side::whole, static_cast<int>(layer),
-                                       sides ? section->second : -1);
+                                       sides ? section->second : -1, sides ? 1 : 2);
       if (sides || side == Side::bottom) target.labels.push_back(block.labels[at]);
       if (!sides && side == Side::top) continue;
       for (int i = 0; i < nDeckNodes; ++i) {
@@ -290,7 +295,6 @@ void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const S
         target.sources.nodes.push_back(
             node(solids[layer], isTop ? expansion->top[i] : expansion->bottom[i]));
         if (!sides) target.sources.nodes.push_back(node(solids[layer], expansion->top[i]));
-        target.sources.close();
       }
     }
   }
@@ -298,21 +302,35 @@ void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const S
 
 void ResultMesh::finish() {
   std::vector<bool> taken(index_.nodes.labels.size());
+  sumsDiffer_ = !stands_.empty();
+  const auto open = [&](NodeSources& sources) {
+    if (!sumsDiffer_) return;
+    sources.each = 0;
+    sources.offsets.push_back(0);
+  };
   const auto append = [&](NodeSources& sources, const std::vector<std::int32_t>& nodes) {
     sources.nodes.insert(sources.nodes.end(), nodes.begin(), nodes.end());
-    sources.close();
+    if (sources.each == 0) {
+      sources.offsets.push_back(static_cast<std::uint32_t>(sources.nodes.size()));
+    }
     for (const std::int32_t node : nodes) taken[static_cast<std::size_t>(node)] = true;
   };
-  for (std::size_t i = 0; i < stands_.size(); ++i) {
-    if (stands_[i].mean.empty()) continue;
+  open(means_);
+  open(sums_);
+  std::vector<std::int32_t> one(1);
+  for (std::size_t i = 0; i < equalNode_.size(); ++i) {
+    one[0] = equalNode_[i];
+    const auto stand = one[0] < 0 ? stands_.find(i) : stands_.end();
+    if (one[0] < 0 && stand == stands_.end()) continue;
     nodeLabels_.push_back(mesh_.nodes.labels[i]);
-    append(means_, stands_[i].mean);
-    append(sums_, stands_[i].sum);
+    append(means_, one[0] < 0 ? stand->second.mean : one);
+    if (sumsDiffer_) append(sums_, one[0] < 0 ? stand->second.sum : one);
   }
   nUnusedNodes_ = static_cast<std::size_t>(std::count(taken.begin(), taken.end(), false));
   nUnusedElements_ = static_cast<std::size_t>(std::count(used_.begin(), used_.end(), false));
   stands_ = {};
-  deckNodeIndex_ = {};
+  equalNode_ = {};
+  firstNode_ = {};
 }
 
 }  // namespace odbs::importer

@@ -19,13 +19,29 @@
 namespace odbs::importer {
 
 // For each of a number of targets the nodes of the result file that its value comes from, as
-// indices in FrdIndex::nodes: those of target i are nodes[offsets[i]] to nodes[offsets[i + 1]].
+// indices in FrdIndex::nodes: those of target i are nodes[begin(i)] to nodes[end(i)].
 struct NodeSources {
-  std::vector<std::uint32_t> offsets{0};
+  std::uint32_t each = 1;  // nodes of every target; 0: offsets tell
+  std::vector<std::uint32_t>
+      offsets;  // one more than there are targets; empty when `each` is not 0
   std::vector<std::int32_t> nodes;
 
-  std::size_t size() const { return offsets.size() - 1; }
-  void close() { offsets.push_back(static_cast<std::uint32_t>(nodes.size())); }
+  std::size_t size() const { return each > 0 ? nodes.size() / each : offsets.size() - 1; }
+  std::size_t begin(std::size_t i) const { return each > 0 ? i * each : offsets[i]; }
+  std::size_t end(std::size_t i) const { return each > 0 ? (i + 1) * each : offsets[i + 1]; }
+};
+
+// Finds positions of labels in an array that stays where it is.
+class LabelIndex {
+ public:
+  LabelIndex() = default;
+  explicit LabelIndex(const std::vector<std::int32_t>& labels);
+  // The position of the label (of its first occurrence), or -1.
+  std::int32_t find(std::int32_t label) const;
+
+ private:
+  const std::vector<std::int32_t>* labels_ = nullptr;
+  std::vector<std::int32_t> order_;  // positions by ascending label; empty when they ascend anyway
 };
 
 // Where through the thickness element values belong.
@@ -45,19 +61,20 @@ struct ElementTargets {
 
 class ResultMesh {
  public:
-  // Matches what `index` holds with a mesh of the deck.
+  // Matches what `index` holds with a mesh of the deck; both must outlive this. Of `index`, only
+  // nodes.labels are needed later.
   ResultMesh(const Scope& mesh, const FrdIndex& index);
 
   // The deck's nodes that have values, ascending, each with the nodes whose mean is its value, and
   // those whose sum it is where values add up (forces).
   const std::vector<std::int32_t>& nodeLabels() const { return nodeLabels_; }
   const NodeSources& means() const { return means_; }
-  const NodeSources& sums() const { return sums_; }
+  const NodeSources& sums() const { return sumsDiffer_ ? sums_ : means_; }
 
   const std::vector<ElementTargets>& elements() const { return elements_; }
 
   // Index in FrdIndex::nodes of a node of the result file, or -1.
-  std::int32_t indexOf(std::int32_t frdLabel) const;
+  std::int32_t indexOf(std::int32_t frdLabel) const { return frdNodes_.find(frdLabel); }
 
   // Nodes and elements of the result file that nothing of the deck takes, and elements of the deck
   // whose nodes take values but which take none of their own (beams).
@@ -80,23 +97,24 @@ class ResultMesh {
   void matchElements(const ElementBlock& block);
   void takeExpanded(const ElementBlock& block, std::size_t at, const Solids& solids);
   bool takeEqual(const ElementBlock& block, std::size_t at);
-  ElementTargets& targets(const ElementBlock& block, Side side, int layer, std::int32_t section);
-  const std::int32_t* frdNodes(std::size_t element) const;
+  ElementTargets& targets(const ElementBlock& block, Side side, int layer, std::int32_t section,
+                          std::uint32_t each);
+  const std::int32_t* nodesOf(std::size_t element) const;
   void finish();
 
   const Scope& mesh_;
   const FrdIndex& index_;
-  std::unordered_map<std::int32_t, std::int32_t> nodeIndex_;      // of labels of the result file
-  std::unordered_map<std::int32_t, std::size_t> elementIndex_;    // likewise
-  std::vector<std::size_t> firstNode_;                            // of each element there
-  std::vector<bool> equal_;                                       // per node of the deck
-  std::unordered_map<std::int32_t, std::int32_t> deckNodeIndex_;  // of labels of the deck
-  std::unordered_map<std::int32_t, std::int32_t> sectionOf_;      // of shells, by element label
-  std::unordered_map<std::int32_t, std::int32_t> firstLayer_;     // label of the lowest solid
-  std::vector<Stand> stands_;                                     // per node of the deck
-  std::vector<bool> used_;                                        // per element of the result file
+  LabelIndex frdNodes_, frdElements_, deckNodes_;
+  std::vector<std::size_t> firstNode_;  // of each element of the result file
+  // Per node of the deck: the one that it is in the result file, or -1, and then perhaps others.
+  std::vector<std::int32_t> equalNode_;
+  std::unordered_map<std::size_t, Stand> stands_;
+  std::unordered_map<std::int32_t, std::int32_t> sectionOf_;   // of shells, by element label
+  std::unordered_map<std::int32_t, std::int32_t> firstLayer_;  // label of the lowest solid
+  std::vector<bool> used_;                                     // per element of the result file
   std::vector<std::int32_t> nodeLabels_;
   NodeSources means_, sums_;
+  bool sumsDiffer_ = false;
   std::vector<ElementTargets> elements_;
   std::size_t nUnusedNodes_ = 0, nUnusedElements_ = 0, nElementsWithout_ = 0;
 };

@@ -53,6 +53,8 @@ void writeFrd(const std::string& path, const Scope& mesh, const odb_Instance& in
   if (match.nodeLabels().empty() && !index.frames.empty()) {
     throw ResultMismatch(path + ": none of its nodes is one of the deck");
   }
+  index.nodes.coordinates = {};
+  index.elements = {};
   FieldWriter writer(reader, index, match, instance);
   std::map<std::string, std::size_t> unknownSteps;
   for (std::size_t i = 0; i < index.frames.size(); ++i) {

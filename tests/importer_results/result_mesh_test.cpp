@@ -26,8 +26,8 @@ struct Matched {
   // The mean place of the nodes that target `i` of `sources` comes from.
   Place place(const NodeSources& sources, std::size_t i) const {
     Place mean{};
-    const double n = sources.offsets[i + 1] - sources.offsets[i];
-    for (std::size_t s = sources.offsets[i]; s < sources.offsets[i + 1]; ++s) {
+    const double n = static_cast<double>(sources.end(i) - sources.begin(i));
+    for (std::size_t s = sources.begin(i); s < sources.end(i); ++s) {
       for (std::size_t k = 0; k < 3; ++k) {
         mean[k] += index.nodes.coordinates[3 * static_cast<std::size_t>(sources.nodes[s]) + k] / n;
       }

@@ -88,7 +88,9 @@ enum class Listing { kNodal, kElement, kTensor };
 struct CatalogueRequest {
   Listing listing = Listing::kElement;
   bool everyFrame = false;  // else the last frame's fields stand for all of a step
-  std::string cachePath;    // empty: no cache file is named
+  // Empty: no cache file is named. Each database and each listing needs a file of its own; the
+  // server does not notice when it is given another's.
+  std::string cachePath;
 };
 
 // Asks for the catalogue of a database. Throws DatabaseNotOpened and what Connection and the

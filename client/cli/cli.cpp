@@ -28,7 +28,8 @@ const std::vector<Subcommand>& subcommands() {
       {"catalogue", "FILE", "list steps, frames and the fields that they hold",
        "Options: --listing nodal|element|tensor (default element: fields at elements);\n"
        "--frames last|every: what the last frame of a step holds stands for all of its frames\n"
-       "(default, fast), or each frame is examined; --cache PATH: name a catalogue cache file.\n",
+       "(default, fast), or each frame is examined; --cache PATH: name a catalogue cache file, one\n"
+       "for each database and listing.\n",
        1, 1, {"--listing", "--frames", "--cache"}, runCatalogue},
       {"values", "FILE", "print the values of one field in one frame, and their range",
        "Options: --field NAME (needed); --step N, from 1 (default 1); --frame N, from 0 (default\n"

@@ -18,14 +18,22 @@ void reportOverview(const History& history, Report& report) {
                 static_cast<std::int64_t>(step.regions.size())});
   }
   report.end();
-  report.begin("output", {"step", "region", "set", "numbers", "output", "complex", "description"});
+  report.begin("region",
+               {"step", "region", "set", "numbers", "outputs", "complex", "descriptions"});
   for (const HistoryStep& step : history.steps) {
     for (const HistoryRegion& region : step.regions) {
-      const std::vector<std::int64_t> numbers(region.numbers, region.numbers + 3);
+      std::vector<std::string> names, descriptions;
+      bool isComplex = false;
       for (const HistoryOutput& output : region.outputs) {
-        report.row({std::int64_t{step.number}, region.name, region.set, numbers, output.name,
-                    std::int64_t{output.isComplex}, output.description});
+        names.push_back(output.name);
+        isComplex = isComplex || output.isComplex;
+        if (descriptions.empty() || descriptions.back() != output.description) {
+          descriptions.push_back(output.description);
+        }
       }
+      report.row({std::int64_t{step.number}, region.name, region.set,
+                  std::vector<std::int64_t>(region.numbers, region.numbers + 3), names,
+                  std::int64_t{isComplex}, descriptions});
     }
   }
   report.end();

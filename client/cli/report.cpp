@@ -28,8 +28,10 @@ std::string scalarText(std::int64_t value) {
 std::string scalarText(float value) {
   return realText(value);
 }
+// Most doubles of the protocol were singles in the database: those print as such.
 std::string scalarText(double value) {
-  return realText(value);
+  const auto single = static_cast<float>(value);
+  return static_cast<double>(single) == value ? realText(single) : realText(value);
 }
 
 // The length of the UTF-8 sequence at text[at], or 0 when there is none.

@@ -92,10 +92,16 @@ void widen(Range& range, const FieldValues& values, const ValueBlock& block,
   }
 }
 
+// Blocks of values at nodes name no element type; the node's label stands in the element's place.
+bool isNodal(const ValueBlock& block) {
+  return block.head.elementType.empty();
+}
+
 std::string placeText(const FieldValues& values, const Place& place) {
   if (place.block == nullptr) return {};
   std::string text = place.block->instance.empty() ? "" : place.block->instance + " ";
-  text += "element " + std::to_string(values.elementLabels[place.value]);
+  text += (isNodal(*place.block) ? "node " : "element ") +
+          std::to_string(values.elementLabels[place.value]);
   if (values.thirdLabels[place.value] >= 0) {
     text += " node or face " + std::to_string(values.thirdLabels[place.value]);
   }
@@ -130,8 +136,10 @@ void reportValues(const FieldValues& values, Report& report) {
       const std::size_t at = block.firstValue + i;
       const auto first = values.components.begin() +
                          static_cast<std::ptrdiff_t>(block.firstComponent + i * block.nComponents);
+      const std::int64_t label = values.elementLabels[at];
+      const std::int64_t third = values.thirdLabels[at];
       report.row({block.instance, block.head.elementType, std::int64_t{block.head.sectionPoint},
-                  std::int64_t{values.elementLabels[at]}, std::int64_t{values.thirdLabels[at]},
+                  isNodal(block) ? -1 : label, isNodal(block) ? label : third,
                   std::int64_t{values.integrationPoints[at]},
                   std::vector<float>(first, first + block.nComponents)});
     }

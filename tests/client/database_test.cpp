@@ -5,8 +5,12 @@
 #include <fstream>
 #include <sstream>
 
+#include "client/catalogue.h"
 #include "client/cli/cli.h"
+#include "client/field_values.h"
+#include "client/history.h"
 #include "client/model.h"
+#include "client/sets.h"
 #include "tests/client/protocol_page.h"
 #include "tests/client/real_server.h"
 #include "tests/client/written_model.h"
@@ -88,6 +92,119 @@ TEST_F(DatabaseTest, GivesBackTheModelsThatWereWritten) {
     EXPECT_TRUE(nodesOnly.sections.empty());
     if (HasFailure()) break;
   }
+}
+
+TEST_F(DatabaseTest, GivesBackSetsAndSections) {
+  for (std::uint32_t seed = 1; seed <= 10; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const std::string path = folder.file("random.odb");
+    const Model expected = writeRandomModel(path, seed);
+    const SetsReply sets = readSets(server, path, {});
+    ASSERT_EQ(sets.sets.size(), expected.sections.size());  // one set for each instance
+    const SetsReply summary = readSectionSummary(server, path);
+    ASSERT_EQ(summary.sections.size(), expected.sections.size());
+    for (std::size_t i = 0; i < expected.sections.size(); ++i) {
+      const Instance& instance = expected.instances[i];
+      EXPECT_EQ(sets.sets[i].name, "HALF");
+      EXPECT_EQ(sets.sets[i].instance, instance.name);
+      const std::vector<std::int32_t> half(
+          instance.elementLabels.begin(),
+          instance.elementLabels.begin() +
+              static_cast<std::ptrdiff_t>((instance.elementLabels.size() + 1) / 2));
+      EXPECT_EQ(sets.sets[i].labels, half);
+      EXPECT_EQ(summary.sections[i].number, expected.sections[i].number);
+      EXPECT_EQ(summary.sections[i].name, expected.sections[i].name);
+      EXPECT_EQ(summary.sets.at(i).labels, half);
+    }
+  }
+}
+
+class ResultsTest : public DatabaseTest {
+ protected:
+  ResultsTest() : path(folder.file("results.odb")) { writeResults(path); }
+  std::string path;
+};
+
+TEST_F(ResultsTest, AreCatalogued) {
+  for (const Listing listing : {Listing::kNodal, Listing::kElement}) {
+    CatalogueRequest request;
+    request.listing = listing;
+    // One file for each listing: the entries of one are misread as those of the other.
+    request.cachePath = folder.file(listing == Listing::kNodal ? "nodal" : "element");
+    const Catalogue computed = readCatalogue(server, path, request);
+    const Catalogue cached = readCatalogue(server, path, request);
+    EXPECT_EQ(cached.entries.size(), computed.entries.size());
+    ASSERT_EQ(computed.steps.size(), 1u);
+    EXPECT_EQ(computed.steps[0].name, "Pull");
+    EXPECT_EQ(computed.steps[0].procedure, "*STEADY STATE");
+    ASSERT_EQ(computed.fields.size(), 1u);
+    EXPECT_EQ(computed.fields[0].name, listing == Listing::kNodal ? "U" : "E");
+    ASSERT_EQ(computed.entries.size(), 2u);
+    EXPECT_EQ(computed.entries[1].frameIndex, 1);
+    EXPECT_EQ(computed.entries[1].isComplex, listing == Listing::kElement);
+  }
+}
+
+TEST_F(ResultsTest, GiveNodalAndElementValuesBack) {
+  ValuesRequest request;
+  request.frame = 1;
+  request.field = "U";
+  const FieldValues nodal = readFieldValues(server, path, request);
+  ASSERT_EQ(nodal.elementLabels.size(), static_cast<std::size_t>(kNTrusses + 1));
+  request.field = "E";
+  const FieldValues values = readFieldValues(server, path, request);
+  ASSERT_EQ(values.elementLabels.size(), static_cast<std::size_t>(kNTrusses));
+  EXPECT_EQ(values.blocks.at(0).head.elementType, "T3D2");
+  EXPECT_EQ(values.blocks.at(0).nComponents, 2u);
+  for (int i = 0; i < kNTrusses; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    const float label = static_cast<float>(i + 1);
+    ASSERT_EQ(nodal.elementLabels[at], i + 1);
+    ASSERT_EQ(nodal.components[3 * at + 1], label / 2);
+    ASSERT_EQ(values.elementLabels[at], i + 1);
+    ASSERT_EQ(values.integrationPoints[at], 1);
+    ASSERT_EQ(values.components[2 * at], label);
+    ASSERT_EQ(values.components[2 * at + 1], -label);
+  }
+  request.field = "MISSING";
+  EXPECT_TRUE(readFieldValues(server, path, request).blocks.empty());
+}
+
+TEST_F(ResultsTest, GiveHistoriesBack) {
+  const History overview = readHistoryOverview(server, path);
+  ASSERT_EQ(overview.steps.size(), 1u);
+  ASSERT_EQ(overview.steps[0].regions.size(), 1u);
+  EXPECT_EQ(overview.steps[0].regions[0].numbers[0], 1);
+  const History history = readHistory(server, path, 1, {"MISSING", "Node ROW-1.1"});
+  ASSERT_EQ(history.steps.at(0).regions.size(), 1u);
+  const HistoryOutput& output = history.steps[0].regions[0].outputs.at(0);
+  EXPECT_EQ(output.times, (std::vector<float>{0, 1, 2, 3, 4}));
+  EXPECT_EQ(output.values, (std::vector<float>{0, 1, 4, 9, 16}));
+}
+
+TEST_F(ResultsTest, AreShownByTheCommandLineClient) {
+  const std::string program = realServer().server;
+  const std::pair<std::vector<std::string>, const char*> kCalls[] = {
+      {{"catalogue", path}, "integration point"},
+      {{"catalogue", path, "--listing", "nodal", "--frames", "every"}, "Displacement"},
+      {{"values", path, "--field", "U", "--show", "range"}, "node 701"},
+      {{"values", path, "--field", "E", "--position", "centroid"}, "T3D2"},
+      {{"history", path}, "Node ROW-1.1"},
+      {{"history", path, "--region", "all", "--format", "csv"}, "history,1,Node ROW-1.1,U1,4,16,"},
+      {{"sets", path}, "Results"},
+  };
+  for (const auto& [arguments, piece] : kCalls) {
+    std::vector<std::string> all = arguments;
+    all.insert(all.end(), {"--server", program});
+    std::ostringstream out, err;
+    EXPECT_EQ(runClient(all, out, err), kDone) << arguments[0] << ": " << err.str();
+    EXPECT_NE(out.str().find(piece), std::string::npos) << arguments[0] << "\n" << out.str();
+  }
+  std::ostringstream out, err;
+  EXPECT_EQ(runClient({"values", path, "--server", program}, out, err), kUsage);
+  EXPECT_EQ(runClient({"values", path, "--field", "Q", "--server", program}, out, err), kFailed);
+  EXPECT_EQ(runClient({"catalogue", path + "x", "--server", program}, out, err), kFailed);
+  EXPECT_EQ(runClient({"history", path + "x", "--server", program}, out, err), kFailed);
 }
 
 TEST_F(DatabaseTest, RefusesWhatIsNoDatabaseAndGoesOn) {

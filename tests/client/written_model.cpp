@@ -226,6 +226,43 @@ void writeRod(const std::string& path) {
   odb.close();
 }
 
+void writeResults(const std::string& path) {
+  odb_Odb& odb = Odb("results", "Results", "", path.c_str());
+  odb_Part& part = odb.Part("ROW", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
+  std::vector<int> nodes, elements;
+  odb_SequenceSequenceFloat coordinates, displacements, strains, conjugates;
+  odb_SequenceSequenceInt connectivity;
+  for (int i = 0; i <= kNTrusses; ++i) {
+    nodes.push_back(i + 1);
+    const float label = static_cast<float>(i + 1);
+    coordinates.append(floats({label, 0, 0}));
+    displacements.append(floats({label, label / 2, 0}));
+    if (i == kNTrusses) break;
+    elements.push_back(i + 1);
+    connectivity.append(ints({i + 1, i + 2}));
+    strains.append(floats({label}));
+    conjugates.append(floats({-label}));
+  }
+  part.addNodes(ints(nodes), coordinates);
+  part.addElements(ints(elements), connectivity, "T3D2");
+  odb_Instance& instance = odb.rootAssembly().Instance("ROW-1", part);
+  odb_Step& step = odb.Step("Pull", "Pulled", odb_Enum::FREQUENCY, 1, "", "*STEADY STATE");
+  for (int i = 0; i < 2; ++i) {
+    odb_Frame frame = step.Frame(i, static_cast<float>(i), "");
+    frame.FieldOutput("U", "Displacement", odb_Enum::VECTOR)
+        .addData(odb_Enum::NODAL, instance, ints(nodes), displacements);
+    frame.FieldOutput("E", "Strain", odb_Enum::SCALAR)
+        .addData(odb_Enum::INTEGRATION_POINT, instance, ints(elements), strains, odb_SectionPoint(),
+                 odb_SequenceSequenceFloat(), conjugates);
+  }
+  odb_HistoryRegion& region =
+      step.HistoryRegion("Node ROW-1.1", "", odb_HistoryPoint(instance.getNodeFromLabel(1)));
+  odb_HistoryOutput& output = region.HistoryOutput("U1", "Displacement");
+  for (int t = 0; t < 5; ++t) output.addData(t, t * t);
+  odb.save();
+  odb.close();
+}
+
 Model writeRandomModel(const std::string& path, std::uint32_t seed) {
   return RandomModel(path, seed).write();
 }

@@ -27,7 +27,7 @@ void addNodes(odb_Part& part, int n) {
   part.addNodes(labels, coordinates);
 }
 
-void addElements(odb_Part& part, int n, const odb_SectionCategory& category) {
+void addElements(odb_Part& part, int n, const char* type, const odb_SectionCategory& category) {
   odb_SequenceInt labels;
   odb_SequenceSequenceInt connectivity;
   const int corners[8] = {0, 1, n + 1, n, n * n, n * n + 1, n * n + n + 1, n * n + n};
@@ -42,12 +42,11 @@ void addElements(odb_Part& part, int n, const odb_SectionCategory& category) {
       }
     }
   }
-  part.addElements(labels, connectivity, "C3D8R", "ALL", category);
+  part.addElements(labels, connectivity, type, "ALL", category);
 }
 
-}  // namespace
-
-void writeHexahedralModel(const std::string& path, int nPerEdge) {
+// The cube, not saved yet.
+odb_Odb& makeModel(const std::string& path, int nPerEdge, const char* type) {
   std::filesystem::remove(path);
   odb_Odb& odb = Odb("bench", "Hexahedral cube", "", path.c_str());
   odb_SectionApi sections;
@@ -61,9 +60,61 @@ void writeHexahedralModel(const std::string& path, int nPerEdge) {
 
   odb_Part& part = odb.Part("CUBE", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
   addNodes(part, nPerEdge);
-  addElements(part, nPerEdge, category);
+  addElements(part, nPerEdge, type, category);
   odb_Instance& instance = odb.rootAssembly().Instance("CUBE-1", part);
   instance.assignSection(instance.elementSets()["ALL"], section);
+  return odb;
+}
+
+}  // namespace
+
+void writeHexahedralModel(const std::string& path, int nPerEdge) {
+  odb_Odb& odb = makeModel(path, nPerEdge, "C3D8R");
+  odb.save();
+  odb.close();
+}
+
+void writeStressField(const std::string& path, int nPerEdge) {
+  constexpr int kPoints = 8;
+  constexpr int kComponents = 6;
+  odb_Odb& odb = makeModel(path, nPerEdge, "C3D8");
+  odb_Frame frame = odb.Step("Step-1", "", odb_Enum::TIME, 1.0, "", "*STATIC").Frame(1, 1);
+  odb_FieldOutput& field = frame.FieldOutput("S", "Stress", odb_Enum::TENSOR_3D_FULL);
+  const int nElements = (nPerEdge - 1) * (nPerEdge - 1) * (nPerEdge - 1);
+  odb_SequenceInt labels(nElements);
+  odb_SequenceSequenceFloat data(kPoints * nElements);
+  for (int i = 0; i < nElements; ++i) {
+    labels.append(i + 1);
+    for (int p = 0; p < kPoints; ++p) {
+      odb_SequenceFloat value(kComponents);
+      for (int k = 0; k < kComponents; ++k) value.append(static_cast<float>(i + p + k));
+      data.append(value);
+    }
+  }
+  field.addData(odb_Enum::INTEGRATION_POINT, odb.rootAssembly().instances()["CUBE-1"], labels,
+                data);
+  odb.save();
+  odb.close();
+}
+
+void writeManyFrames(const std::string& path, int nFrames, int nFields) {
+  odb_Odb& odb = makeModel(path, 3, "C3D8");
+  const odb_Instance& instance = odb.rootAssembly().instances()["CUBE-1"];
+  odb_SequenceInt labels(1);
+  labels.append(1);
+  odb_SequenceFloat one(1);
+  one.append(1);
+  odb_SequenceSequenceFloat data(1);
+  data.append(one);
+  odb_Step& step = odb.Step("Step-1", "Long", odb_Enum::TIME, 1.0, "", "*DYNAMIC");
+  for (int i = 0; i < nFrames; ++i) {
+    odb_Frame frame = step.Frame(i, static_cast<float>(i), "A frame");
+    for (int k = 0; k < nFields; ++k) {
+      const std::string name = "SDV" + std::to_string(k + 1);
+      odb_FieldOutput& field = frame.FieldOutput(name.c_str(), "State", odb_Enum::SCALAR);
+      field.addData(odb_Enum::WHOLE_ELEMENT, instance, labels, data);
+    }
+  }
   odb.save();
   odb.close();
 }

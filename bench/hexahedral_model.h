@@ -11,4 +11,12 @@ namespace odbs::bench {
 // what the database library throws.
 void writeHexahedralModel(const std::string& path, int nPerEdge);
 
+// The same cube of C3D8 with one frame that holds a stress field "S" at eight integration points
+// per element.
+void writeStressField(const std::string& path, int nPerEdge);
+
+// A cube of eight elements with one step of `nFrames` frames, each with `nFields` scalar fields
+// "SDV1", "SDV2", ... of one element.
+void writeManyFrames(const std::string& path, int nFrames, int nFields);
+
 }  // namespace odbs::bench

@@ -33,6 +33,9 @@ class TimedServer {
   // Sends the line and reads exactly nBytes, without looking at them.
   Reply exactly(const std::string& line, std::int64_t nBytes);
 
+  // Sends a line that is not answered.
+  void sendSilent(const std::string& line) { send(line); }
+
   // The largest resident memory of the server so far, in bytes; -1 where it cannot be asked.
   std::int64_t peakMemory() const { return port::peakMemoryOf(child_); }
 

@@ -164,13 +164,12 @@ void TableWriter::writePoints(const Moment& moment, const DatTable& real,
   }
   if (writtenMoment_.step != moment.step || writtenMoment_.x != moment.x) written_.clear();
   writtenMoment_ = moment;
-  bool any = false, all = true;
+  const int nBefore = frame->fieldOutputs().size();
+  bool all = true;
   for (const PointBlock& block : pointBlocks(real, real.quantity)) {
-    const bool done = addBlock(*frame, real, imaginary, block);
-    any |= done;
-    all &= done;
+    all &= addBlock(*frame, real, imaginary, block);
   }
-  if (any) ++nFields_;
+  nFields_ += static_cast<std::size_t>(frame->fieldOutputs().size() - nBefore);
   if (!all) ++leftOut_[real.title + " of beams or of unusual layers"];
 }
 

@@ -63,8 +63,9 @@ inline std::string field(const char* name, const std::vector<std::string>& compo
   char line[128];
   std::snprintf(line, sizeof line, " -4  %-8s%5zu    1\n", name, components.size() + withAll);
   std::string text = line;
+  int row = 0;
   for (const std::string& component : components) {
-    std::snprintf(line, sizeof line, " -5  %-8s    1    2    1    0\n", component.c_str());
+    std::snprintf(line, sizeof line, " -5  %-8s    1    2%5d    0\n", component.c_str(), ++row);
     text += line;
   }
   if (withAll) text += " -5  ALL         1    2    0    0    1ALL\n";

@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Results in the database, read back through the API: what the samples hold, and results that
+// come in unusual ways.
+#include <odb_API.h>
+
+#include <cmath>
+
+#include "importer/command_line.h"
+#include "tests/importer/deck_files.h"
+#include "tests/importer_results/result_text.h"
+
+namespace odbs::importer {
+namespace {
+
+using Floats = std::vector<float>;
+
+// Values by element (or -1), node (or -1), point (or -1).
+Floats valuesAt(const odb_FieldBulkData& block, int element, int node, int point, bool imaginary) {
+  for (int i = 0; i < block.length(); ++i) {
+    if (element >= 0 && block.elementLabels()[i] != element) continue;
+    if (node >= 0 && block.nodeLabels()[i] != node) continue;
+    if (point >= 0 && block.integrationPoints()[i] != point) continue;
+    const float* const data = imaginary ? block.conjugateData() : block.data();
+    return Floats(data + i * block.width(), data + (i + 1) * block.width());
+  }
+  return {};
+}
+
+class ResultWriter : public testing::Test {
+ protected:
+  ~ResultWriter() override {
+    if (odb_ != nullptr && !odb_->isClosed()) odb_->close();
+  }
+
+  int run(std::vector<std::string> arguments) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    arguments.insert(arguments.end(), {"-o", files_.path("model.odb")});
+    const int status = runImport(arguments);
+    out_ = testing::internal::GetCapturedStdout();
+    err_ = testing::internal::GetCapturedStderr();
+    return status;
+  }
+
+  void open(std::vector<std::string> arguments) {
+    ASSERT_EQ(run(std::move(arguments)), 0) << err_;
+    odb_ = &openOdb(files_.path("model.odb").c_str(), true);
+  }
+
+  void openSample(const std::string& name) {
+    const std::string base = std::string(ODBS_SOURCE_DIR) + "/samples/" + name + "/" + name;
+    open({base + ".inp", "--results", base + ".frd", "--data", base + ".dat"});
+  }
+
+  odb_Step& step(int i) { return odb_->steps().stepList().Get(i); }
+  odb_FieldOutput field(int s, int frame, const char* name) {
+    return step(s).frames()[frame].fieldOutputs()[name];
+  }
+  // The first block at a position, and at a section point when one is given.
+  odb_FieldBulkData block(const odb_FieldOutput& of, odb_Enum::odb_ResultPositionEnum position,
+                          int sectionPoint = -1) {
+    for (int i = 0; i < of.bulkDataBlocks().size(); ++i) {
+      const odb_FieldBulkData& b = of.bulkDataBlocks()[i];
+      if (b.position() == position && b.sectionPoint().number() == sectionPoint) return b;
+    }
+    ADD_FAILURE() << "no such block";
+    return of.bulkDataBlocks()[0];
+  }
+  const odb_HistoryOutput& history(int s, const char* region, const char* output) {
+    return step(s).historyRegions()[region].historyOutputs()[output];
+  }
+
+  DeckFolder files_;
+  odb_Odb* odb_ = nullptr;
+  std::string out_, err_;
+};
+
+void expectNear(const Floats& found, const Floats& expected) {
+  ASSERT_EQ(found.size(), expected.size());
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    EXPECT_NEAR(found[i], expected[i], 1e-5f * std::fabs(expected[i]) + 1e-9f) << "component " << i;
+  }
+}
+
+TEST_F(ResultWriter, GivesEveryIncrementAFrameAtItsStepTime) {
+  openSample("contact_block");
+  ASSERT_EQ(step(0).frames().size(), 4);
+  ASSERT_EQ(step(1).frames().size(), 2);
+  const float times[] = {0.25f, 0.5f, 0.75f, 1, 0.5f, 1};
+  for (int i = 0; i < 6; ++i) {
+    const odb_Frame frame = i < 4 ? step(0).frames()[i] : step(1).frames()[i - 4];
+    EXPECT_FLOAT_EQ(frame.frameValue(), times[i]);
+    EXPECT_EQ(frame.incrementNumber(), i < 4 ? i + 1 : i - 3);
+  }
+}
+
+TEST_F(ResultWriter, KeepsValuesAndTurnsTensorsIntoTheDatabasesOrder) {
+  openSample("contact_block");
+  const odb_FieldOutput u = field(1, 1, "U");
+  EXPECT_EQ(u.type(), odb_Enum::VECTOR);
+  expectNear(valuesAt(block(u, odb_Enum::NODAL), -1, 116, -1, false),
+             {3.1e-3f, 9.20321e-4f, -3.31876e-3f});
+  // The file has xx yy zz xy yz zx.
+  const odb_FieldOutput s = field(1, 1, "S");
+  EXPECT_EQ(s.type(), odb_Enum::TENSOR_3D_FULL);
+  const odb_FieldBulkData nodes = block(s, odb_Enum::ELEMENT_NODAL);
+  EXPECT_EQ(nodes.length(), 36 * 8);
+  expectNear(valuesAt(nodes, 109, 116, -1, false),
+             {-9.78794f, -1.22202f, -119.042f, -0.868231f, 25.9341f, 4.57611f});
+  EXPECT_EQ(block(s, odb_Enum::INTEGRATION_POINT).numberOfElements(), 4);
+  EXPECT_TRUE(s.validInvariants().isMember(odb_Enum::MISES));
+  EXPECT_EQ(field(0, 0, "CPRESS").type(), odb_Enum::SCALAR);
+}
+
+TEST_F(ResultWriter, PutsPrintedValuesIntoHistories) {
+  openSample("contact_block");
+  const odb_SequenceSequenceFloat& top = history(1, "Node PART-1-1.133", "U1").data();
+  ASSERT_EQ(top.size(), 2);
+  EXPECT_FLOAT_EQ(top[1][0], 1);
+  EXPECT_FLOAT_EQ(top[1][1], 0.004f);
+  EXPECT_EQ(history(0, "NodeSet PART-1-1.BASE", "RF3").data().size(), 4);
+}
+
+TEST_F(ResultWriter, GivesModesTheirNumbersAndFrequencies) {
+  openSample("bar_modes");
+  ASSERT_EQ(step(0).frames().size(), 6);
+  const odb_SequenceSequenceFloat& printed = history(0, "Assembly ASSEMBLY", "EIGFREQ").data();
+  ASSERT_EQ(printed.size(), 6);
+  for (int i = 0; i < 6; ++i) {
+    const odb_Frame frame = step(0).frames()[i];
+    EXPECT_EQ(frame.mode(), i + 1);
+    EXPECT_NEAR(frame.frequency(), printed[i][1], 1e-3f);
+    EXPECT_EQ(printed[i][0], static_cast<float>(i + 1));
+  }
+  EXPECT_NEAR(step(0).frames()[0].frequency(), 470.6728f, 1e-3f);
+}
+
+TEST_F(ResultWriter, JoinsRealAndImaginaryParts) {
+  openSample("bar_harmonic");
+  ASSERT_EQ(step(1).frames().size(), 7);
+  EXPECT_EQ(step(1).frames()[0].domain(), odb_Enum::FREQUENCY);
+  EXPECT_FLOAT_EQ(step(1).frames()[0].frameValue(), 400);
+  const odb_FieldOutput u = field(1, 0, "U");
+  EXPECT_TRUE(u.isComplex());
+  EXPECT_FALSE(field(0, 0, "U").isComplex());
+  expectNear(valuesAt(block(u, odb_Enum::NODAL), -1, 36, -1, false),
+             {-1.17793e-2f, 1.30103e-5f, 0.274843f});
+  expectNear(valuesAt(block(u, odb_Enum::NODAL), -1, 36, -1, true),
+             {2.02493e-3f, -1.50534e-6f, -4.855e-2f});
+  EXPECT_FALSE(step(1).frames()[0].fieldOutputs().isMember("DISPI"));
+  EXPECT_NE(valuesAt(block(field(1, 0, "S"), odb_Enum::INTEGRATION_POINT), 1, -1, 8, true),
+            Floats());
+  const odb_HistoryOutput& tip = history(1, "Node PART-1-1.36", "U3");
+  ASSERT_EQ(tip.conjugateData().size(), 7);
+  EXPECT_FLOAT_EQ(tip.data()[0][1], 0.2748427f);
+  EXPECT_FLOAT_EQ(tip.conjugateData()[0][1], -4.855003e-2f);
+}
+
+TEST_F(ResultWriter, PutsShellsStressesAtTheirSectionPoints) {
+  openSample("composite_plate");
+  const odb_FieldOutput s = field(0, 0, "S");
+  // Three points a layer; the solver has two planes of four points in each, at -+ 1/sqrt(3).
+  const float low[2] = {-3.17305f, 3.199461f}, high[2] = {-2.137372f, 2.16674f};
+  const float outer = (1 + std::sqrt(3.f)) / 2;
+  const Floats bottom = valuesAt(block(s, odb_Enum::INTEGRATION_POINT, 1), 1, -1, 1, false);
+  const Floats top = valuesAt(block(s, odb_Enum::INTEGRATION_POINT, 3), 1, -1, 1, false);
+  ASSERT_EQ(bottom.size(), 6u);
+  ASSERT_EQ(top.size(), 6u);
+  for (const int i : {0, 1}) {
+    const std::size_t component = i == 0 ? 0 : 3;
+    EXPECT_NEAR(bottom[component], outer * low[i] + (1 - outer) * high[i], 1e-4f);
+    EXPECT_NEAR(top[component], (1 - outer) * low[i] + outer * high[i], 1e-4f);
+  }
+  for (const int point : {1, 3, 4, 6, 7, 9}) {
+    EXPECT_EQ(block(s, odb_Enum::ELEMENT_NODAL, point).numberOfElements(), 9) << point;
+  }
+  // Bending: stresses change their sign through the thickness.
+  const Floats below = valuesAt(block(s, odb_Enum::ELEMENT_NODAL, 1), 5, 14, -1, false);
+  const Floats above = valuesAt(block(s, odb_Enum::ELEMENT_NODAL, 9), 5, 14, -1, false);
+  EXPECT_NEAR(below[0], -above[0], 0.02f * std::fabs(above[0]));
+}
+
+// One bar in three steps: static, modes, static.
+const std::string kDeck =
+    "*NODE\n1,0\n2,1\n3,1,1\n4,0,1\n5,0,0,1\n6,1,0,1\n7,1,1,1\n8,0,1,1\n"
+    "*ELEMENT,TYPE=C3D8,ELSET=E\n1,1,2,3,4,5,6,7,8\n"
+    "*STEP\n*STATIC\n1.,2.\n*END STEP\n*STEP\n*FREQUENCY\n2\n*END STEP\n"
+    "*STEP\n*STATIC\n1.,1.\n*END STEP\n";
+
+std::string printed(const std::string& time, const std::string& u) {
+  return " displacements (vx,vy,vz) for set N and time  " + time + "\n\n         1  " + u +
+         "  0.000000E+00  0.000000E+00\n\n internal energy density (elem, integ.pnt.,energy) for"
+         " set E and time  " +
+         time + "\n\n         1   1  " + u + "\n\n";
+}
+
+TEST_F(ResultWriter, FindsStepsOfPrintedTablesByTimeAndHeading) {
+  const std::string modes =
+      "     E I G E N V A L U E   O U T P U T\n\n MODE NO    EIGENVALUE\n\n"
+      "      1   0.1E+03   0.1E+02   0.7E+01   0.0E+00\n"
+      "      2   0.2E+03   0.2E+02   0.9E+01   0.0E+00\n\n"
+      "                    E I G E N V A L U E    N U M B E R     1\n\n" +
+      printed("0.2000000E+01", "1.000000E+01") +
+      "                    E I G E N V A L U E    N U M B E R     2\n\n" +
+      printed("0.2000000E+01", "2.000000E+01");
+  const std::string dat =
+      printed("0.1000000E+01", "1.000000E+00") + printed("0.2000000E+01", "2.000000E+00") + modes +
+      printed("0.2500000E+01", "3.000000E+00") + printed("0.3000000E+01", "4.000000E+00");
+  open({files_.write("bar.inp", kDeck), "--data", files_.write("bar.dat", dat)});
+  const Floats expected[3][2] = {{{1, 1}, {2, 2}}, {{1, 10}, {2, 20}}, {{0.5f, 3}, {1, 4}}};
+  for (int s = 0; s < 3; ++s) {
+    ASSERT_EQ(step(s).frames().size(), 2) << s;
+    const odb_SequenceSequenceFloat& u = history(s, "Node PART-1-1.1", "U1").data();
+    ASSERT_EQ(u.size(), 2) << s;
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_EQ(u[i].engineItems(), expected[s][i]) << s;
+      EXPECT_EQ(valuesAt(block(field(s, i, "ENER"), odb_Enum::INTEGRATION_POINT), 1, -1, 1, false),
+                (Floats{expected[s][i][1]}));
+    }
+  }
+  EXPECT_FLOAT_EQ(step(1).frames()[1].frequency(), 9);
+}
+
+TEST_F(ResultWriter, LeavesOutWhatTheDeckDoesNotHaveAndSaysSo) {
+  std::string nodes = blockHead("2", 9, 1), values;
+  for (int i = 1; i <= 9; ++i) {
+    char line[80];
+    std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", i,
+                  i == 2 || i == 3 || i == 6 || i == 7 ? 1. : 0.,
+                  i % 4 == 3 || i % 4 == 0 ? 1. : 0., i > 4 ? 1. : 0.);
+    nodes += line;
+    std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", i, 1. * i, 0., 0.);
+    values += line;
+  }
+  const auto result = [&](int increment, int s) {
+    char line[80];
+    std::snprintf(line, sizeof line, "    1PSTEP%26d%12d%12d\n", 1, increment, s);
+    return line + resultHead(increment, 9, 0, 1, "", 1) +
+           importer::field("DISP", {"D1", "D2", "D3"}, true) + values + " -3\n";
+  };
+  const std::string frd = nodes + " -3\n" + result(1, 1) + result(1, 7);
+  open({files_.write("bar.inp", kDeck), "--results", files_.write("bar.frd", frd)});
+  EXPECT_NE(err_.find("step 7 (1)"), std::string::npos) << err_;
+  EXPECT_NE(err_.find("left out: 1 nodes and 0 elements"), std::string::npos) << err_;
+  EXPECT_NE(err_.find("did not finish"), std::string::npos) << err_;
+  EXPECT_EQ(block(ResultWriter::field(0, 0, "U"), odb_Enum::NODAL).length(), 8);
+}
+
+TEST_F(ResultWriter, RefusesBrokenAndForeignResults) {
+  const std::string deck = files_.write("bar.inp", kDeck);
+  const std::string broken = files_.write("broken.frd", "    2C\n -1 x\n");
+  EXPECT_EQ(run({deck, "--results", broken}), 1);
+  EXPECT_NE(err_.find("broken.frd:2: "), std::string::npos) << err_;
+  const std::string other =
+      std::string(ODBS_SOURCE_DIR) + "/samples/composite_plate/composite_plate";
+  EXPECT_EQ(run({deck, "--results", other + ".frd"}), 1);
+  EXPECT_NE(err_.find("none of its nodes"), std::string::npos) << err_;
+  EXPECT_EQ(run({deck, "--data", files_.path("absent.dat")}), 1);
+  EXPECT_EQ(run({deck, "--results"}), 2);
+  const std::string twice = files_.write(
+      "twice.inp",
+      "*PART,NAME=P\n*NODE\n1,0\n2,1\n*ELEMENT,TYPE=T3D2\n1,1,2\n*END PART\n*ASSEMBLY,NAME=A\n"
+      "*INSTANCE,NAME=I,PART=P\n*END INSTANCE\n*INSTANCE,NAME=J,PART=P\n0.,1.,0.\n"
+      "*END INSTANCE\n*END ASSEMBLY\n");
+  EXPECT_EQ(run({twice, "--results", other + ".frd"}), 1);
+  EXPECT_NE(err_.find("several instances"), std::string::npos) << err_;
+  EXPECT_FALSE(std::filesystem::exists(files_.path("model.odb")));
+}
+
+}  // namespace
+}  // namespace odbs::importer

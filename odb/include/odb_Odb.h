@@ -56,7 +56,8 @@ class odb_Odb {
   // path(), until a database of the same name is opened or the program ends.
   void close();
   // Looks at the file again. Returns true, with the new steps and frames visible, when it has more
-  // steps or frames than before; other changes need a fresh open. Handles stay valid.
+  // steps or frames than before; other changes need a fresh open. Handles stay valid. On Windows,
+  // arrays of the model that were asked for but not read before the change can no longer be read.
   bool update();
 
   // ---- Writing. Each throws odb_Exception on a read-only database or a name that is taken. ----

@@ -99,8 +99,6 @@ bool Database::update() {
       fresh->format().saveId[1] == now->format().saveId[1]) {
     return false;
   }
-  // What was not read yet comes from the old file, which must have been read before.
-  model();
   if (!updateSteps(*this, *fresh)) return false;
   storage.setCurrent(std::move(fresh));
   return true;

@@ -83,7 +83,12 @@ void FileReader::begin() {
 }
 
 void FileReader::end() {
-  if (--depth_ > 0 || port::openFilesCanBeReplaced()) return;
+  --depth_;
+  rest();
+}
+
+void FileReader::rest() {
+  if (depth_ > 0 || port::openFilesCanBeReplaced()) return;
   for (Pieces& pieces : pieces_) pieces.open.clear();
   file_.reset();
 }

@@ -14,6 +14,7 @@ Storage::~Storage() {
 }
 
 void Storage::setCurrent(std::unique_ptr<FileReader> reader) {
+  reader->rest();
   current_ = ++lastFile_;
   files_[current_] = std::move(reader);
 }
@@ -54,6 +55,7 @@ void Storage::commitPending(const std::string& target) {
   }
   const int number = pendingFile_;
   auto reader = std::make_unique<FileReader>(target);
+  reader->rest();
   pending_.reset();
   pendingFile_ = 0;
   // References may point at files of earlier saves only as long as those are the current one.

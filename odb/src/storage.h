@@ -149,6 +149,9 @@ class FileReader {
   // Throws odb_Exception for a number outside -1 .. texts - 1.
   odb_String text(std::int64_t number);
 
+  // Closes the file until the next read where open files cannot be replaced.
+  void rest();
+
   // Keeps the file open over several reads.
   class Use {
    public:

@@ -121,17 +121,58 @@ double sumOfSections(odb_Odb& odb) {
   return sum;
 }
 
+double sumOfFields(const odb_Frame& frame) {
+  double sum = 0;
+  odb_FieldOutputRepositoryIT it(frame.fieldOutputs());
+  for (it.first(); !it.isDone(); it.next()) {
+    const odb_FieldOutput& field = it.currentValue();
+    sum += sumOf(field.name()) + sumOf(field.description()) + field.type();
+    sum += field.componentLabels().size() + field.validInvariants().size();
+    const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
+    for (int b = 0; b < blocks.size(); ++b) {
+      const odb_FieldBulkData& block = blocks[b];
+      const int* elements = block.elementLabels();
+      const int* nodes = block.nodeLabels();
+      sum += sumOf(block.instance().name()) + sumOf(block.baseElementType());
+      for (int i = 0; i < block.length(); ++i) {
+        sum += (elements ? elements[i] : 0) + (nodes ? nodes[i] : 0);
+        for (int k = 0; k < block.width(); ++k) {
+          sum += block.precision() == odb_Enum::SINGLE_PRECISION
+                     ? static_cast<double>(block.data()[i * block.width() + k])
+                     : block.dataDouble()[i * block.width() + k];
+        }
+      }
+    }
+  }
+  return sum;
+}
+
+double sumOfHistories(const odb_Step& step) {
+  double sum = 0;
+  odb_HistoryRegionRepositoryIT it(step.historyRegions());
+  for (it.first(); !it.isDone(); it.next()) {
+    const odb_HistoryRegion& region = it.currentValue();
+    sum += sumOf(region.name()) + region.historyPoint().node().label();
+    odb_HistoryOutputRepositoryIT at(region.historyOutputs());
+    for (at.first(); !at.isDone(); at.next()) {
+      sum += sumOf(at.currentValue().data()) + sumOf(at.currentValue().conjugateData());
+    }
+  }
+  return sum;
+}
+
 double sumOfSteps(odb_Odb& odb) {
   double sum = 0;
   odb_StepRepositoryIT it(odb.steps());
   for (it.first(); !it.isDone(); it.next()) {
     const odb_Step& step = it.currentValue();
     sum += sumOf(step.name()) + sumOf(step.procedure()) + step.mass();
+    sum += sumOfHistories(step);
     const odb_SequenceFrame& frames = step.frames();
     for (int i = 0; i < frames.size(); ++i) {
       const odb_Frame& frame = frames[i];
       sum += sumOf(frame.description()) + static_cast<double>(frame.frameValue());
-      sum += sumOf(frame.loadCase().name());
+      sum += sumOf(frame.loadCase().name()) + sumOfFields(frame);
     }
   }
   return sum;

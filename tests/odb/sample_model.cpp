@@ -175,6 +175,26 @@ void addSteps(odb_Odb& odb) {
   odb.Step("After load", "", odb_Enum::FREQUENCY, 1.0, "Load").Frame(1, 10.0f);
 }
 
+void addResults(odb_Odb& odb) {
+  odb_Instance& a = odb.rootAssembly().instances()["A-1"];
+  odb_Step& load = odb.steps()["Load"];
+  const odb_SequenceInt nodes = ints({1, 2, 3, 4});
+  for (int i = 0; i < load.frames().size(); ++i) {
+    const float t = static_cast<float>(i);
+    odb_Frame frame = load.frames(i);
+    frame.FieldOutput("U", "displacement", odb_Enum::VECTOR)
+        .addData(odb_Enum::NODAL, a, nodes, points({{t, 1, 0}, {t, 2, 0}, {t, 3, 0}, {t, 4, 0}}));
+    odb_FieldOutput& stress = frame.FieldOutput("S", "stress", odb_Enum::TENSOR_3D_FULL);
+    stress.addData(odb_Enum::INTEGRATION_POINT, a, ints({7}), points({{t, 2, 3, 4, 5, 6}}));
+    stress.addData(odb_Enum::INTEGRATION_POINT, odb.rootAssembly().instances()["B-1"], ints({7}),
+                   points({{t, 20, 30, 40, 50, 60}}));
+  }
+  odb_HistoryRegion& region =
+      load.HistoryRegion("Node A-1.3", "a node", odb_HistoryPoint(a.getNodeFromLabel(3)));
+  region.HistoryOutput("U1", "displacement", odb_Enum::SCALAR)
+      .addData(points({{0, 0}, {0.5, 1}, {2, 3}}));
+}
+
 void addUserData(odb_Odb& odb) {
   odb_embedded::JobData job;
   job.analysisCode = odb_Enum::ABAQUS_STANDARD;
@@ -212,6 +232,7 @@ odb_Odb& makeSampleModel(const std::string& name, const std::string& path) {
   addParts(odb);
   addAssembly(odb);
   addSteps(odb);
+  addResults(odb);
   addUserData(odb);
   return odb;
 }

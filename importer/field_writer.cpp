@@ -178,6 +178,7 @@ bool FieldWriter::gather(const NodeSources& sources, std::size_t target, const T
                          const Block& block, std::vector<float>& values) {
   const std::size_t first = sources.begin(target), last = sources.end(target);
   const std::size_t nStored = static_cast<std::size_t>(block.result.nStored);
+  if (first == last) return false;
   for (std::size_t i = first; i < last; ++i) {
     if (block.rowOf[static_cast<std::size_t>(sources.nodes[i])] < 0) return false;
   }

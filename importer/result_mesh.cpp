@@ -270,16 +270,17 @@ void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const S
   }
   const Expansion* const expansion = expansionOf(nDeckNodes, frdType);
   if (expansion == nullptr) return;
+  const bool layered = firstLayer_.count(block.labels[at]) != 0;
   for (int i = 0; i < nDeckNodes; ++i) {
     Stand* const s = stand(i);
     if (s == nullptr) continue;
     addOnce(s->mean, node(solids.front(), expansion->bottom[i]));
     addOnce(s->mean, node(solids.back(), expansion->top[i]));
-    for (const std::size_t solid : solids) {
-      addOnce(s->sum, node(solid, expansion->bottom[i]));
-      if (expansion->middle[i] >= 0) addOnce(s->sum, node(solid, expansion->middle[i]));
-      addOnce(s->sum, node(solid, expansion->top[i]));
-    }
+    // Forces on the nodes of layers are not calculated; zeros stand for them.
+    if (layered) continue;
+    addOnce(s->sum, node(solids[0], expansion->bottom[i]));
+    if (expansion->middle[i] >= 0) addOnce(s->sum, node(solids[0], expansion->middle[i]));
+    addOnce(s->sum, node(solids[0], expansion->top[i]));
   }
   const auto section = sectionOf_.find(block.labels[at]);
   const bool sides = hasSides(block) && section != sectionOf_.end();

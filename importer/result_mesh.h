@@ -66,7 +66,7 @@ class ResultMesh {
   ResultMesh(const Scope& mesh, const FrdIndex& index);
 
   // The deck's nodes that have values, ascending, each with the nodes whose mean is its value, and
-  // those whose sum it is where values add up (forces).
+  // those whose sum it is where values add up (forces): none for nodes of composite shells.
   const std::vector<std::int32_t>& nodeLabels() const { return nodeLabels_; }
   const NodeSources& means() const { return means_; }
   const NodeSources& sums() const { return sumsDiffer_ ? sums_ : means_; }

@@ -11,6 +11,7 @@
 #include "results/value_records.h"
 #include "server/record.h"
 #include "server/sdk_adapter.h"
+#include "server/sdk_value_slices.h"
 
 namespace odbs {
 
@@ -20,48 +21,46 @@ namespace {
 constexpr int kPositionAsStored = 3;
 constexpr int kNoSectionPoint = -1;
 
-// The label arrays of a block; each is null where the block has none.
-struct BlockLabels {
-  const int* elements = nullptr;
-  const int* points = nullptr;
-  const int* nodes = nullptr;
-  const odb_Enum::odb_ElementFaceEnum* faces = nullptr;
-  bool nodal = false;
+// Which labels name the values of a block, by its position.
+class ValueKeys {
+ public:
+  explicit ValueKeys(const odb_FieldBulkData& block)
+      : nodal_(block.position() == odb_Enum::NODAL),
+        hasNodes_(block.position() == odb_Enum::ELEMENT_NODAL),
+        hasFaces_(block.position() == odb_Enum::ELEMENT_FACE) {}
 
-  explicit BlockLabels(const odb_FieldBulkData& block)
-      : elements(block.elementLabels()), points(block.integrationPoints()) {
-    const int position = static_cast<int>(block.position());
-    nodal = position == static_cast<int>(odb_Enum::NODAL);
-    if (nodal || position == static_cast<int>(odb_Enum::ELEMENT_NODAL)) nodes = block.nodeLabels();
-    if (position == static_cast<int>(odb_Enum::ELEMENT_FACE)) faces = block.faces();
-  }
-
-  ValueKey keyOf(int i) const {
+  // The key of value `i` of a slice. Nodal values go under their node's label.
+  template <typename Real>
+  ValueKey of(const sdk::ValueSlice<Real>& slice, int i) const {
+    const int* const labels = nodal_ ? slice.nodeLabels : slice.elementLabels;
     ValueKey key;
-    key.elementLabel = nodal ? (nodes ? nodes[i] : -1) : (elements ? elements[i] : -1);
-    key.integrationPoint = points ? points[i] : 0;
-    key.thirdLabel = faces ? static_cast<int>(faces[i]) : (nodes && !nodal ? nodes[i] : -1);
+    key.elementLabel = labels ? labels[i] : -1;
+    key.integrationPoint = slice.integrationPoints ? slice.integrationPoints[i] : 0;
+    key.thirdLabel = -1;
+    if (hasNodes_ && slice.nodeLabels) key.thirdLabel = slice.nodeLabels[i];
+    if (hasFaces_ && slice.faces) key.thirdLabel = static_cast<int>(slice.faces[i]);
     return key;
   }
+
+  // The same keys for a whole slice; not for values at faces.
+  template <typename Real>
+  ValueRun<Real> runOf(const sdk::ValueSlice<Real>& slice, int width) const {
+    ValueRun<Real> run;
+    run.n = slice.n;
+    run.elementLabels = nodal_ ? slice.nodeLabels : slice.elementLabels;
+    run.integrationPoints = slice.integrationPoints;
+    run.thirdLabels = hasNodes_ ? slice.nodeLabels : nullptr;
+    run.components = slice.data;
+    run.width = width;
+    return run;
+  }
+  bool needFaces() const { return hasFaces_; }
+
+ private:
+  bool nodal_;
+  bool hasNodes_;
+  bool hasFaces_;
 };
-
-// The numbers of a block in its own precision.
-template <typename Real>
-struct BlockData {
-  const Real* values = nullptr;
-  const Real* conjugate = nullptr;     // null for a real field
-  const Real* orientations = nullptr;  // null for a block without local systems
-};
-
-BlockData<float> dataOf(const odb_FieldBulkData& block, bool complex, float) {
-  return {block.data(), complex ? block.conjugateData() : nullptr,
-          block.orientationWidth() > 0 ? block.localCoordSystem() : nullptr};
-}
-
-BlockData<double> dataOf(const odb_FieldBulkData& block, bool complex, double) {
-  return {block.dataDouble(), complex ? block.conjugateDataDouble() : nullptr,
-          block.orientationWidth() > 0 ? block.localCoordSystemDouble() : nullptr};
-}
 
 // Step and frame by place, both counted from 0. Throws std::out_of_range.
 odb_Frame frameAt(odb_Odb& odb, int stepIndex, int frameIndex) {
@@ -115,9 +114,9 @@ class FieldWalk {
     const int number = block.sectionPoint().number();
     sendBlockHeader(outputFd_, block.baseElementType().CStr(), sectionPointField(number), number);
     if (block.precision() == odb_Enum::DOUBLE_PRECISION) {
-      sendValues(block, dataOf(block, complex_, 0.0));
+      sendValues<double>(block);
     } else {
-      sendValues(block, dataOf(block, complex_, 0.0F));
+      sendValues<float>(block);
     }
   }
 
@@ -136,24 +135,33 @@ class FieldWalk {
   }
 
   template <typename Real>
-  void sendValues(const odb_FieldBulkData& block, const BlockData<Real>& data) {
-    const BlockLabels labels(block);
-    const int nValues = block.length();
+  void sendValues(const odb_FieldBulkData& block) {
+    const ValueKeys keys(block);
     const int width = block.width();
     const int orientationWidth = block.orientationWidth();
-    const bool directions = request_.sendOrientations && data.orientations &&
-                            orientationWidth >= 1 && orientationWidth <= 4;
+    const bool directions =
+        request_.sendOrientations && orientationWidth >= 1 && orientationWidth <= 4;
     const int number = block.sectionPoint().number();
-    const bool choose = keepsOnePoint() && number != kNoSectionPoint && labels.elements;
+    const bool choose = keepsOnePoint() && number != kNoSectionPoint;
     const SectionPointChoice::Table* const chosen =
         choose ? &choice_.of(block.instance()) : nullptr;
-    for (int i = 0; i < nValues; ++i) {
-      if (chosen && chosen->pointOf(labels.elements[i]) != number) continue;
-      if (directions) sendDirections(data.orientations, i, orientationWidth);
-      const std::ptrdiff_t at = std::ptrdiff_t{i} * width;
-      writer_.send(labels.keyOf(i), data.values + at,
-                   data.conjugate ? data.conjugate + at : nullptr, width);
-    }
+    const bool plain = !directions && !chosen && !complex_ && !keys.needFaces();
+    sdk::forEachValueSlice<Real>(block, complex_, [&](const sdk::ValueSlice<Real>& slice) {
+      if (plain) {
+        writer_.sendRun(keys.runOf(slice, width));
+        return;
+      }
+      const Real* const conjugate = complex_ ? slice.conjugateData : nullptr;
+      for (int i = 0; i < slice.n; ++i) {
+        const ValueKey key = keys.of(slice, i);
+        if (chosen && chosen->pointOf(key.elementLabel) != number) continue;
+        if (directions && slice.localCoordSystem) {
+          sendDirections(slice.localCoordSystem, i, orientationWidth);
+        }
+        const std::ptrdiff_t at = std::ptrdiff_t{i} * width;
+        writer_.send(key, slice.data + at, conjugate ? conjugate + at : nullptr, width);
+      }
+    });
   }
 
   template <typename Real>

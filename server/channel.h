@@ -47,6 +47,13 @@ void flushOutput(int outputFd);
 // empty, or the stream gets out of order. Returns false when not all could be written.
 bool writeDirect(int outputFd, const unsigned char* bytes, std::size_t size);
 
+// The flush rule: whether a record of that payload makes the buffer be written out first. Contract:
+// the two frame bytes are not counted. They and the payload fit all the same, since the buffer is
+// 11 bytes longer than the threshold.
+constexpr bool isFlushDue(std::uint32_t fill, std::uint32_t payloadBytes) {
+  return fill + payloadBytes >= kFlushThreshold;
+}
+
 // The fast way to append a record: writes the output buffer out first when the record would bring
 // it to the threshold, puts the two length bytes, and returns the place of the payload. The caller
 // must fill all `payloadBytes` (1 to kMaxPayload) before the next call on the channel.
@@ -56,9 +63,7 @@ bool writeDirect(int outputFd, const unsigned char* bytes, std::size_t size);
 //   putU32(p + 1, label);
 inline unsigned char* reserveRecord(int outputFd, std::uint32_t payloadBytes) {
   assert(payloadBytes >= 1 && payloadBytes <= kMaxPayload);
-  // Contract: the two frame bytes are not counted. They and the payload fit all the same, since
-  // the buffer is 11 bytes longer than the threshold.
-  if (outputBuffer.fill + payloadBytes >= kFlushThreshold) flushOutput(outputFd);
+  if (isFlushDue(outputBuffer.fill, payloadBytes)) flushOutput(outputFd);
   unsigned char* frame = outputBuffer.bytes + outputBuffer.fill;
   putU16(frame, static_cast<std::uint16_t>(payloadBytes));
   outputBuffer.fill += payloadBytes + 2;
@@ -77,7 +82,7 @@ struct ReservedRecords {
 // the channel, and come again for the rest.
 inline ReservedRecords reserveRecords(int outputFd, std::uint32_t payloadBytes, int n) {
   assert(payloadBytes >= 1 && payloadBytes <= kMaxPayload && n > 0);
-  if (outputBuffer.fill + payloadBytes >= kFlushThreshold) flushOutput(outputFd);
+  if (isFlushDue(outputBuffer.fill, payloadBytes)) flushOutput(outputFd);
   const std::uint32_t nFitting =
       (kFlushThreshold - 1 - outputBuffer.fill - payloadBytes) / (payloadBytes + 2) + 1;
   const std::uint32_t nReserved = std::min(nFitting, static_cast<std::uint32_t>(n));
@@ -85,5 +90,32 @@ inline ReservedRecords reserveRecords(int outputFd, std::uint32_t payloadBytes, 
   outputBuffer.fill += nReserved * (payloadBytes + 2);
   return {frames, static_cast<int>(nReserved)};
 }
+
+// reserveRecord for loops that append millions of records of different sizes: keeps the fill in a
+// register. While one lives, nothing else may touch the channel.
+class RecordCursor {
+ public:
+  explicit RecordCursor(int outputFd) : outputFd_(outputFd), fill_(outputBuffer.fill) {}
+  ~RecordCursor() { outputBuffer.fill = fill_; }
+  RecordCursor(const RecordCursor&) = delete;
+  RecordCursor& operator=(const RecordCursor&) = delete;
+
+  // As the function of that name.
+  unsigned char* reserveRecord(std::uint32_t payloadBytes) {
+    if (isFlushDue(fill_, payloadBytes)) {
+      outputBuffer.fill = fill_;
+      flushOutput(outputFd_);
+      fill_ = 0;
+    }
+    unsigned char* frame = outputBuffer.bytes + fill_;
+    putU16(frame, static_cast<std::uint16_t>(payloadBytes));
+    fill_ += payloadBytes + 2;
+    return frame + 2;
+  }
+
+ private:
+  int outputFd_;
+  std::uint32_t fill_;
+};
 
 }  // namespace odbs

@@ -52,21 +52,25 @@ StoredArray<Real>& storedArray(FieldBlock& block, Part part) {
   return part == Part::kConjugate ? arrays.conjugate : arrays.orientation;
 }
 
+// Numbers [first, first + n) of a part: copied from memory where they are there, else read.
 template <class Real>
-void readPart(FieldBlock& block, Part part, std::size_t first, std::size_t n, double* out) {
+void readNumbers(FieldBlock& block, Part part, std::size_t first, std::size_t n, Real* out) {
   StoredArray<Real>& array = storedArray<Real>(block, part);
   if (array.loaded() || block.compute) {
-    const Real* from = blockArray<Real>(block, part) + first;
-    std::copy(from, from + n, out);
+    std::copy_n(blockArray<Real>(block, part) + first, n, out);
     return;
   }
-  Storage& storage = block.database->storage;
-  const auto place = static_cast<std::int64_t>(first), count = static_cast<std::int64_t>(n);
+  block.database->storage.read(kindOf<Real>(), array.ref(), static_cast<std::int64_t>(first),
+                               static_cast<std::int64_t>(n), out);
+}
+
+template <class Real>
+void readPart(FieldBlock& block, Part part, std::size_t first, std::size_t n, double* out) {
   if constexpr (std::is_same_v<Real, double>) {
-    storage.read(kindOf<Real>(), array.ref(), place, count, out);
+    readNumbers(block, part, first, n, out);
   } else {
     Buffer<Real> numbers(n);
-    storage.read(kindOf<Real>(), array.ref(), place, count, numbers.data());
+    readNumbers(block, part, first, n, numbers.data());
     std::copy(numbers.begin(), numbers.end(), out);
   }
 }
@@ -220,6 +224,15 @@ void readValues(FieldBlock& block, Part part, int first, int n, double* out) {
     readPart<float>(block, part, from, count, out);
   }
 }
+
+template <class Real>
+void readOwnValues(FieldBlock& block, Part part, int first, int n, Real* out) {
+  const auto width = static_cast<std::size_t>(partWidth(block, part));
+  readNumbers(block, part, static_cast<std::size_t>(first) * width,
+              static_cast<std::size_t>(n) * width, out);
+}
+template void readOwnValues<float>(FieldBlock&, Part, int, int, float*);
+template void readOwnValues<double>(FieldBlock&, Part, int, int, double*);
 
 void dropArrays(FieldBlock& block) {
   dropAll<float>(block);

@@ -133,6 +133,9 @@ template <class Real>
 Real* blockArray(FieldBlock& block, Part part);
 // The same in double precision, whatever the block's, for values [first, first + n).
 void readValues(FieldBlock& block, Part part, int first, int n, double* out);
+// The same in the block's own precision, which must be Real, without keeping the rest in memory.
+template <class Real>
+void readOwnValues(FieldBlock& block, Part part, int first, int n, Real* out);
 // Numbers per value of a part: the width, or 4.
 int partWidth(const FieldBlock& block, Part part);
 bool hasPart(const FieldBlock& block, Part part);

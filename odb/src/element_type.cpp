@@ -25,6 +25,8 @@ const Family kFamilies[] = {
     {"AC3D", Group::Solid},
     {"Q3D", Group::Solid},
     {"EMC3D", Group::Solid},
+    {"CSS", Group::Solid},
+    {"EC3D", Group::Solid},
     {"CPE", Group::Planar},
     {"CPS", Group::Planar},
     {"CPEG", Group::Planar},

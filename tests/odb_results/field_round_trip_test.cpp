@@ -304,6 +304,41 @@ TEST_F(FieldRoundTrip, SavedDatabasesTakeMoreFramesAndSavesAgain) {
   EXPECT_FLOAT_EQ(field("V", 2).values(1).data()[2], 45);
 }
 
+TEST_F(FieldRoundTrip, UpdatedDatabasesShowNewFramesAndKeepOldValues) {
+  const auto add = [&](float start) {
+    addFrame()
+        .FieldOutput("U", "", E::VECTOR)
+        .addData(E::NODAL, model_.instance(), ints({1, 2}), counted(2, 3, start));
+  };
+  add(0);
+  add(10);
+  model_.reopen(false);
+  odb_Odb& reader = openOdb("reader", model_.path.c_str(), true);
+  odb_Step& step = reader.steps()["Step-1"];
+  const odb_FieldOutput before = step.frames(0).fieldOutputs()["U"];
+  EXPECT_FALSE(reader.update());
+  add(20);
+  model_.odb->save();
+  ASSERT_TRUE(reader.update());
+  ASSERT_EQ(step.frames().size(), 3);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_FLOAT_EQ(step.frames(i).fieldOutputs()["U"].values(1).data()[0],
+                    static_cast<float>(10 * i + 3));
+  }
+  EXPECT_EQ(before.values().size(), 2);
+  reader.close();
+}
+
+TEST_F(FieldRoundTrip, CompressedDatabasesKeepTheirFields) {
+  odb_embedded::setCompression(*model_.odb, true);
+  addFrame()
+      .FieldOutput("S", "Stress", E::TENSOR_3D_FULL)
+      .addData(E::INTEGRATION_POINT, model_.instance(), ints({10, 20, 30}), counted(18, 6));
+  model_.reopen();
+  EXPECT_FLOAT_EQ(field("S").values(17).data()[5], 107);
+  EXPECT_EQ(field("S").getSubset(E::ELEMENT_NODAL).values().size(), 22);
+}
+
 TEST_F(FieldRoundTrip, UpgradedDatabasesKeepTheirFields) {
   addFrame()
       .FieldOutput("S", "Stress", E::TENSOR_3D_FULL)

@@ -15,7 +15,8 @@ void throwEmptyHandle() {
 }
 
 void throwBadIndex(int index, int n) {
-  engine::failUsage("index " + std::to_string(index) + " is outside 0.." + std::to_string(n - 1));
+  engine::failUsage("index " + std::to_string(index) + " in a sequence of " + std::to_string(n) +
+                    " items");
 }
 
 void throwNoMember(const odb_String& key) {

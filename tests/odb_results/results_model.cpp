@@ -117,7 +117,7 @@ odb_SectionPoint ResultsModel::point(int number) {
 }
 
 void ResultsModel::reopen(bool readOnly) {
-  odb->save();
+  if (!odb->isReadOnly()) odb->save();
   odb->close();
   odb = &openOdb(odb_String(path.c_str()), readOnly);
 }

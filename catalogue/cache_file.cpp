@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <vector>
 
 #include "base/text.h"
 #include "server/shutdown.h"
@@ -20,8 +21,8 @@ namespace {
 constexpr char kVersion[] = "1.0";
 constexpr char kLastFrameMark[] = "1.0";
 constexpr char kEveryFrameMark[] = "1.0A";
-constexpr int kFirstLineBytes = 100;
-constexpr int kLineBytesOnDisk = 10000;
+constexpr std::size_t kFirstLineBytes = 100;
+constexpr std::size_t kLineBytesOnDisk = 10000;
 constexpr std::size_t kPendingBytes = 1u << 16;
 constexpr std::size_t kLongestText =
     kLineBytesOnDisk - 2;  // with its line feed and the reader's NUL
@@ -44,20 +45,21 @@ std::string asLine(const std::string& text) {
   return line;
 }
 
-std::string fromLine(std::string line) {
-  for (char& c : line) {
+void restoreLineBreaks(std::string& text) {
+  for (char& c : text) {
     if (c == kStandInForLineFeed) c = '\n';
     if (c == kStandInForReturn) c = '\r';
   }
-  return line;
 }
 
 // The lines of a cache. Every take function returns false when there is no further line, at the end
-// of the file or where it is damaged.
+// of the file or where it is damaged. A listing has millions of lines, and neighbouring entries
+// repeat most of their numbers: bytes are inflated in large pieces, and a real is parsed once as
+// long as its text stays the same.
 class CacheReader {
  public:
   explicit CacheReader(const std::string& path) : stream_(gzopen(path.c_str(), "rb")) {
-    if (stream_) gzbuffer(stream_, 1u << 17);
+    if (stream_) gzbuffer(stream_, kInflateBytes);
   }
   ~CacheReader() { close(); }
   CacheReader(const CacheReader&) = delete;
@@ -71,36 +73,89 @@ class CacheReader {
 
   // The first line, with its carriage return.
   bool takeFirstLine(std::string& line) {
-    if (!gzgets(stream_, buffer_, kFirstLineBytes)) return false;
-    line = buffer_;
+    std::string_view text;
+    if (!takeRaw(kFirstLineBytes - 1, text)) return false;
+    line = text;
     return true;
   }
-  // A further line, cut at its first carriage return or line feed.
-  bool take(std::string& line) {
-    if (!gzgets(stream_, buffer_, kLineBytesOnDisk)) return false;
-    line.assign(buffer_, std::strcspn(buffer_, "\r\n"));
+  // A further line, cut at its first carriage return or line feed. The view is valid until the next
+  // take.
+  bool take(std::string_view& line) {
+    if (!takeRaw(kLineBytesOnDisk - 1, line)) return false;
+    if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
+    line = line.substr(0, line.find('\r'));
     return true;
   }
   bool takeText(std::string& text) {
-    if (!take(text)) return false;
-    text = fromLine(std::move(text));
+    std::string_view line;
+    if (!take(line)) return false;
+    text = line;
+    restoreLineBreaks(text);
     return true;
   }
   bool take(int& value) {
-    if (!take(line_)) return false;
-    value = toIntOrZero(line_);
+    std::string_view line;
+    if (!take(line)) return false;
+    value = toIntOrZero(line);
     return true;
   }
   bool take(double& value) {
-    if (!take(line_)) return false;
-    value = std::strtod(line_.c_str(), nullptr);
+    std::string_view line;
+    if (!take(line)) return false;
+    Real& slot = reals_[nReals_++ % std::size(reals_)];
+    if (slot.text != line) {
+      slot.text = line;
+      slot.value = std::strtod(slot.text.c_str(), nullptr);
+    }
+    value = slot.value;
     return true;
   }
 
  private:
+  static constexpr unsigned kInflateBytes = 1u << 17;
+  static constexpr std::size_t kPieceBytes = 1u << 18;
+
+  // An entry holds three reals, so that each is met again three reals later.
+  struct Real {
+    std::string text;
+    double value = 0;
+  };
+
+  // At most `limit` bytes up to and with a line feed: what fits a reader's buffer of one byte more.
+  bool takeRaw(std::size_t limit, std::string_view& line) {
+    for (;;) {
+      const std::size_t n = std::min(limit, end_ - at_);
+      const void* feed = n > 0 ? std::memchr(bytes_.data() + at_, '\n', n) : nullptr;
+      if (feed || n == limit || (atEnd_ && n > 0)) {
+        const char* const first = bytes_.data() + at_;
+        const std::size_t length =
+            feed ? static_cast<std::size_t>(static_cast<const char*>(feed) - first) + 1 : n;
+        line = {first, length};
+        at_ += length;
+        return true;
+      }
+      if (atEnd_) return false;
+      refill();
+    }
+  }
+
+  void refill() {
+    std::copy(bytes_.begin() + static_cast<std::ptrdiff_t>(at_),
+              bytes_.begin() + static_cast<std::ptrdiff_t>(end_), bytes_.begin());
+    end_ -= at_;
+    at_ = 0;
+    const int n = gzread(stream_, bytes_.data() + end_, static_cast<unsigned>(kPieceBytes));
+    if (n > 0) end_ += static_cast<std::size_t>(n);
+    atEnd_ = n <= 0;
+  }
+
   gzFile stream_;
-  std::string line_;
-  char buffer_[kLineBytesOnDisk];
+  std::vector<char> bytes_ = std::vector<char>(kPieceBytes + kLineBytesOnDisk);
+  std::size_t at_ = 0;
+  std::size_t end_ = 0;
+  bool atEnd_ = false;
+  Real reals_[3];
+  std::size_t nReals_ = 0;
 };
 
 std::string upToLineEnd(const std::string& text) {
@@ -152,17 +207,18 @@ bool replayEntry(CacheReader& reader, CatalogueEntry& entry, CatalogueListing li
 
 // Replays what follows the header. Returns false when the file turns out to be stale.
 bool replayBody(CacheReader& reader, CatalogueListing listing, int outputFd) {
-  std::string text;
+  std::string title;
   int number = 0;
-  if (!reader.takeText(text)) return true;
-  sendTitle(outputFd, text);
+  if (!reader.takeText(title)) return true;
+  sendTitle(outputFd, title);
   if (!reader.take(number)) return true;
   sendAnalysisKind(outputFd, number);
   CatalogueEntry entry;
   entry.classification.resize(static_cast<std::size_t>(classificationCount(listing)));
+  std::string_view text;
   for (bool first = true; reader.take(text); first = false) {
     // Contract: looked at in the first entry only.
-    if (first && text.find('.') != std::string::npos) return false;
+    if (first && text.find('.') != std::string_view::npos) return false;
     entry.stepNumber = toIntOrZero(text);
     if (!replayEntry(reader, entry, listing, outputFd)) break;
   }
@@ -172,13 +228,14 @@ bool replayBody(CacheReader& reader, CatalogueListing listing, int outputFd) {
 enum class Header { kFits, kStale, kCutShort };
 
 Header checkHeader(CacheReader& reader, const CacheKey& key) {
-  std::string line;
-  if (!reader.takeFirstLine(line)) return Header::kCutShort;
-  if (!markFits(line, key.everyFrame)) return Header::kStale;
-  if (!reader.take(line) || !reader.take(line)) return Header::kCutShort;
-  const long long time = std::strtoll(line.c_str(), nullptr, 10);
+  std::string mark;
+  if (!reader.takeFirstLine(mark)) return Header::kCutShort;
+  if (!markFits(mark, key.everyFrame)) return Header::kStale;
+  std::string_view path, line;
+  if (!reader.take(path) || !reader.take(line)) return Header::kCutShort;
+  const long long time = std::strtoll(std::string(line).c_str(), nullptr, 10);
   if (!reader.take(line)) return Header::kCutShort;
-  const long long size = std::strtoll(line.c_str(), nullptr, 10);
+  const long long size = std::strtoll(std::string(line).c_str(), nullptr, 10);
   return time == key.databaseStatus.modificationTime &&
                  size == sizeIn32Bits(key.databaseStatus.size)
              ? Header::kFits

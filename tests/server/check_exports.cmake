@@ -12,10 +12,11 @@ if(WINDOWS)
 else()
   execute_process(COMMAND ${NM} -D --defined-only ${PROGRAM} OUTPUT_VARIABLE listing
                   COMMAND_ERROR_IS_FATAL ANY)
-  # A name with a version belongs to a shared library whose variable the program holds a copy of.
+  # A name with a version belongs to a shared library whose variable the program holds a copy of. The
+  # sanitizers' run-time libraries export names of theirs.
   string(REGEX MATCHALL "[^ \n]+\n" lines "${listing}")
   list(TRANSFORM lines STRIP)
-  list(FILTER lines EXCLUDE REGEX "@")
+  list(FILTER lines EXCLUDE REGEX "@|^__(asan|ubsan)_")
 endif()
 list(SORT lines)
 if(NOT lines STREQUAL expected)

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "model/instance_names.h"
 #include "model/materials.h"
 #include "model/mesh.h"
 #include "model/put.h"
 #include "model/rigid_bodies.h"
 #include "model/sections.h"
+#include "registry/instance_names.h"
 #include "server/entity_records.h"
 #include "server/record.h"
 #include "server/sdk_adapter.h"

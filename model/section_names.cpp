@@ -10,10 +10,6 @@ namespace odbs {
 
 namespace {
 
-constexpr std::string_view kSectionPrefix = "Section-";
-constexpr std::string_view kElementSetMark = "< elset = ";
-constexpr std::string_view kConnectorCategory = "connector";
-
 // The number that a section's name asks for, 0 when it asks for none.
 std::int32_t ownNumber(std::string_view fullName) {
   const std::string_view name = sentSectionName(fullName);
@@ -22,22 +18,6 @@ std::int32_t ownNumber(std::string_view fullName) {
 }
 
 }  // namespace
-
-std::string_view sentSectionName(std::string_view name) {
-  if (name.size() > kSectionPrefix.size() && startsWith(name, kSectionPrefix)) {
-    name.remove_prefix(kSectionPrefix.size());
-  }
-  return name;
-}
-
-std::optional<std::string> sectionNameOfCategory(std::string_view categoryName) {
-  const std::size_t mark = categoryName.find(kElementSetMark);
-  if (mark == std::string_view::npos) return std::nullopt;
-  std::string name(startsWith(categoryName, kConnectorCategory) ? "" : kSectionPrefix);
-  name += categoryName.substr(mark + kElementSetMark.size());
-  // Contract: cut at the first blank, also for a set whose own name holds blanks.
-  return name.substr(0, name.find(' '));
-}
 
 SectionNumbers numberSections(const std::vector<std::string>& names) {
   SectionNumbers numbers;

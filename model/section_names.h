@@ -6,13 +6,13 @@
 
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <odb_API.h>
 #include <odb_SectionTypes.h>
+
+#include "registry/category_names.h"
 
 namespace odbs {
 
@@ -21,14 +21,6 @@ using SectionNumbers = std::map<std::string, std::int32_t>;
 
 // Full section name -> the section category that names it.
 using SectionCategories = std::map<std::string, odb_SectionCategory>;
-
-// `name` without a leading "Section-", unless nothing would be left of it. A view into `name`.
-std::string_view sentSectionName(std::string_view name);
-
-// The full section name that a category such as "solid < elset = PLATE >" stands for:
-// "Section-PLATE", or "PLATE" alone when the category name starts with "connector". Nothing when
-// the category names no element set.
-std::optional<std::string> sectionNameOfCategory(std::string_view categoryName);
 
 // Numbers the sections named `names`, given in container order. "Section-P7" and "p7" ask for 7,
 // and get it when they are the first to ask; the others get the smallest free positive numbers in

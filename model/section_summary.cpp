@@ -2,13 +2,13 @@
 // The records of the section summary of model/section_summary.h.
 #include "model/section_summary.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
-#include "model/instance_names.h"
 #include "model/put.h"
 #include "model/section_names.h"
+#include "registry/instance_names.h"
+#include "registry/section_elements.h"
 #include "server/entity_records.h"
 #include "server/record.h"
 #include "server/sdk_adapter.h"
@@ -50,37 +50,6 @@ void sendSummary(const odb_Section& section, const std::string& name, const Sect
   appendRecord(outputFd);
 }
 
-// Adds the elements of the assignments of a section, `labelsOf` giving those of one region.
-template <typename Assignments, typename ElementsOf>
-void collectLabels(const Assignments& assignments, const std::string& sectionName,
-                   ElementsOf elementsOf, std::vector<int>& labels) {
-  for (int i = 0; i < assignments.size(); ++i) {
-    odb_SectionAssignment assignment = assignments[i];
-    if (sectionName != assignment.sectionName().CStr()) continue;
-    const odb_Set region = assignment.region();
-    const odb_SequenceElement& elements = elementsOf(region);
-    for (int k = 0; k < elements.size(); ++k) labels.push_back(elements[k].label());
-  }
-}
-
-// The labels of an instance's elements that have the section, ascending, each once.
-std::vector<int> labelsOf(odb_Assembly& assembly, const odb_Instance& instance,
-                          const std::string& sectionName) {
-  std::vector<int> labels;
-  const odb_String name = instance.name();
-  const auto own = [](const odb_Set& region) -> const odb_SequenceElement& {
-    return region.elements();
-  };
-  const auto within = [&](const odb_Set& region) -> const odb_SequenceElement& {
-    return region.elements(name);
-  };
-  collectLabels(instance.sectionAssignments(), sectionName, own, labels);
-  collectLabels(assembly.sectionAssignments(), sectionName, within, labels);
-  std::sort(labels.begin(), labels.end());
-  labels.erase(std::unique(labels.begin(), labels.end()), labels.end());
-  return labels;
-}
-
 void sendRegions(odb_Assembly& assembly, const std::vector<std::string>& sectionNames,
                  int outputFd) {
   const std::vector<std::string> instanceNames = sortedInstanceNames(assembly);
@@ -89,7 +58,7 @@ void sendRegions(odb_Assembly& assembly, const std::vector<std::string>& section
     const odb_Instance& instance = assembly.instances()[instanceName.c_str()];
     if (grouped) sendNameRecord(outputFd, instanceName);
     for (const std::string& name : sectionNames) {
-      const std::vector<int> labels = labelsOf(assembly, instance, name);
+      const std::vector<int> labels = elementsOfSection(assembly, instance, name);
       if (labels.empty()) continue;
       sendTextRecord(outputFd, kElementSetTag, sentSectionName(name));
       sendElementLabels(outputFd, labels.data(), static_cast<int>(labels.size()));

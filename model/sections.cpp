@@ -27,8 +27,6 @@ constexpr std::int32_t kMembraneCode = -9;
 constexpr std::int32_t kGasketCode = -10;
 constexpr std::int32_t kCohesiveCode = -11;
 
-constexpr std::string_view kLayerMark = "Layer =";
-
 // ---- Composite layers ----
 
 // Consecutive section points of one layer.
@@ -36,14 +34,6 @@ struct LayerRun {
   int layer;  // 1 .. number of layers
   std::uint32_t nPoints;
 };
-
-// The layer that a section point's description names, 0 when it names none of 1 .. nLayers.
-int layerOfPoint(std::string_view description, int nLayers) {
-  const std::size_t mark = description.find(kLayerMark);
-  if (mark == std::string_view::npos) return 0;
-  const int layer = toIntOrZero(description.substr(mark + kLayerMark.size()));
-  return layer >= 1 && layer <= nLayers ? layer : 0;
-}
 
 std::vector<LayerRun> layerRuns(const odb_SequenceSectionPoint& points, int nLayers) {
   std::vector<LayerRun> runs;

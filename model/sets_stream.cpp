@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "model/instance_names.h"
 #include "model/model_stream.h"
 #include "model/put.h"
+#include "registry/instance_names.h"
 #include "server/entity_records.h"
 #include "server/record.h"
 #include "server/sdk_adapter.h"

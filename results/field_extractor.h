@@ -20,8 +20,9 @@ enum class Extraction {
 struct FieldRequest {
   const Selection* selection = nullptr;  // step, frame, variable, position; must outlive the call
   Extraction extraction = Extraction::kPicked;
-  int pick1 = -1, pick2 = -1;     // section-point numbers
-  bool sendOrientations = false;  // local directions before each value that has them
+  int pick1 = -1, pick2 = -1;              // section-point numbers
+  bool sendOrientations = false;           // local directions before each value that has them
+  const SelectionSet* selected = nullptr;  // restricts the values; null: all; must outlive the call
 };
 
 // Sends title and analysis kind, then the values. A step number below 1 and a variable that the

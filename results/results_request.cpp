@@ -8,7 +8,9 @@
 
 #include "base/text.h"
 #include "registry/open_database.h"
+#include "results/block_writer.h"
 #include "results/field_extractor.h"
+#include "results/pair_extractor.h"
 #include "server/server_state.h"
 
 namespace odbs {
@@ -111,12 +113,21 @@ void runResultsRequest(const char* line, int outputFd) {
 
   if (lower == 'n' || lower == 'g') {
     const PairRequest pair = parsePairRequest(arguments, lower == 'n');
-    if (pair.valid) open(pair.path, outputFd);
+    if (!pair.valid) return;
+    PairExtraction extraction;
+    extraction.selection = &serverState.selection;
+    extraction.first = pair.first;
+    extraction.second = pair.second;
+    extraction.byName = lower == 'n';
+    extraction.sendOrientations = upperCase;
+    extraction.selected = appliedSelection(serverState);
+    extractPair(open(pair.path, outputFd), outputFd, extraction);
     return;
   }
   FieldRequest request;
   request.selection = &serverState.selection;
   request.sendOrientations = upperCase;
+  request.selected = appliedSelection(serverState);
   if (lower == 'l') {
     const PickRequest picks = parsePickRequest(text.size() > 2 ? line + 2 : "");
     if (!picks.valid) return;

@@ -6,14 +6,9 @@
 #include <string>
 #include <string_view>
 
-namespace odbs {
+#include "results/pair_extractor.h"
 
-// One item of the pair forms, such as "PLY-1.OUTER" or "3.2".
-struct PairItem {
-  std::string name;  // `n` form: the text up to the section-point suffix, at most 199 bytes
-  int number = 0;    // `g` form: the absolute value of the integer at its start
-  int code = 0;      // -1 inner, -2 outer, -3 minimum or maximum, N the N-th point, 0 the middle
-};
+namespace odbs {
 
 // Splits an item into its name or number and its section-point code. `byName` tells the form.
 PairItem parsePairItem(std::string_view item, bool byName);

@@ -7,7 +7,8 @@
 
 #include <map>
 #include <string>
-#include <vector>
+
+#include "registry/label_table.h"
 
 namespace odbs {
 
@@ -18,23 +19,13 @@ class SectionPointChoice {
   // `top`: the last point of the category, else the first.
   explicit SectionPointChoice(bool top) : top_(top) {}
 
-  // A table for the elements of `instance`; valid until the next call.
-  class Table {
-   public:
-    // The chosen point's number, or -1 for an element that is unknown or has no section points.
-    int pointOf(int elementLabel) const;
-
-   private:
-    friend class SectionPointChoice;
-    int firstLabel_ = 0;
-    std::vector<int> byLabel_;   // dense over the labels, where their range allows
-    std::map<int, int> sparse_;  // otherwise
-  };
-  const Table& of(const odb_Instance& instance);
+  // The chosen point's number for each element of `instance`, -1 for an element that is unknown or
+  // has no section points.
+  const LabelTable& of(const odb_Instance& instance);
 
  private:
   bool top_;
-  std::map<std::string, Table> tables_;
+  std::map<std::string, LabelTable> tables_;
 };
 
 }  // namespace odbs

@@ -13,9 +13,9 @@ import re
 import sys
 
 # Files of server/ that form its core; every other file there belongs to the shell above all layers.
-SERVER_CORE = {"allocation", "channel", "entity_records", "field_scanner", "label_chunks", "record",
-               "sdk_adapter", "sdk_embedded", "sdk_mesh_runs", "sdk_vendor", "server_state",
-               "shutdown"}
+SERVER_CORE = {"allocation", "channel", "entity_records", "field_scanner", "label_chunks", "label_set", "record",
+               "sdk_adapter", "sdk_embedded", "sdk_mesh_runs", "sdk_vendor", "selection_set",
+               "server_state", "shutdown"}
 
 # Who may include whose headers. Units of one layer never include each other.
 MAY_INCLUDE = {

@@ -12,6 +12,7 @@
 #include "model/model_stream.h"
 #include "model/section_summary.h"
 #include "model/sets_stream.h"
+#include "regions/region_queries.h"
 #include "registry/database_commands.h"
 #include "registry/open_database.h"
 #include "results/results_request.h"
@@ -88,7 +89,8 @@ void sendHistoryValues(Call& call) {
 }
 
 void resolveRegions(Call& call) {
-  open(call);
+  answerRegionRequests(open(call), call.outputFd, serverState.regionRequests,
+                       serverState.regionSelection);
   // Contract: kept when anything above failed.
   serverState.regionRequests.clear();
 }
@@ -96,6 +98,7 @@ void resolveRegions(Call& call) {
 void sendRegionSets(Call& call) {
   odb_Odb& odb = open(call);
   setDatabaseFlag(odb, isSet(call.at(4)));
+  sendRegionsAsSets(odb, call.outputFd, serverState.regionRequests);
 }
 
 void sendSectionSummary(Call& call) {

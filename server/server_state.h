@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "server/selection_set.h"
+
 namespace odbs {
 
 // Which result the parent asks for. Set by `D` and `d`; read by the results request.
@@ -57,7 +59,8 @@ struct ServerState {
   ModeStressCache modeStress;
   CatalogueMode catalogueMode = CatalogueMode::kLastFrame;
   std::vector<RegionRequest> regionRequests;
-  int verbosity = -1;  // set by `v`: -1 or 1; nothing reads it
+  SelectionSet regionSelection;  // replaced by `irf`; read by the results requests after `D`
+  int verbosity = -1;            // set by `v`: -1 or 1; nothing reads it
 };
 inline ServerState serverState;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The instances of an assembly in the order in which every model reply goes through them.
+// The instances of an assembly in the order in which every reply goes through them.
 #pragma once
 
 #include <odb_API.h>

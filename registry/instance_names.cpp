@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Instance names in stream order.
-#include "model/instance_names.h"
+#include "registry/instance_names.h"
 
 #include <algorithm>
 

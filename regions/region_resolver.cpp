@@ -1,0 +1,248 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Regions by kind and name.
+#include "regions/region_resolver.h"
+
+#include <odb_SectionTypes.h>
+
+#include <algorithm>
+#include <set>
+
+#include "registry/category_names.h"
+#include "registry/instance_names.h"
+#include "registry/section_elements.h"
+#include "registry/section_layups.h"
+#include "registry/section_materials.h"
+#include "server/label_set.h"
+#include "server/sdk_mesh_runs.h"
+
+namespace odbs {
+
+namespace {
+
+// Takes labels in order, each once.
+class OrderedLabels {
+ public:
+  explicit OrderedLabels(std::vector<int>& labels) : labels_(labels) {}
+  void add(int label) {
+    if (known_.add(label)) labels_.push_back(label);
+  }
+
+ private:
+  std::vector<int>& labels_;
+  LabelSet known_;
+};
+
+// A region's name and the instances it is looked for in.
+struct Scope {
+  std::vector<std::string> instances;
+  std::string name;
+};
+
+class Resolver {
+ public:
+  Resolver(odb_Odb& odb, const RegionRequest& request)
+      : odb_(odb),
+        assembly_(odb.rootAssembly()),
+        kind_(static_cast<RegionKind>(request.kind)),
+        value_(request.value) {}
+
+  // False when nothing in the scope has the name; the region then has empty shares.
+  bool resolve(const Scope& scope, Region& region) {
+    region = {};
+    bool found = false;
+    const std::vector<std::string> sections = sectionsOf(scope.name);
+    for (const std::string& instanceName : scope.instances) {
+      const odb_Instance& instance = assembly_.instances()[instanceName.c_str()];
+      region.shares.emplace_back();
+      RegionShare& share = region.shares.back();
+      share.instance = instanceName;
+      found |= takeShare(instance, scope.name, sections, share);
+    }
+    if (kind_ == RegionKind::kSection && value_ > 0) region.points = {value_};
+    if (isOneLayer()) region.points = pointsOfLayer(sections);
+    return found;
+  }
+
+ private:
+  bool takeShare(const odb_Instance& instance, const std::string& name,
+                 const std::vector<std::string>& sections, RegionShare& share) {
+    switch (kind_) {
+      case RegionKind::kElementSet:
+        return takeSets(assembly_.elementSets(), instance.elementSets(), name, share);
+      case RegionKind::kNodeSet:
+        return takeSets(assembly_.nodeSets(), instance.nodeSets(), name, share);
+      case RegionKind::kSurface:
+        return takeSets(assembly_.surfaces(), instance.surfaces(), name, share);
+      case RegionKind::kInstance:
+        if (share.instance != name) return false;
+        return takeElements(instance, share, [](const sdk::ElementRun&) { return true; });
+      case RegionKind::kElementType:
+        return takeElements(instance, share, [&](const sdk::ElementRun& run) {
+          return name == run.first.type().CStr();
+        });
+      default:
+        return takeSections(instance, sections, share);
+    }
+  }
+
+  // The assembly's set of that name, as far as it lies in the instance, and the instance's own.
+  bool takeSets(const odb_SetRepository& ofAssembly, const odb_SetRepository& ofInstance,
+                const std::string& name, RegionShare& share) {
+    bool found = false;
+    OrderedLabels elements(share.elements);
+    OrderedLabels nodes(share.nodes);
+    for (const odb_SetRepository* sets : {&ofAssembly, &ofInstance}) {
+      if (!sets->isMember(name.c_str())) continue;
+      found = true;
+      const odb_Set set = (*sets)[name.c_str()];
+      const odb_String instance(share.instance.c_str());
+      if (kind_ == RegionKind::kSurface) {
+        takeSurface(set, instance, share, nodes);
+      } else if (kind_ == RegionKind::kElementSet) {
+        takeLabels(set.elements(instance), elements);
+      } else {
+        takeLabels(set.nodes(instance), nodes);
+      }
+    }
+    return found;
+  }
+
+  template <typename Members>
+  static void takeLabels(const Members& members, OrderedLabels& labels) {
+    const int n = members.size();
+    for (int i = 0; i < n; ++i) labels.add(members[i].label());
+  }
+
+  static void takeSurface(const odb_Set& set, const odb_String& instance, RegionShare& share,
+                          OrderedLabels& nodes) {
+    const odb_SequenceElement& elements = set.elements(instance);
+    const odb_SequenceElementFace& faces = set.faces(instance);
+    const int n = std::min(elements.size(), faces.size());
+    for (int i = 0; i < n; ++i) {
+      share.elements.push_back(elements[i].label());
+      share.faces.push_back(static_cast<int>(faces[i]));
+    }
+    if (elements.size() == 0) takeLabels(set.nodes(instance), nodes);
+  }
+
+  template <typename IsMeant>
+  static bool takeElements(const odb_Instance& instance, RegionShare& share, IsMeant isMeant) {
+    sdk::forEachElementRun(instance.elements(), [&](const sdk::ElementRun& run) {
+      if (isMeant(run)) {
+        share.elements.insert(share.elements.end(), run.labels, run.labels + run.n);
+      }
+    });
+    return !share.elements.empty();
+  }
+
+  // Elements by section assignment; by section category for a section that is assigned nowhere.
+  bool takeSections(const odb_Instance& instance, const std::vector<std::string>& sections,
+                    RegionShare& share) {
+    for (const std::string& section : sections) {
+      const std::vector<int> assigned = elementsOfSection(assembly_, instance, section);
+      share.elements.insert(share.elements.end(), assigned.begin(), assigned.end());
+      if (isAssigned(section)) continue;
+      sdk::forEachElementRun(instance.elements(), [&](const sdk::ElementRun& run) {
+        const std::string category = run.first.sectionCategory().name().CStr();
+        if (sectionNameOfCategory(category).value_or(category) != section) return;
+        share.elements.insert(share.elements.end(), run.labels, run.labels + run.n);
+      });
+    }
+    std::sort(share.elements.begin(), share.elements.end());
+    share.elements.erase(std::unique(share.elements.begin(), share.elements.end()),
+                         share.elements.end());
+    return !share.elements.empty();
+  }
+
+  bool isAssigned(const std::string& section) {
+    if (!assignedKnown_) {
+      noteAssigned(assembly_.sectionAssignments());
+      for (const std::string& name : sortedInstanceNames(assembly_)) {
+        noteAssigned(assembly_.instances()[name.c_str()].sectionAssignments());
+      }
+      assignedKnown_ = true;
+    }
+    return assigned_.count(section) != 0;
+  }
+
+  void noteAssigned(const odb_SequenceSectionAssignment& assignments) {
+    for (int i = 0; i < assignments.size(); ++i) {
+      assigned_.insert(odb_SectionAssignment(assignments[i]).sectionName().CStr());
+    }
+  }
+
+  // Full names of the sections that the name, of a section or of a material, stands for.
+  std::vector<std::string> sectionsOf(const std::string& name) {
+    std::set<std::string> sections;
+    if (kind_ == RegionKind::kMaterial) {
+      for (const SectionMaterials& section : sectionMaterialsOf(odb_)) {
+        if (section.uses(name)) sections.insert(section.name);
+      }
+    } else if (kind_ == RegionKind::kSection || kind_ == RegionKind::kLayer) {
+      for (const SectionMaterials& section : sectionMaterialsOf(odb_)) {
+        if (!isOneLayer() && isSectionNamed(section.name, name)) sections.insert(section.name);
+      }
+      for (const SectionLayup& layup : sectionLayupsOf(odb_).all()) {
+        if (layup.isNamed(name) && hasLayer(layup)) sections.insert(layup.section);
+      }
+    }
+    return {sections.begin(), sections.end()};
+  }
+
+  // As elsewhere, layer 0 is the whole section.
+  bool isOneLayer() const { return kind_ == RegionKind::kLayer && value_ != 0; }
+
+  bool hasLayer(const SectionLayup& layup) const {
+    return !isOneLayer() ||
+           std::any_of(layup.layers.begin(), layup.layers.end(),
+                       [this](const LayupLayer& layer) { return layer.number == value_; });
+  }
+
+  std::vector<int> pointsOfLayer(const std::vector<std::string>& sections) {
+    std::vector<int> points;
+    OrderedLabels taken(points);
+    for (const SectionLayup& layup : sectionLayupsOf(odb_).all()) {
+      if (std::find(sections.begin(), sections.end(), layup.section) == sections.end()) continue;
+      for (const LayupLayer& layer : layup.layers) {
+        if (layer.number != value_) continue;
+        for (const int point : layer.points) taken.add(point);
+      }
+    }
+    return points;
+  }
+
+  odb_Odb& odb_;
+  odb_Assembly& assembly_;
+  RegionKind kind_;
+  int value_;
+  bool assignedKnown_ = false;
+  std::set<std::string> assigned_;  // full names of sections that an assignment uses
+};
+
+}  // namespace
+
+Region resolveRegion(odb_Odb& odb, const RegionRequest& request) {
+  Resolver resolver(odb, request);
+  const std::vector<std::string> instances = sortedInstanceNames(odb.rootAssembly());
+  Region region;
+  const Scope everywhere{instances, request.name};
+  if (request.kind == static_cast<int>(RegionKind::kInstance)) {
+    const bool known = std::count(instances.begin(), instances.end(), request.name) != 0;
+    resolver.resolve(known ? Scope{{request.name}, request.name} : everywhere, region);
+    return region;
+  }
+  if (resolver.resolve(everywhere, region)) return region;
+  for (const std::string& instance : instances) {
+    // Instance names hold dots too, so that any of them may be the prefix.
+    const std::size_t dot = instance.size();
+    if (request.name.size() <= dot + 1 || request.name[dot] != '.') continue;
+    if (request.name.compare(0, dot, instance) != 0) continue;
+    Region within;
+    const bool found = resolver.resolve({{instance}, request.name.substr(dot + 1)}, within);
+    region = std::move(within);
+    if (found) break;
+  }
+  return region;
+}
+
+}  // namespace odbs

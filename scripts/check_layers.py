@@ -12,10 +12,9 @@ import os
 import re
 import sys
 
-# Files of server/ that form its core; every other file there belongs to the shell above all layers.
-SERVER_CORE = {"allocation", "channel", "entity_records", "field_scanner", "label_chunks", "label_set", "record",
-               "sdk_adapter", "sdk_embedded", "sdk_mesh_runs", "sdk_vendor", "selection_set",
-               "server_state", "shutdown"}
+# Files of server/ that form its shell, above all layers; every other file there belongs to the core.
+SERVER_SHELL = {"alloc_hooks", "command", "command_table", "database_commands", "dispatcher",
+                "odb_server", "parent_watchdog", "small_commands"}
 
 # Who may include whose headers. Units of one layer never include each other.
 MAY_INCLUDE = {
@@ -47,9 +46,9 @@ LIBRARIES = [
     ("GoogleTest", r"(gtest|gmock)/", r"^tests/"),
 ]
 # What a vendor's library has no name for: what the API cannot write, and the embedded library's own
-# parts. Of the server, the adapter's variants alone may use it.
+# parts. Of the server, the adapter's embedded variants alone may use it.
 EMBEDDED_HEADERS = r"odb_(embedded\.h$|engine/)"
-EMBEDDED_FILES = r"^(odb|importer|tests|bench)/|^server/sdk_(embedded|value_slices)\.h$"
+EMBEDDED_FILES = r"^(odb|importer|tests|bench)/|^server/sdk_(?!adapter|vendor)\w+\.h$"
 PLATFORM_FILES = r"^port/\w+\.cpp$"
 
 STANDARD = set("""
@@ -77,7 +76,7 @@ def unitOf(path):
         return "odb engine" if parts[1:3] == ["include", "odb_engine"] else "/".join(parts[:2])
     if parts[0] == "server":
         stem = os.path.splitext(parts[-1])[0]
-        return "server core" if stem in SERVER_CORE else "server shell"
+        return "server shell" if stem in SERVER_SHELL else "server core"
     return parts[0]
 
 

@@ -7,7 +7,8 @@
 Beside each deck its result file (.frd) and print file (.dat) are looked for. Compared are: every
 frame's value, every nodal value and every value at the nodes of elements of nodes that keep their
 label, every value at integration points of solids, and histories of nodes. Nothing is shared with
-the importer; result files are read by compare_readers.py.
+the importer; result files are read by compare_readers.py. Exit status: 1 something differs, 2 a deck
+was not imported.
 """
 import collections
 import os
@@ -260,7 +261,9 @@ def main():
                 print("%s: %s" % (deck, problem))
     print("%d decks, %d refused, %d differ; compared: %s" % (
         len(decks), refused, bad, ", ".join("%d %s" % (n, k) for k, n in sorted(total.items()))))
-    return 1 if bad or refused or not total["values"] else 0
+    if bad or not total["values"]:
+        return 1
+    return 2 if refused else 0
 
 
 if __name__ == "__main__":

@@ -1,15 +1,17 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: BSD-3-Clause
 #
-# From a fresh clone to a model on the screen: builds the programs, imports a deck into a database
-# and asks the server for its model with the reference client.
+# From a fresh clone to a solved model on the screen: builds the programs, imports a deck and its
+# results into a database, and asks the server with the reference client for the model, the result
+# catalogue, the last frame's stress, a history, and what a picture of the deformed model needs.
 #
-#   ./run.sh [DECK]     DECK defaults to the sample; the database goes to build/run/
+#   ./run.sh [DECK]     DECK defaults to a sample; DECK's results are the .frd and .dat files of the
+#                       same name beside it, if any. Database and picture go to build/run/.
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
-deck=${1:-$root/samples/plate_with_hole.inp}
+deck=${1:-$root/samples/contact_block/contact_block.inp}
 deck=$(realpath -e "$deck")
 name=$(basename "$deck")
 database=$root/build/run/${name%.*}.odb
@@ -21,6 +23,16 @@ cmake --build --preset release -j "$(nproc)" --target odb_server odb_client odb_
 
 mkdir -p build/run
 bin=build/release/bin
+results=()
+if [ -e "${deck%.*}.frd" ]; then
+  results+=(--results "${deck%.*}.frd")
+fi
+if [ -e "${deck%.*}.dat" ]; then
+  results+=(--data "${deck%.*}.dat")
+fi
 set -x
-"$bin/odb_import" "$deck" -o "$database"
+"$bin/odb_import" "$deck" ${results[@]+"${results[@]}"} -o "$database"
 "$bin/odb_client" model "$database"
+if [ ${#results[@]} -gt 0 ]; then
+  /usr/bin/python3 scripts/show_results.py "$bin" "$database" "build/run/${name%.*}.png"
+fi

@@ -111,7 +111,7 @@ Fields sectionFields(const Record& record) {
   const Section section = decodeSection(record);
   Fields fields{{"number", integer(section.number)},
                 {"name", section.name},
-                {"kind", std::string(sectionKindName(section.kind))}};
+                {"section_kind", std::string(sectionKindName(section.kind))}};
   switch (section.kind) {
     case SectionKind::kOther:
       break;

@@ -15,7 +15,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 native=(
   g++ cmake ninja-build ccache
   libhdf5-dev zlib1g-dev googletest
-  python3 clang-format git
+  python3 python3-matplotlib clang-format git
 )
 windows=(
   g++-mingw-w64-x86-64-posix libz-mingw-w64-dev

@@ -7,7 +7,7 @@
 #include <odb_API.h>
 
 #if !defined(ODBS_SDK)
-#include <odb_engine/block_slices.h>
+#include <odb_BlockSlices.h>
 #endif
 
 namespace odbs::sdk {

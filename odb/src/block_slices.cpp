@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Reading blocks piece by piece.
-#include <odb_engine/block_slices.h>
+#include <odb_BlockSlices.h>
 
 #include "odb/src/errors.h"
 #include "odb/src/field_data.h"

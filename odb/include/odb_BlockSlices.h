@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // BlockSlices: a block of field values read piece by piece, for programs that pass values on once.
+// This library's own, like odb_embedded.h: the API has no such call.
 // Nothing of the block stays in memory: a piece is small enough for the processor's cache, and its
 // buffers are used again for the next one.
 #pragma once

@@ -36,6 +36,8 @@ constexpr Row kRows[] = {
     {"ho", ReplyEnd::kNone, RecordFamily::kOther},
     {"hr", ReplyEnd::kAcknowledged, RecordFamily::kHistory},
     {"irc", ReplyEnd::kNone, RecordFamily::kOther},
+    {"irf", ReplyEnd::kAcknowledged, RecordFamily::kRegions},
+    {"irs", ReplyEnd::kAcknowledged, RecordFamily::kSets},
     {"is", ReplyEnd::kAcknowledged, RecordFamily::kSectionSummary},
     {"m", ReplyEnd::kAcknowledged, RecordFamily::kThroughput},
     {"q", ReplyEnd::kNone, RecordFamily::kOther},

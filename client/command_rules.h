@@ -21,12 +21,13 @@ enum class RecordFamily {
   kModel,             // G, g
   kThroughput,        // m
   kUpgradeCheck,      // u
-  kSets,              // S, s
+  kSets,              // S, s, irs
   kSectionSummary,    // is
   kNodalCatalogue,    // fd, fD
   kElementCatalogue,  // fs, fS, fv, fV
   kHistory,           // hi, hr
   kFieldValues,       // r but rd
+  kRegions,           // irf
 };
 
 struct ReplyRule {

@@ -4,6 +4,7 @@
 #include "client/describe_rows.h"
 #include "client/field_values.h"
 #include "client/history.h"
+#include "client/regions.h"
 #include "client/sets.h"
 
 namespace odbs::client {
@@ -150,6 +151,15 @@ Fields valueFields(const Record& record) {
   return fields;
 }
 
+Fields regionFields(const Record& record) {
+  const RegionCount count = decodeRegion(record);
+  return {{"kind", regionKindName(count.query.kind)},
+          {"value", integer(count.query.value)},
+          {"name", count.query.name},
+          {"elements", integer(count.nElements)},
+          {"nodes", integer(count.nNodes)}};
+}
+
 constexpr RecordFamily kSets = RecordFamily::kSets;
 constexpr RecordFamily kSummary = RecordFamily::kSectionSummary;
 constexpr RecordFamily kNodal = RecordFamily::kNodalCatalogue;
@@ -193,6 +203,7 @@ constexpr DescribeRow kRows[] = {
     {kValues, 0x20, "value", valueFields},
     {kValues, 0x21, "value", valueFields},
     {kValues, 0x22, "value", valueFields},
+    {RecordFamily::kRegions, kRegionTag, "region", regionFields},
 };
 
 }  // namespace

@@ -154,6 +154,44 @@ FieldValues FieldValuesBuilder::finish() {
   return values;
 }
 
+namespace {
+
+bool hasLetter(const ValuesRequest& request, char lower) {
+  return request.letter == lower || request.letter == lower - 'a' + 'A';
+}
+
+// The line of the request itself.
+std::string valuesLine(const std::string& path, const ValuesRequest& request) {
+  const std::string head = std::string("r") + request.letter + " ";
+  if (hasLetter(request, 'l')) {
+    return head + std::to_string(request.picks[0]) + " " + std::to_string(request.picks[1]) + "," +
+           path;
+  }
+  if (!hasLetter(request, 'n') && !hasLetter(request, 'g')) return head + path;
+  for (const std::string& item : request.items) {
+    if (item.empty() || item.find_first_of(": \t\v\f\r") != std::string::npos) {
+      throw std::invalid_argument("the layer \"" + item + "\" cannot be asked for");
+    }
+  }
+  if (path.find_first_of(" \t\v\f\r") != std::string::npos) {
+    throw std::invalid_argument("pairs of layers cannot be asked of a path with blanks: " + path);
+  }
+  return head + request.items[0] + ":" + request.items[1] + ":" + path;
+}
+
+// True when the regions hold anything. With an empty selection the server would send everything.
+bool selectAny(Connection& server, const std::string& path, const ValuesRequest& request,
+               FieldValues& values) {
+  const auto counts = selectRegions(server, path, request.regions, values.messages);
+  if (counts.size() < request.regions.size()) throw DatabaseNotOpened(path, values.messages);
+  for (const RegionCount& count : counts) {
+    if (count.nElements + count.nNodes > 0) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 FieldValues readFieldValues(Connection& server, const std::string& path,
                             const ValuesRequest& request) {
   constexpr std::size_t kLongestName = 199;
@@ -165,13 +203,12 @@ FieldValues readFieldValues(Connection& server, const std::string& path,
   for (char& c : name) {
     if (c == ' ') c = '^';
   }
-  server.send("d " + std::to_string(request.step) + " " + std::to_string(request.frame) + " " +
-              std::to_string(request.position) + " " + name);
-  std::string line = std::string("r") + request.letter + " ";
-  if (request.letter == 'l' || request.letter == 'L') {
-    line += std::to_string(request.picks[0]) + " " + std::to_string(request.picks[1]) + ",";
-  }
-  server.send(line + path);
+  const std::string line = valuesLine(path, request);
+  FieldValues nothing;
+  if (!request.regions.empty() && !selectAny(server, path, request, nothing)) return nothing;
+  server.send((request.regions.empty() ? "d " : "D ") + std::to_string(request.step) + " " +
+              std::to_string(request.frame) + " " + std::to_string(request.position) + " " + name);
+  server.send(line);
   FieldValuesBuilder builder;
   for (Record record; server.next(record);) builder.add(record);
   const bool isOpen = builder.hasTitle();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "client/connection.h"
+#include "client/regions.h"
 
 namespace odbs::client {
 
@@ -99,13 +100,15 @@ struct ValuesRequest {
   std::int32_t frame = 0;     // from 0
   std::string field;          // at most 199 characters; blanks are taken care of
   std::int32_t position = 2;  // 0 centroids, 1 element nodes, 2 as stored (integration points)
-  char letter = 's';          // s l m v t b, upper case: with local directions
+  char letter = 's';          // s l m v t b n g, upper case: with local directions
   std::int32_t picks[2] = {-1, -1};  // section points, letter l only
+  std::string items[2];  // letters n and g: layer and section point, such as "PLY-1.INNER", "2.3"
+  std::vector<RegionQuery> regions;  // restrict the values to their union; none: all values
 };
 
-// Selects and asks. A field that the frame lacks gives no blocks. Throws DatabaseNotOpened,
-// std::invalid_argument for a request that cannot be written, and what Connection and the decoders
-// throw.
+// Selects and asks. A field that the frame lacks, and regions that are not in the model, give no
+// blocks. Throws DatabaseNotOpened, std::invalid_argument for a request that cannot be written, and
+// what Connection and the decoders throw.
 FieldValues readFieldValues(Connection& server, const std::string& path,
                             const ValuesRequest& request);
 

@@ -36,9 +36,15 @@ const std::vector<Subcommand>& subcommands() {
        "0); --position stored|element-node|centroid (default stored); --letter s|l|m|v|t|b: which\n"
        "section points (default s: none; m: all as stored; v: every one; t, b: top, bottom; l:\n"
        "those of --pick1 and --pick2), upper case: local directions too; --show both|range|values.\n"
+       "--layers A:B or --plies A:B instead of --letter: the points of two layers, by number or by\n"
+       "ply, material or section name, each with .INNER, .OUTER, .MINIMUM, .MAXIMUM, a number, or\n"
+       "nothing for the middle. --region REGION, once for each, as in `regions`: values there only;\n"
+       "section:N=NAME is section point N.\n"
+       "  odb_client values job.odb --field S --plies PLY-1.INNER:PLY-4.OUTER --region elements=TIP\n"
        "  odb_client values job.odb --field S --step 1 --frame 5 --position centroid --show range\n",
        1, 1,
-       {"--field", "--step", "--frame", "--position", "--letter", "--pick1", "--pick2", "--show"},
+       {"--field", "--step", "--frame", "--position", "--letter", "--pick1", "--pick2", "--show",
+        "--layers", "--plies", "--region"},
        runValues},
       {"history", "FILE", "list histories, or print the values of some",
        "Without options: steps, regions and outputs. --region NAME, once for each region, or\n"
@@ -51,6 +57,12 @@ const std::vector<Subcommand>& subcommands() {
       {"sections", "FILE", "list sections with their numbers and coarse kinds",
        "Then the elements of each section, by instance; --members yes prints their labels.\n",
        1, 1, {"--members"}, runSections},
+      {"regions", "FILE REGION...", "count elements and nodes of parts of a model",
+       "REGION is KIND=NAME, KIND one of elements, nodes, surface (names of sets), instance,\n"
+       "section, material, type (of elements); layer:N=SECTION is layer N of a section. NAME may\n"
+       "be INSTANCE.NAME. --members yes prints the labels by instance (default no).\n"
+       "  odb_client regions job.odb elements=BLADE type=S4R layer:2=SKIN\n",
+       2, kAnyNumber, {"--members"}, runRegions},
       {"send", "FILE LINE...", "send raw command lines, print every record of the replies",
        "Sends each LINE as it stands, after replacing every {} in it by FILE, and prints each\n"
        "record of its reply decoded: the record's position in the stream, its kind, its fields.\n"

@@ -10,6 +10,7 @@
 
 #include "client/cli/report.h"
 #include "client/connection.h"
+#include "client/regions.h"
 
 namespace odbs::client {
 
@@ -63,6 +64,13 @@ void runValues(Call& call);
 void runHistory(Call& call);
 void runSets(Call& call);
 void runSections(Call& call);
+void runRegions(Call& call);
+
+// parseRegionQuery for a command line: throws UsageError.
+RegionQuery regionOf(const std::string& text);
+
+// A table of sets, with --members yes their labels too.
+void reportSets(const SetsReply& reply, bool showMembers, Report& report);
 
 // The table of what the server said while opening.
 void reportMessages(const std::vector<std::string>& messages, Report& report);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// odb_client sets and odb_client sections.
+// odb_client sets, sections and regions.
 #include "client/sets.h"
 
 #include "client/cli/cli.h"
@@ -19,6 +19,8 @@ std::vector<std::int64_t> wide(const std::vector<std::int32_t>& values) {
   return {values.begin(), values.end()};
 }
 
+}  // namespace
+
 void reportSets(const SetsReply& reply, bool showMembers, Report& report) {
   std::vector<std::string> columns{"kind", "set", "instance", "of_assembly", "members"};
   if (showMembers) columns.insert(columns.end(), {"labels", "faces"});
@@ -35,8 +37,6 @@ void reportSets(const SetsReply& reply, bool showMembers, Report& report) {
   }
   report.end();
 }
-
-}  // namespace
 
 void runSets(Call& call) {
   SetsRequest request;
@@ -64,6 +64,32 @@ void runSections(Call& call) {
   }
   call.report.end();
   reportSets(reply, showMembers, call.report);
+}
+
+RegionQuery regionOf(const std::string& text) {
+  try {
+    return parseRegionQuery(text);
+  } catch (const std::invalid_argument& error) {
+    throw UsageError(error.what());
+  }
+}
+
+void runRegions(Call& call) {
+  const bool showMembers = yesOrNo(call, "--members", "no");
+  const std::string& path = call.arguments.front();
+  std::vector<RegionQuery> queries;
+  for (std::size_t i = 1; i < call.arguments.size(); ++i) {
+    queries.push_back(regionOf(call.arguments[i]));
+  }
+  const RegionsReply reply = readRegions(*call.connect(), path, queries);
+  reportMessages(reply.members.messages, call.report);
+  call.report.begin("region", {"kind", "value", "name", "elements", "nodes"});
+  for (const RegionCount& count : reply.counts) {
+    call.report.row({regionKindName(count.query.kind), std::int64_t{count.query.value},
+                     count.query.name, std::int64_t{count.nElements}, std::int64_t{count.nNodes}});
+  }
+  call.report.end();
+  if (showMembers) reportSets(reply.members, true, call.report);
 }
 
 }  // namespace odbs::client

@@ -32,6 +32,18 @@ std::int32_t positionOf(const std::string& text) {
   return static_cast<std::int32_t>(*code);
 }
 
+// Two items with a colon between them, as "1.INNER:1.OUTER".
+void takePair(const Call& call, const std::string& option, char letter, ValuesRequest& request) {
+  const std::string text = call.option(option);
+  if (text.empty()) return;
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos) throw UsageError(option + " wants ITEM:ITEM");
+  const bool upperCase = request.letter >= 'A' && request.letter <= 'Z';
+  request.letter = upperCase ? static_cast<char>(letter - 'a' + 'A') : letter;
+  request.items[0] = text.substr(0, colon);
+  request.items[1] = text.substr(colon + 1);
+}
+
 ValuesRequest requestOf(const Call& call) {
   ValuesRequest request;
   request.step = integerOf(call, "--step", "1");
@@ -44,6 +56,11 @@ ValuesRequest requestOf(const Call& call) {
     throw UsageError("--letter wants one of l s m v t b or its upper case, not \"" + letter + "\"");
   }
   request.letter = letter[0];
+  takePair(call, "--layers", 'g', request);
+  takePair(call, "--plies", 'n', request);
+  for (const auto& [option, text] : call.options) {
+    if (option == "--region") request.regions.push_back(regionOf(text));
+  }
   request.picks[0] = integerOf(call, "--pick1", "-1");
   request.picks[1] = integerOf(call, "--pick2", "-1");
   return request;

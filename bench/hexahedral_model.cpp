@@ -81,6 +81,10 @@ void writeStressField(const std::string& path, int nPerEdge) {
   odb_Frame frame = odb.Step("Step-1", "", odb_Enum::TIME, 1.0, "", "*STATIC").Frame(1, 1);
   odb_FieldOutput& field = frame.FieldOutput("S", "Stress", odb_Enum::TENSOR_3D_FULL);
   const int nElements = (nPerEdge - 1) * (nPerEdge - 1) * (nPerEdge - 1);
+  odb_SequenceInt spread;
+  const int stride = nElements / 1000 + (nElements % 1000 != 0 ? 1 : 0);
+  for (int i = 0; i < nElements; i += stride) spread.append(i + 1);
+  odb.rootAssembly().instances()["CUBE-1"].ElementSet("SPREAD", spread);
   odb_SequenceInt labels(nElements);
   odb_SequenceSequenceFloat data(kPoints * nElements);
   for (int i = 0; i < nElements; ++i) {

@@ -12,7 +12,7 @@ namespace odbs::bench {
 void writeHexahedralModel(const std::string& path, int nPerEdge);
 
 // The same cube of C3D8 with one frame that holds a stress field "S" at eight integration points
-// per element.
+// per element, and with an element set "SPREAD" of at most 1,000 of them, evenly spread.
 void writeStressField(const std::string& path, int nPerEdge);
 
 // A cube of eight elements with one step of `nFrames` frames, each with `nFields` scalar fields

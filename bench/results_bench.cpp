@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Measures how fast `rs` streams a large stress field, as a ratio to what the pipe and the reader
-// carry at best (`M` with 40,950-byte writes), with the server's peak memory; and, for a step of
-// very many frames, how soon the database opens and how much faster the catalogue comes from its
-// cache.
+// carry at best (`M` with 40,950-byte writes), with the server's peak memory; how long a selection
+// of 1,000 elements, and of all, takes against the values of all; and, for a step of very many
+// frames, how soon the database opens and how much faster the catalogue comes from its cache.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -63,6 +63,31 @@ void measureValues(const Options& options, const std::string& path) {
   std::printf("rs, repeated %8.0f MB/s   ratio %.2f\n", median(valueRates) / kMega, median(ratios));
   std::printf("peak memory  %8.1f MB     %.1f MB when just opened\n",
               static_cast<double>(memoryAfter) / kMega, static_cast<double>(memoryBefore) / kMega);
+}
+
+// How long the walk takes when the values are restricted to a selection, against all values. The
+// two take turns.
+void measureSelection(const Options& options, const std::string& path) {
+  TimedServer server(options.program);
+  server.untilAcknowledged("o " + path);
+  const std::string command = "rs " + path;
+  for (const char* request : {"1 0 SPREAD", "7 0 C3D8"}) {
+    server.sendSilent(std::string("irc ") + request);
+    const double resolved = server.untilAcknowledged("irf " + path).seconds;
+    std::vector<double> ratios;
+    Reply selected;
+    for (int i = 0; i <= options.nRepeats; ++i) {
+      server.sendSilent("d 1 0 2 S");
+      const Reply all = server.untilAcknowledged(command);
+      server.sendSilent("D 1 0 2 S");
+      selected = server.untilAcknowledged(command);
+      if (i > 0) ratios.push_back(selected.seconds / all.seconds);  // the first reads the file
+    }
+    std::printf("rs of %-10s %8.1f MB, selected in %.0f ms, %.2f times the time of all values\n",
+                request, static_cast<double>(selected.nBytes) / kMega, 1e3 * resolved,
+                median(ratios));
+  }
+  server.quit();
 }
 
 // Seconds of one listing by a fresh server; with a cache path when `cache` is not empty.
@@ -135,6 +160,7 @@ void run(const Options& options) {
   std::printf("stress field of %d^3 elements, database of %.1f MB\n", options.nPerEdge - 1,
               static_cast<double>(fs::file_size(field)) / kMega);
   measureValues(options, field);
+  measureSelection(options, field);
   if (!fs::exists(frames)) writeManyFrames(frames, options.nFrames, options.nFields);
   std::printf("step of %d frames with %d fields, database of %.1f MB\n", options.nFrames,
               options.nFields, static_cast<double>(fs::file_size(frames)) / kMega);

@@ -4,6 +4,7 @@
 
 #include "client/cli/cli.h"
 #include "client/field_values.h"
+#include "tests/client/bytes.h"
 #include "tests/client/real_server.h"
 #include "tests/regions/layered_model.h"
 
@@ -38,6 +39,23 @@ TEST(RegionQueries, AreKindsAndNames) {
                             "layer:x=A", "layer:-1=A", "layer:99999999999=A"}) {
     EXPECT_THROW(parseRegionQuery(wrong), std::invalid_argument) << wrong;
   }
+}
+
+TEST(RegionRecords, ThatAreCutOrTooLongAreRefused) {
+  const std::string whole =
+      tests::Payload('R').i32(5).i32(2).text("PLATE").i32(-1).i32(7).operator std::string();
+  const RegionCount count = decodeRegion(recordOf(whole));
+  EXPECT_EQ(count.query.kind, 5);
+  EXPECT_EQ(count.query.value, 2);
+  EXPECT_EQ(count.query.name, "PLATE");
+  EXPECT_EQ(count.nElements, 4294967295u);
+  EXPECT_EQ(count.nNodes, 7u);
+  for (std::size_t n = 1; n < whole.size(); ++n) {
+    const std::string cut = whole.substr(0, n);
+    EXPECT_THROW(decodeRegion(recordOf(cut)), MalformedRecord) << n;
+  }
+  const std::string longer = whole + "x";
+  EXPECT_THROW(decodeRegion(recordOf(longer)), MalformedRecord);
 }
 
 TEST_F(RegionClient, CountsAndListsRegions) {

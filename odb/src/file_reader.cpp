@@ -21,8 +21,8 @@ Number numberOf(layout::Kind kind) {
 
 namespace {
 
-std::string tableName(const layout::TableSpec& spec, const char* part) {
-  return std::string(layout::kTables) + "/" + spec.name + part;
+std::string tableName(const layout::TableSpec& shape, const char* part) {
+  return std::string(layout::kTables) + "/" + shape.name + part;
 }
 
 std::string arrayName(layout::Kind kind, const std::string& part) {
@@ -93,43 +93,43 @@ void FileReader::rest() {
   file_.reset();
 }
 
-std::int64_t FileReader::nRows(const layout::TableSpec& spec) {
+std::int64_t FileReader::nRows(const layout::TableSpec& shape) {
   const Use use(*this);
-  const std::string name = tableName(spec, ".ints");
+  const std::string name = tableName(shape, ".ints");
   if (!file_->has(name)) return 0;
   return file_->open(name, Number::kInt64, 2).dims[0];
 }
 
-Table FileReader::readTable(const layout::TableSpec& spec) {
-  return readTable(spec, 0, -1);
+Table FileReader::readTable(const layout::TableSpec& shape) {
+  return readTable(shape, 0, -1);
 }
 
-Table FileReader::readTable(const layout::TableSpec& spec, std::int64_t firstRow,
+Table FileReader::readTable(const layout::TableSpec& shape, std::int64_t firstRow,
                             std::int64_t nRows) {
   const Use use(*this);
-  Table table = emptyTable(spec);
-  const std::string name = tableName(spec, ".ints");
+  Table table = emptyTable(shape);
+  const std::string name = tableName(shape, ".ints");
   if (!file_->has(name)) {
-    if (firstRow > 0 || nRows > 0) failDamaged(path_ + ": table " + spec.name + " is missing");
+    if (firstRow > 0 || nRows > 0) failDamaged(path_ + ": table " + shape.name + " is missing");
     return table;
   }
   const Hdf5File::Dataset ints = file_->open(name, Number::kInt64, 2);
-  if (ints.dims[1] != spec.nInts) failDamaged(path_ + ": " + name + " has other columns");
+  if (ints.dims[1] != shape.nInts) failDamaged(path_ + ": " + name + " has other columns");
   if (nRows < 0) nRows = ints.dims[0];
   if (firstRow < 0 || firstRow > ints.dims[0] - nRows) {
-    failDamaged(path_ + ": rows outside table " + spec.name);
+    failDamaged(path_ + ": rows outside table " + shape.name);
   }
   table.firstRow = firstRow;
   table.nRows = nRows;
-  table.ints.resize(static_cast<std::size_t>(nRows * spec.nInts));
+  table.ints.resize(static_cast<std::size_t>(nRows * shape.nInts));
   file_->read(ints, firstRow, nRows, table.ints.data());
-  if (spec.nReals > 0) {
-    const std::string realName = tableName(spec, ".reals");
+  if (shape.nReals > 0) {
+    const std::string realName = tableName(shape, ".reals");
     const Hdf5File::Dataset reals = file_->open(realName, Number::kFloat64, 2);
-    if (reals.dims[0] != ints.dims[0] || reals.dims[1] != spec.nReals) {
+    if (reals.dims[0] != ints.dims[0] || reals.dims[1] != shape.nReals) {
       failDamaged(path_ + ": " + realName + " has another shape");
     }
-    table.reals.resize(static_cast<std::size_t>(nRows * spec.nReals));
+    table.reals.resize(static_cast<std::size_t>(nRows * shape.nReals));
     file_->read(reals, firstRow, nRows, table.reals.data());
   }
   return table;

@@ -21,10 +21,10 @@ std::string arrayName(layout::Kind kind, const std::string& part) {
 
 }  // namespace
 
-Table emptyTable(const layout::TableSpec& spec) {
+Table emptyTable(const layout::TableSpec& shape) {
   Table table;
-  table.nInts = spec.nInts;
-  table.nReals = spec.nReals;
+  table.nInts = shape.nInts;
+  table.nReals = shape.nReals;
   return table;
 }
 
@@ -99,15 +99,15 @@ void FileWriter::readArray(layout::Kind kind, std::int64_t start, std::int64_t c
   file_.read(file_.open(name, numberOf(kind), 1), start - *at, count, out);
 }
 
-void FileWriter::putTable(const layout::TableSpec& spec, const Table& table) {
-  const std::string base = std::string(layout::kTables) + "/" + spec.name;
+void FileWriter::putTable(const layout::TableSpec& shape, const Table& table) {
+  const std::string base = std::string(layout::kTables) + "/" + shape.name;
   if (file_.has(base + ".ints")) file_.remove(base + ".ints");
   if (file_.has(base + ".reals")) file_.remove(base + ".reals");
-  file_.write(file_.create(base + ".ints", Number::kInt64, {table.nRows, spec.nInts}, false), 0,
+  file_.write(file_.create(base + ".ints", Number::kInt64, {table.nRows, shape.nInts}, false), 0,
               table.nRows, table.ints.data());
-  if (spec.nReals == 0) return;
-  file_.write(file_.create(base + ".reals", Number::kFloat64, {table.nRows, spec.nReals}, false), 0,
-              table.nRows, table.reals.data());
+  if (shape.nReals == 0) return;
+  file_.write(file_.create(base + ".reals", Number::kFloat64, {table.nRows, shape.nReals}, false),
+              0, table.nRows, table.reals.data());
 }
 
 void FileWriter::putTexts(const std::vector<std::string>& texts) {

@@ -25,7 +25,7 @@ StoredArray<float> pairs(const Rows& rows, std::int64_t row, int column, int fil
 
 void readOutputs(HistoryRegionData& region, FileReader& reader, const Range& range, int file) {
   if (range.count == 0) return;
-  const Rows rows(reader, HistoryOutputs::spec, range);
+  const Rows rows(reader, HistoryOutputs::shape, range);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     auto output = std::make_shared<HistoryOutputData>();
     output->database = region.step->database;
@@ -43,8 +43,8 @@ void readOutputs(HistoryRegionData& region, FileReader& reader, const Range& ran
 void readRegions(StepData& step, StepHistory& history, FileReader& reader, const Range& range,
                  int file) {
   if (range.count == 0) return;
-  const Rows rows(reader, HistoryRegions::spec, range);
-  const std::int64_t nOutputs = reader.nRows(HistoryOutputs::spec);
+  const Rows rows(reader, HistoryRegions::shape, range);
+  const std::int64_t nOutputs = reader.nRows(HistoryOutputs::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     auto region = std::make_shared<HistoryRegionData>();
     region->step = &step;
@@ -70,7 +70,7 @@ void readRegions(StepData& step, StepHistory& history, FileReader& reader, const
 
 void readFailures(StepHistory& history, FileReader& reader, const Range& range, int file) {
   if (range.count == 0) return;
-  const Rows rows(reader, Failures::spec, range);
+  const Rows rows(reader, Failures::shape, range);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     FailureData& failures = history.failures.emplace_back();
     failures.entityRow = rows.number(i, Failures::kEntity);
@@ -109,13 +109,13 @@ std::shared_ptr<StepHistory> readHistory(StepData& step) {
   Database& database = *step.database;
   FileReader& reader = *database.storage.current();
   const FileReader::Use use(reader);
-  if (step.storedRow >= reader.nRows(StepResults::spec)) return history;
-  const Rows rows(reader, StepResults::spec, Range{step.storedRow, 1});
+  if (step.storedRow >= reader.nRows(StepResults::shape)) return history;
+  const Rows rows(reader, StepResults::shape, Range{step.storedRow, 1});
   const int file = database.storage.currentFile();
   readRegions(step, *history, reader,
-              rows.range(0, StepResults::kFirstRegion, reader.nRows(HistoryRegions::spec)), file);
+              rows.range(0, StepResults::kFirstRegion, reader.nRows(HistoryRegions::shape)), file);
   readFailures(*history, reader,
-               rows.range(0, StepResults::kFirstFailures, reader.nRows(Failures::spec)), file);
+               rows.range(0, StepResults::kFirstFailures, reader.nRows(Failures::shape)), file);
   return history;
 }
 
@@ -165,10 +165,10 @@ odb_HistoryPoint readPoint(Database& database, const std::vector<std::int64_t>& 
 
 HistorySaver::HistorySaver(Saver& saver)
     : saver_(saver),
-      steps_(saver.table(StepResults::spec)),
-      regions_(saver.table(HistoryRegions::spec)),
-      outputs_(saver.table(HistoryOutputs::spec)),
-      failures_(saver.table(Failures::spec)) {}
+      steps_(saver.table(StepResults::shape)),
+      regions_(saver.table(HistoryRegions::shape)),
+      outputs_(saver.table(HistoryOutputs::shape)),
+      failures_(saver.table(Failures::shape)) {}
 
 void HistorySaver::step(StepData& step) {
   StepHistory& history = historyOf(step);

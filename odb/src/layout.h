@@ -66,7 +66,7 @@ struct Database {
     kNInts
   };
   enum Reals { kAxis, kNReals = 6 };  // two points of the cyclic axis
-  static constexpr TableSpec spec{"database", kNInts, kNReals, 1, {{kAddOns, Kind::kInt32}}};
+  static constexpr TableSpec shape{"database", kNInts, kNReals, 1, {{kAddOns, Kind::kInt32}}};
 };
 
 // What has nodes or sets. Row 0 is the assembly; then parts and instances, each after its part.
@@ -95,36 +95,36 @@ struct Entities {
   };
   // Placement of an instance: unit vectors of its axes 1, 2, 3, then the translation.
   enum Reals { kAxes = 0, kTranslation = 9, kNReals = 12 };
-  static constexpr TableSpec spec{"entities",
-                                  kNInts,
-                                  kNReals,
-                                  5,
-                                  {{kNodeLabels, Kind::kInt32},
-                                   {kCoordinates, Kind::kFloat32},
-                                   {kElementLabels, Kind::kInt32},
-                                   {kConnectivity, Kind::kInt32},
-                                   {kNodeEntities, Kind::kInt32}}};
+  static constexpr TableSpec shape{"entities",
+                                   kNInts,
+                                   kNReals,
+                                   5,
+                                   {{kNodeLabels, Kind::kInt32},
+                                    {kCoordinates, Kind::kFloat32},
+                                    {kElementLabels, Kind::kInt32},
+                                    {kConnectivity, Kind::kInt32},
+                                    {kNodeEntities, Kind::kInt32}}};
 };
 
 // Runs of elements with the same type, category and number of nodes.
 struct ElementBlocks {
   enum Ints { kNElements, kType, kCategory, kNNodes, kNInts };
-  static constexpr TableSpec spec{"element_blocks", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"element_blocks", kNInts, 0, 0, {}};
 };
 
 struct Categories {
   enum Ints { kName, kDescription, kFirstPoint, kNPoints, kNInts };
-  static constexpr TableSpec spec{"section_categories", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"section_categories", kNInts, 0, 0, {}};
 };
 
 struct SectionPoints {
   enum Ints { kNumber, kDescription, kNInts };
-  static constexpr TableSpec spec{"section_points", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"section_points", kNInts, 0, 0, {}};
 };
 
 struct Sets {
   enum Ints { kOwner, kType, kName, kFirstSegment, kNSegments, kNInts };  // type: odb_SetTypeEnum
-  static constexpr TableSpec spec{"sets", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"sets", kNInts, 0, 0, {}};
 };
 
 // The members of a set in one entity.
@@ -138,7 +138,7 @@ struct SetSegments {
     kNFaces,
     kNInts
   };
-  static constexpr TableSpec spec{
+  static constexpr TableSpec shape{
       "set_segments", kNInts, 0, 2, {{kLabels, Kind::kInt32}, {kFaces, Kind::kInt32}}};
 };
 
@@ -146,7 +146,7 @@ struct SetSegments {
 // row of the set.
 struct Assignments {
   enum Ints { kOwner, kViewer, kSet, kSection, kNInts };  // section: its name
-  static constexpr TableSpec spec{"section_assignments", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"section_assignments", kNInts, 0, 0, {}};
 };
 
 struct AnalyticSurfaces {
@@ -163,16 +163,16 @@ struct AnalyticSurfaces {
     kNInts
   };
   enum Reals { kFillet, kNReals };
-  static constexpr TableSpec spec{"analytic_surfaces",
-                                  kNInts,
-                                  kNReals,
-                                  2,
-                                  {{kLocalLengths, Kind::kInt32}, {kLocalData, Kind::kFloat32}}};
+  static constexpr TableSpec shape{"analytic_surfaces",
+                                   kNInts,
+                                   kNReals,
+                                   2,
+                                   {{kLocalLengths, Kind::kInt32}, {kLocalData, Kind::kFloat32}}};
 };
 
 struct SurfaceSegments {
   enum Ints { kType, kLengths, kNLengths, kData, kNData, kNInts };  // rows as above
-  static constexpr TableSpec spec{
+  static constexpr TableSpec shape{
       "surface_segments", kNInts, 0, 2, {{kLengths, Kind::kInt32}, {kData, Kind::kFloat32}}};
 };
 
@@ -192,13 +192,13 @@ struct RigidBodies {
     kSurface,  // row of AnalyticSurfaces or -1
     kNInts
   };
-  static constexpr TableSpec spec{"rigid_bodies", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"rigid_bodies", kNInts, 0, 0, {}};
 };
 
 struct Csyses {
   enum Ints { kName, kType, kNInts };  // odb_Enum::odb_DatumCsysTypeEnum
   enum Reals { kOrigin = 0, kX = 3, kY = 6, kZ = 9, kNReals = 12 };
-  static constexpr TableSpec spec{"datum_csyses", kNInts, kNReals, 0, {}};
+  static constexpr TableSpec shape{"datum_csyses", kNInts, kNReals, 0, {}};
 };
 
 struct Orientations {
@@ -219,12 +219,12 @@ struct Orientations {
     kNInts
   };
   enum Reals { kAngle1, kAngle2, kNReals };  // degrees
-  static constexpr TableSpec spec{"orientations", kNInts, kNReals, 1, {{kVector, Kind::kFloat32}}};
+  static constexpr TableSpec shape{"orientations", kNInts, kNReals, 1, {{kVector, Kind::kFloat32}}};
 };
 
 struct Sections {
   enum Ints { kType, kName, kFirstProperty, kNProperties, kFirstLayer, kNLayers, kNInts };
-  static constexpr TableSpec spec{"sections", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"sections", kNInts, 0, 0, {}};
 };
 
 struct Layers {
@@ -243,7 +243,7 @@ struct Layers {
     kNInts
   };
   enum Reals { kThickness, kOrientNumber, kAngle, kNReals };  // angles in degrees
-  static constexpr TableSpec spec{"section_layers", kNInts, kNReals, 0, {}};
+  static constexpr TableSpec shape{"section_layers", kNInts, kNReals, 0, {}};
 };
 
 // Named values of sections, behaviours and objects.
@@ -257,12 +257,12 @@ struct Properties {
   };
   enum Reals { kNumber, kNReals };
   static constexpr int kSetType = 5;
-  static constexpr TableSpec spec{"properties", kNInts, kNReals, 0, {}};
+  static constexpr TableSpec shape{"properties", kNInts, kNReals, 0, {}};
 };
 
 struct Materials {
   enum Ints { kName, kFirstBehaviour, kNBehaviours, kNInts };
-  static constexpr TableSpec spec{"materials", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"materials", kNInts, 0, 0, {}};
 };
 
 struct Behaviours {
@@ -276,24 +276,24 @@ struct Behaviours {
     kNData,
     kNInts
   };
-  static constexpr TableSpec spec{
+  static constexpr TableSpec shape{
       "behaviours", kNInts, 0, 2, {{kLengths, Kind::kInt32}, {kData, Kind::kFloat64}}};
 };
 
 // Profiles, constraints, interactions, interaction properties, amplitudes.
 struct Objects {
   enum Ints { kKind, kType, kName, kFirstProperty, kNProperties, kNInts };
-  static constexpr TableSpec spec{"objects", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"objects", kNInts, 0, 0, {}};
 };
 
 struct Annotations {
   enum Ints { kKey, kText, kNInts };
-  static constexpr TableSpec spec{"annotations", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"annotations", kNInts, 0, 0, {}};
 };
 
 struct Curves {
   enum Ints { kName, kTexts, kPoints = 8, kNPoints, kNInts };  // 7 texts; float32[n][2]
-  static constexpr TableSpec spec{"curves", kNInts, 0, 1, {{kPoints, Kind::kFloat32}}};
+  static constexpr TableSpec shape{"curves", kNInts, 0, 1, {{kPoints, Kind::kFloat32}}};
 };
 
 // In the order of the analysis.
@@ -324,7 +324,7 @@ struct Steps {
     kAcousticCenter = kInertiaAboutOrigin + 6,
     kNReals = kAcousticCenter + 3
   };
-  static constexpr TableSpec spec{"steps", kNInts, kNReals, 0, {}};
+  static constexpr TableSpec shape{"steps", kNInts, kNReals, 0, {}};
 };
 
 // Frames of all steps, step by step.
@@ -340,12 +340,12 @@ struct Frames {
     kNInts
   };
   enum Reals { kValue, kFrequency, kNReals };
-  static constexpr TableSpec spec{"frames", kNInts, kNReals, 0, {}};
+  static constexpr TableSpec shape{"frames", kNInts, kNReals, 0, {}};
 };
 
 struct LoadCases {
   enum Ints { kName, kNInts };
-  static constexpr TableSpec spec{"load_cases", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"load_cases", kNInts, 0, 0, {}};
 };
 
 }  // namespace odbs::engine::layout
@@ -355,40 +355,23 @@ struct LoadCases {
 namespace odbs::engine::layout {
 
 // Every table, for the upgrade of an older release.
-constexpr const TableSpec* kAllTables[] = {&Database::spec,
-                                           &Entities::spec,
-                                           &ElementBlocks::spec,
-                                           &Categories::spec,
-                                           &SectionPoints::spec,
-                                           &Sets::spec,
-                                           &SetSegments::spec,
-                                           &Assignments::spec,
-                                           &AnalyticSurfaces::spec,
-                                           &SurfaceSegments::spec,
-                                           &RigidBodies::spec,
-                                           &Csyses::spec,
-                                           &Orientations::spec,
-                                           &Sections::spec,
-                                           &Layers::spec,
-                                           &Properties::spec,
-                                           &Materials::spec,
-                                           &Behaviours::spec,
-                                           &Objects::spec,
-                                           &Annotations::spec,
-                                           &Curves::spec,
-                                           &Steps::spec,
-                                           &Frames::spec,
-                                           &LoadCases::spec,
-                                           &FieldKinds::spec,
-                                           &FieldLabels::spec,
-                                           &FieldLayouts::spec,
-                                           &FrameFields::spec,
-                                           &Fields::spec,
-                                           &FieldBlocks::spec,
-                                           &FieldBlocks::doubleSpec,
-                                           &StepResults::spec,
-                                           &HistoryRegions::spec,
-                                           &HistoryOutputs::spec,
-                                           &Failures::spec};
+constexpr const TableSpec* kAllTables[] = {&Database::shape,         &Entities::shape,
+                                           &ElementBlocks::shape,    &Categories::shape,
+                                           &SectionPoints::shape,    &Sets::shape,
+                                           &SetSegments::shape,      &Assignments::shape,
+                                           &AnalyticSurfaces::shape, &SurfaceSegments::shape,
+                                           &RigidBodies::shape,      &Csyses::shape,
+                                           &Orientations::shape,     &Sections::shape,
+                                           &Layers::shape,           &Properties::shape,
+                                           &Materials::shape,        &Behaviours::shape,
+                                           &Objects::shape,          &Annotations::shape,
+                                           &Curves::shape,           &Steps::shape,
+                                           &Frames::shape,           &LoadCases::shape,
+                                           &FieldKinds::shape,       &FieldLabels::shape,
+                                           &FieldLayouts::shape,     &FrameFields::shape,
+                                           &Fields::shape,           &FieldBlocks::shape,
+                                           &FieldBlocks::doubleSpec, &StepResults::shape,
+                                           &HistoryRegions::shape,   &HistoryOutputs::shape,
+                                           &Failures::shape};
 
 }  // namespace odbs::engine::layout

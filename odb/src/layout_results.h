@@ -20,13 +20,13 @@ struct FieldKinds {
     kNLabels,
     kNInts
   };
-  static constexpr TableSpec spec{"field_kinds", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"field_kinds", kNInts, 0, 0, {}};
 };
 
 // Component labels.
 struct FieldLabels {
   enum Ints { kText, kNInts };
-  static constexpr TableSpec spec{"field_labels", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"field_labels", kNInts, 0, 0, {}};
 };
 
 // Whose values a block has. Arrays have one entry per value or are empty.
@@ -51,26 +51,26 @@ struct FieldLayouts {
     kNFaces,
     kNInts
   };
-  static constexpr TableSpec spec{"field_layouts",
-                                  kNInts,
-                                  0,
-                                  4,
-                                  {{kElementLabels, Kind::kInt32},
-                                   {kNodeLabels, Kind::kInt32},
-                                   {kPoints, Kind::kInt32},
-                                   {kFaces, Kind::kInt32}}};
+  static constexpr TableSpec shape{"field_layouts",
+                                   kNInts,
+                                   0,
+                                   4,
+                                   {{kElementLabels, Kind::kInt32},
+                                    {kNodeLabels, Kind::kInt32},
+                                    {kPoints, Kind::kInt32},
+                                    {kFaces, Kind::kInt32}}};
 };
 
 // One row per row of Frames.
 struct FrameFields {
   enum Ints { kFirstField, kNFields, kNInts };
-  static constexpr TableSpec spec{"frame_fields", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"frame_fields", kNInts, 0, 0, {}};
 };
 
 // The fields of all frames, frame by frame.
 struct Fields {
   enum Ints { kKind, kFirstBlock, kNBlocks, kFirstDouble, kNDoubles, kNInts };
-  static constexpr TableSpec spec{"fields", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"fields", kNInts, 0, 0, {}};
 };
 
 // Blocks of values in single precision, and in double precision: float32 or float64 arrays.
@@ -86,7 +86,7 @@ struct FieldBlocks {
     kNOrientation,
     kNInts
   };
-  static constexpr TableSpec spec{
+  static constexpr TableSpec shape{
       "field_blocks",
       kNInts,
       0,
@@ -103,7 +103,7 @@ struct FieldBlocks {
 // One row per row of Steps.
 struct StepResults {
   enum Ints { kFirstRegion, kNRegions, kFirstFailures, kNFailures, kNInts };
-  static constexpr TableSpec spec{"step_results", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"step_results", kNInts, 0, 0, {}};
 };
 
 struct HistoryRegions {
@@ -128,7 +128,7 @@ struct HistoryRegions {
     kNOutputs,
     kNInts
   };
-  static constexpr TableSpec spec{"history_regions", kNInts, 0, 0, {}};
+  static constexpr TableSpec shape{"history_regions", kNInts, 0, 0, {}};
 };
 
 struct HistoryOutputs {
@@ -143,7 +143,7 @@ struct HistoryOutputs {
     kNConjugate,
     kNInts
   };
-  static constexpr TableSpec spec{
+  static constexpr TableSpec shape{
       "history_outputs", kNInts, 0, 2, {{kData, Kind::kFloat32}, {kConjugate, Kind::kFloat32}}};
 };
 
@@ -157,7 +157,7 @@ struct Failures {
     kNTimes,
     kNInts
   };
-  static constexpr TableSpec spec{
+  static constexpr TableSpec shape{
       "element_failures", kNInts, 0, 2, {{kLabels, Kind::kInt32}, {kTimes, Kind::kFloat32}}};
 };
 

@@ -19,8 +19,8 @@ using layout::Kind;
 using layout::SectionPoints;
 
 void loadCategories(ModelReading& reading) {
-  const Rows rows(reading.reader, Categories::spec);
-  const Rows points(reading.reader, SectionPoints::spec);
+  const Rows rows(reading.reader, Categories::shape);
+  const Rows points(reading.reader, SectionPoints::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     CategoryData& category = reading.model.categories.emplace_back();
     category.database = &reading.database;
@@ -39,7 +39,7 @@ void loadCategories(ModelReading& reading) {
 }
 
 void loadCsyses(ModelReading& reading) {
-  const Rows rows(reading.reader, Csyses::spec);
+  const Rows rows(reading.reader, Csyses::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     CsysData& csys = reading.model.csyses.emplace_back();
     csys.name = rows.text(i, Csyses::kName);
@@ -105,8 +105,8 @@ void placeEntity(EntityData& entity, const Rows& rows, std::int64_t row) {
 
 void loadEntities(ModelReading& reading) {
   Model& model = reading.model;
-  const Rows rows(reading.reader, Entities::spec);
-  const Rows blocks(reading.reader, ElementBlocks::spec);
+  const Rows rows(reading.reader, Entities::shape);
+  const Rows blocks(reading.reader, ElementBlocks::shape);
   if (rows.size() == 0) failDamaged(reading.reader.path() + ": there is no assembly");
   for (std::int64_t row = 0; row < rows.size(); ++row) {
     const EntityKind kind = rows.choice(
@@ -139,8 +139,8 @@ void loadEntities(ModelReading& reading) {
 }
 
 void saveCategories(Model& model, Saver& saver) {
-  Table& table = saver.table(Categories::spec);
-  Table& points = saver.table(SectionPoints::spec);
+  Table& table = saver.table(Categories::shape);
+  Table& points = saver.table(SectionPoints::shape);
   for (CategoryData& category : model.categories) {
     category.row = table.addRow();
     table.integer(category.row, Categories::kName) = saver.text(category.name);
@@ -157,7 +157,7 @@ void saveCategories(Model& model, Saver& saver) {
 }
 
 void saveCsyses(Model& model, Saver& saver) {
-  Table& table = saver.table(Csyses::spec);
+  Table& table = saver.table(Csyses::shape);
   for (CsysData& csys : model.csyses) {
     csys.row = table.addRow();
     table.integer(csys.row, Csyses::kName) = saver.text(csys.name);
@@ -169,8 +169,8 @@ void saveCsyses(Model& model, Saver& saver) {
 }
 
 void saveEntities(Model& model, Saver& saver) {
-  Table& table = saver.table(Entities::spec);
-  Table& blocks = saver.table(ElementBlocks::spec);
+  Table& table = saver.table(Entities::shape);
+  Table& blocks = saver.table(ElementBlocks::shape);
   for (EntityData& entity : model.entities) {
     const std::int64_t row = table.addRow();
     table.integer(row, Entities::kKind) = static_cast<std::int64_t>(entity.kind);
@@ -228,7 +228,7 @@ void saveModel(Model& model, Saver& saver) {
 
 void loadDatabaseRow(Database& database, FileReader& reader) {
   using D = layout::Database;
-  const Rows rows(reader, D::spec);
+  const Rows rows(reader, D::shape);
   if (rows.size() != 1) failDamaged(reader.path() + ": the database has no description");
   database.title = rows.text(0, D::kTitle);
   database.description = rows.text(0, D::kDescription);
@@ -260,7 +260,7 @@ void loadDatabaseRow(Database& database, FileReader& reader) {
 
 void saveDatabaseRow(Database& database, Saver& saver) {
   using D = layout::Database;
-  Table& table = saver.table(D::spec);
+  Table& table = saver.table(D::shape);
   const std::int64_t row = table.addRow();
   table.integer(row, D::kTitle) = saver.text(database.title);
   table.integer(row, D::kDescription) = saver.text(database.description);

@@ -20,8 +20,8 @@ constexpr const char* kTexts = "texts";
 constexpr const char* kColumns = "columns";
 constexpr const char* kBlocks = "blocks";
 
-std::string columnName(const layout::TableSpec& spec, char type, int column) {
-  return std::string(kColumns) + "/" + spec.name + "." + type + std::to_string(column);
+std::string columnName(const layout::TableSpec& shape, char type, int column) {
+  return std::string(kColumns) + "/" + shape.name + "." + type + std::to_string(column);
 }
 
 std::string blockName(layout::Kind kind, std::int64_t number) {
@@ -52,24 +52,24 @@ class OldReader {
   }
 
   // Its references to arrays are still those of the old layout.
-  Table table(const layout::TableSpec& spec) {
-    Table table = emptyTable(spec);
-    if (!file_.has(columnName(spec, 'i', 0))) return table;
-    for (int c = 0; c < spec.nInts; ++c) {
-      const std::vector<std::int64_t> column = read<std::int64_t>(spec, 'i', c, Number::kInt64);
+  Table table(const layout::TableSpec& shape) {
+    Table table = emptyTable(shape);
+    if (!file_.has(columnName(shape, 'i', 0))) return table;
+    for (int c = 0; c < shape.nInts; ++c) {
+      const std::vector<std::int64_t> column = read<std::int64_t>(shape, 'i', c, Number::kInt64);
       if (c == 0) {
         table.nRows = static_cast<std::int64_t>(column.size());
-        table.ints.resize(column.size() * static_cast<std::size_t>(spec.nInts));
-        table.reals.resize(column.size() * static_cast<std::size_t>(spec.nReals));
+        table.ints.resize(column.size() * static_cast<std::size_t>(shape.nInts));
+        table.reals.resize(column.size() * static_cast<std::size_t>(shape.nReals));
       }
-      checkRows(spec, table, column.size());
+      checkRows(shape, table, column.size());
       for (std::int64_t r = 0; r < table.nRows; ++r) {
         table.integer(r, c) = column[static_cast<std::size_t>(r)];
       }
     }
-    for (int c = 0; c < spec.nReals; ++c) {
-      const std::vector<double> column = read<double>(spec, 'r', c, Number::kFloat64);
-      checkRows(spec, table, column.size());
+    for (int c = 0; c < shape.nReals; ++c) {
+      const std::vector<double> column = read<double>(shape, 'r', c, Number::kFloat64);
+      checkRows(shape, table, column.size());
       for (std::int64_t r = 0; r < table.nRows; ++r) {
         table.real(r, c) = column[static_cast<std::size_t>(r)];
       }
@@ -87,16 +87,16 @@ class OldReader {
 
  private:
   template <class T>
-  std::vector<T> read(const layout::TableSpec& spec, char type, int column, Number number) {
-    const Hdf5File::Dataset dataset = file_.open(columnName(spec, type, column), number, 1);
+  std::vector<T> read(const layout::TableSpec& shape, char type, int column, Number number) {
+    const Hdf5File::Dataset dataset = file_.open(columnName(shape, type, column), number, 1);
     std::vector<T> values(static_cast<std::size_t>(dataset.dims[0]));
     file_.read(dataset, 0, dataset.dims[0], values.data());
     return values;
   }
 
-  void checkRows(const layout::TableSpec& spec, const Table& table, std::size_t n) {
+  void checkRows(const layout::TableSpec& shape, const Table& table, std::size_t n) {
     if (static_cast<std::int64_t>(n) != table.nRows) {
-      failDamaged(file_.path() + ": the columns of table " + spec.name + " differ in length");
+      failDamaged(file_.path() + ": the columns of table " + shape.name + " differ in length");
     }
   }
 
@@ -110,9 +110,9 @@ class ArrayMover {
 
   std::int64_t count() const { return static_cast<std::int64_t>(moved_.size()); }
 
-  void move(const layout::TableSpec& spec, Table& table) {
-    for (int a = 0; a < spec.nArrays; ++a) {
-      const layout::ArrayColumn& column = spec.arrays[a];
+  void move(const layout::TableSpec& shape, Table& table) {
+    for (int a = 0; a < shape.nArrays; ++a) {
+      const layout::ArrayColumn& column = shape.arrays[a];
       for (std::int64_t row = 0; row < table.nRows; ++row) {
         std::int64_t& place = table.integer(row, column.column);
         const std::int64_t n = table.integer(row, column.column + 1);
@@ -156,17 +156,17 @@ std::int64_t OldWriter::putArray(layout::Kind kind, const void* data, std::int64
   return number;
 }
 
-void OldWriter::putTable(const layout::TableSpec& spec, const Table& table) {
-  for (int c = 0; c < spec.nInts; ++c) {
+void OldWriter::putTable(const layout::TableSpec& shape, const Table& table) {
+  for (int c = 0; c < shape.nInts; ++c) {
     std::vector<std::int64_t> column;
     for (std::int64_t r = 0; r < table.nRows; ++r) column.push_back(table.integer(r, c));
-    file_.write(file_.create(columnName(spec, 'i', c), Number::kInt64, {table.nRows}, false), 0,
+    file_.write(file_.create(columnName(shape, 'i', c), Number::kInt64, {table.nRows}, false), 0,
                 table.nRows, column.data());
   }
-  for (int c = 0; c < spec.nReals; ++c) {
+  for (int c = 0; c < shape.nReals; ++c) {
     std::vector<double> column;
     for (std::int64_t r = 0; r < table.nRows; ++r) column.push_back(table.real(r, c));
-    file_.write(file_.create(columnName(spec, 'r', c), Number::kFloat64, {table.nRows}, false), 0,
+    file_.write(file_.create(columnName(shape, 'r', c), Number::kFloat64, {table.nRows}, false), 0,
                 table.nRows, column.data());
   }
 }
@@ -201,11 +201,11 @@ void upgradeOldLayout(const std::string& from, const std::string& to) {
     FileWriter writer(unfinished, false);
     ArrayMover mover(reader, writer);
     writer.putTexts(reader.texts());
-    for (const layout::TableSpec* spec : layout::kAllTables) {
-      Table table = reader.table(*spec);
-      mover.move(*spec, table);
-      writer.putTable(*spec, table);
-      if (table.nRows > 0) log << "table " << spec->name << ": " << table.nRows << " rows\n";
+    for (const layout::TableSpec* shape : layout::kAllTables) {
+      Table table = reader.table(*shape);
+      mover.move(*shape, table);
+      writer.putTable(*shape, table);
+      if (table.nRows > 0) log << "table " << shape->name << ": " << table.nRows << " rows\n";
     }
     writer.finish();
     log << mover.count() << " arrays\n";

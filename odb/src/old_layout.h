@@ -16,7 +16,7 @@ class OldWriter : public SaveTarget {
  public:
   explicit OldWriter(const std::string& path);
   std::int64_t putArray(layout::Kind kind, const void* data, std::int64_t count) override;
-  void putTable(const layout::TableSpec& spec, const Table& table) override;
+  void putTable(const layout::TableSpec& shape, const Table& table) override;
   void putTexts(const std::vector<std::string>& texts) override;
   void finish() override;
 

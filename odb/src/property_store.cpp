@@ -64,7 +64,7 @@ Properties ModelReading::namedValues(const Rows& rows, std::int64_t row, int fir
 
 void writeNamedValues(Saver& saver, Table& table, std::int64_t row, int firstColumn,
                       const Properties& properties) {
-  Table& values = saver.table(P::spec);
+  Table& values = saver.table(P::shape);
   table.integer(row, firstColumn) = values.nRows;
   table.integer(row, firstColumn + 1) = static_cast<std::int64_t>(properties.size());
   for (const auto& [key, property] : properties) {
@@ -104,8 +104,8 @@ odb_SectionLayer readLayer(ModelReading& reading, const Rows& rows, std::int64_t
 }
 
 void loadSections(ModelReading& reading) {
-  const Rows rows(reading.reader, Sections::spec);
-  const Rows layers(reading.reader, Layers::spec);
+  const Rows rows(reading.reader, Sections::shape);
+  const Rows layers(reading.reader, Layers::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     SectionData& section = reading.model.sections.emplace_back();
     section.database = &reading.database;
@@ -122,8 +122,8 @@ void loadSections(ModelReading& reading) {
 }
 
 void loadMaterials(ModelReading& reading) {
-  const Rows rows(reading.reader, Materials::spec);
-  const Rows behaviours(reading.reader, Behaviours::spec);
+  const Rows rows(reading.reader, Materials::shape);
+  const Rows behaviours(reading.reader, Behaviours::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     MaterialData& material = reading.model.materials.emplace_back();
     material.database = &reading.database;
@@ -144,7 +144,7 @@ void loadMaterials(ModelReading& reading) {
 }
 
 void loadObjects(ModelReading& reading) {
-  const Rows rows(reading.reader, Objects::spec);
+  const Rows rows(reading.reader, Objects::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     PropertyData object;
     object.kind =
@@ -160,14 +160,14 @@ void loadObjects(ModelReading& reading) {
 
 void loadUserData(ModelReading& reading) {
   Model& model = reading.model;
-  const Rows annotations(reading.reader, Annotations::spec);
+  const Rows annotations(reading.reader, Annotations::shape);
   for (std::int64_t i = 0; i < annotations.size(); ++i) {
     AnnotationData& annotation = model.annotations.emplace_back();
     annotation.text = annotations.text(i, Annotations::kText);
     model.annotationHandles.engineItems().add(annotations.text(i, Annotations::kKey),
                                               odb_Text(&annotation));
   }
-  const Rows curves(reading.reader, Curves::spec);
+  const Rows curves(reading.reader, Curves::shape);
   for (std::int64_t i = 0; i < curves.size(); ++i) {
     CurveData& curve = model.curves.emplace_back();
     curve.name = curves.text(i, Curves::kName);
@@ -184,8 +184,8 @@ void loadUserData(ModelReading& reading) {
 }
 
 void saveSections(Model& model, Saver& saver) {
-  Table& table = saver.table(Sections::spec);
-  Table& layers = saver.table(Layers::spec);
+  Table& table = saver.table(Sections::shape);
+  Table& layers = saver.table(Layers::shape);
   for (const SectionData& section : model.sections) {
     const std::int64_t row = table.addRow();
     table.integer(row, Sections::kType) = saver.text(section.type.engineName());
@@ -217,8 +217,8 @@ void saveSections(Model& model, Saver& saver) {
 }
 
 void saveMaterials(Model& model, Saver& saver) {
-  Table& table = saver.table(Materials::spec);
-  Table& behaviours = saver.table(Behaviours::spec);
+  Table& table = saver.table(Materials::shape);
+  Table& behaviours = saver.table(Behaviours::shape);
   for (const MaterialData& material : model.materials) {
     const std::int64_t row = table.addRow();
     table.integer(row, Materials::kName) = saver.text(material.name);
@@ -237,14 +237,14 @@ void saveMaterials(Model& model, Saver& saver) {
 }
 
 void saveUserData(Model& model, Saver& saver) {
-  Table& annotations = saver.table(Annotations::spec);
+  Table& annotations = saver.table(Annotations::shape);
   const auto& texts = model.annotationHandles.engineItems();
   for (int i = 0; i < texts.size(); ++i) {
     const std::int64_t row = annotations.addRow();
     annotations.integer(row, Annotations::kKey) = saver.text(texts.at(i).key);
     annotations.integer(row, Annotations::kText) = saver.text(texts.at(i).value.text());
   }
-  Table& curves = saver.table(Curves::spec);
+  Table& curves = saver.table(Curves::shape);
   for (const CurveData& curve : model.curves) {
     const std::int64_t row = curves.addRow();
     curves.integer(row, Curves::kName) = saver.text(curve.name);
@@ -286,7 +286,7 @@ bool addObject(Model& model, const PropertyData& object) {
 }
 
 void loadProperties(ModelReading& reading) {
-  reading.properties = std::make_unique<Rows>(reading.reader, P::spec);
+  reading.properties = std::make_unique<Rows>(reading.reader, P::shape);
   loadSections(reading);
   loadMaterials(reading);
   loadObjects(reading);
@@ -296,7 +296,7 @@ void loadProperties(ModelReading& reading) {
 void saveProperties(Model& model, Saver& saver) {
   saveSections(model, saver);
   saveMaterials(model, saver);
-  Table& objects = saver.table(Objects::spec);
+  Table& objects = saver.table(Objects::shape);
   for (const PropertyData& object : model.objects) {
     const std::int64_t row = objects.addRow();
     objects.integer(row, Objects::kKind) = static_cast<std::int64_t>(object.kind);

@@ -38,8 +38,8 @@ EntityData& ownerOf(ModelReading& reading, const Rows& rows, std::int64_t row, i
 }
 
 void loadSets(ModelReading& reading) {
-  const Rows rows(reading.reader, Sets::spec);
-  const Rows segments(reading.reader, SetSegments::spec);
+  const Rows rows(reading.reader, Sets::shape);
+  const Rows segments(reading.reader, SetSegments::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     EntityData& owner = ownerOf(reading, rows, i, Sets::kOwner);
     const auto type = rows.choice(
@@ -72,7 +72,7 @@ void loadSets(ModelReading& reading) {
 }
 
 void loadAssignments(ModelReading& reading) {
-  const Rows rows(reading.reader, Assignments::spec);
+  const Rows rows(reading.reader, Assignments::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     EntityData& owner = ownerOf(reading, rows, i, Assignments::kOwner);
     AssignmentData& assignment = owner.assignments.emplace_back();
@@ -84,8 +84,8 @@ void loadAssignments(ModelReading& reading) {
 }
 
 void loadSurfaces(ModelReading& reading) {
-  const Rows rows(reading.reader, AnalyticSurfaces::spec);
-  const Rows segments(reading.reader, SurfaceSegments::spec);
+  const Rows rows(reading.reader, AnalyticSurfaces::shape);
+  const Rows segments(reading.reader, SurfaceSegments::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     EntityData& owner = ownerOf(reading, rows, i, AnalyticSurfaces::kOwner);
     if (owner.surface || owner.kind == EntityKind::kAssembly) {
@@ -113,7 +113,7 @@ void loadSurfaces(ModelReading& reading) {
 }
 
 void loadRigidBodies(ModelReading& reading) {
-  const Rows rows(reading.reader, RigidBodies::spec);
+  const Rows rows(reading.reader, RigidBodies::shape);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     EntityData& owner = ownerOf(reading, rows, i, RigidBodies::kOwner);
     RigidBodyData& body = owner.rigidBodies.emplace_back();
@@ -136,7 +136,7 @@ void loadRigidBodies(ModelReading& reading) {
 
 void loadOrientations(ModelReading& reading) {
   using O = Orientations;
-  const Rows rows(reading.reader, O::spec);
+  const Rows rows(reading.reader, O::shape);
   const auto axes = {odb_Enum::AXIS_1, odb_Enum::AXIS_2, odb_Enum::AXIS_3};
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     EntityData& owner = ownerOf(reading, rows, i, O::kOwner);
@@ -163,8 +163,8 @@ void loadOrientations(ModelReading& reading) {
 }
 
 void saveSets(EntityData& entity, Saver& saver) {
-  Table& sets = saver.table(Sets::spec);
-  Table& segments = saver.table(SetSegments::spec);
+  Table& sets = saver.table(Sets::shape);
+  Table& segments = saver.table(SetSegments::shape);
   for (SetData& set : entity.sets) {
     if (set.source) continue;
     set.row = sets.addRow();
@@ -186,8 +186,8 @@ void saveSets(EntityData& entity, Saver& saver) {
 void saveSurface(EntityData& entity, Saver& saver) {
   if (!entity.surface) return;
   SurfaceData& surface = *entity.surface;
-  Table& table = saver.table(AnalyticSurfaces::spec);
-  Table& segments = saver.table(SurfaceSegments::spec);
+  Table& table = saver.table(AnalyticSurfaces::shape);
+  Table& segments = saver.table(SurfaceSegments::shape);
   surface.row = table.addRow();
   table.integer(surface.row, AnalyticSurfaces::kOwner) = entity.row;
   table.integer(surface.row, AnalyticSurfaces::kName) = saver.text(surface.name);
@@ -208,7 +208,7 @@ void saveSurface(EntityData& entity, Saver& saver) {
 }
 
 void saveAssignments(EntityData& entity, Saver& saver) {
-  Table& table = saver.table(Assignments::spec);
+  Table& table = saver.table(Assignments::shape);
   for (const AssignmentData& assignment : entity.assignments) {
     const std::int64_t row = table.addRow();
     table.integer(row, Assignments::kOwner) = entity.row;
@@ -218,7 +218,7 @@ void saveAssignments(EntityData& entity, Saver& saver) {
 }
 
 void saveRigidBodies(EntityData& entity, Saver& saver) {
-  Table& table = saver.table(RigidBodies::spec);
+  Table& table = saver.table(RigidBodies::shape);
   for (const RigidBodyData& body : entity.rigidBodies) {
     const std::int64_t row = table.addRow();
     table.integer(row, RigidBodies::kOwner) = entity.row;
@@ -238,7 +238,7 @@ std::int64_t csysRow(const odb_DatumCsys& csys) {
 
 void saveOrientations(EntityData& entity, Saver& saver) {
   using O = Orientations;
-  Table& table = saver.table(O::spec);
+  Table& table = saver.table(O::shape);
   for (const OrientationData& orientation : entity.orientations) {
     const std::int64_t row = table.addRow();
     table.integer(row, O::kOwner) = entity.row;

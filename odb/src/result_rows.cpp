@@ -29,8 +29,8 @@ const std::initializer_list<odb_Enum::odb_DataTypeEnum> kTypes = {
 
 std::vector<std::shared_ptr<const FieldDescriptor>> readKinds(Database& database,
                                                               FileReader& reader) {
-  const Rows rows(reader, FieldKinds::spec);
-  const Rows labels(reader, FieldLabels::spec);
+  const Rows rows(reader, FieldKinds::shape);
+  const Rows labels(reader, FieldLabels::shape);
   std::vector<std::shared_ptr<const FieldDescriptor>> kinds;
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     FieldDescriptor d;
@@ -64,7 +64,7 @@ bool needsElements(odb_Enum::odb_ResultPositionEnum position) {
 class LayoutReader {
  public:
   LayoutReader(Database& database, FileReader& reader, int file)
-      : database_(database), rows_(reader, FieldLayouts::spec), file_(file) {}
+      : database_(database), rows_(reader, FieldLayouts::shape), file_(file) {}
 
   std::vector<std::shared_ptr<BlockLayout>> read() {
     std::vector<std::shared_ptr<BlockLayout>> layouts;

@@ -21,12 +21,12 @@ class FieldSaver {
   FieldSaver(Database& database, Saver& saver)
       : store_(resultsOf(database)),
         saver_(saver),
-        kinds_(saver.table(FieldKinds::spec)),
-        labels_(saver.table(FieldLabels::spec)),
-        layouts_(saver.table(FieldLayouts::spec)),
-        frames_(saver.table(layout::FrameFields::spec)),
-        fields_(saver.table(Fields::spec)),
-        singles_(saver.table(FieldBlocks::spec)),
+        kinds_(saver.table(FieldKinds::shape)),
+        labels_(saver.table(FieldLabels::shape)),
+        layouts_(saver.table(FieldLayouts::shape)),
+        frames_(saver.table(layout::FrameFields::shape)),
+        fields_(saver.table(Fields::shape)),
+        singles_(saver.table(FieldBlocks::shape)),
         doubles_(saver.table(FieldBlocks::doubleSpec)) {
     store_.saving.clear();
   }

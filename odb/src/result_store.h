@@ -35,7 +35,7 @@ struct FrameFields {
 // A run of rows of a stored table, kept because neighbours are asked for next.
 class RowWindow {
  public:
-  explicit RowWindow(const layout::TableSpec& spec) : spec_(spec) {}
+  explicit RowWindow(const layout::TableSpec& shape) : spec_(shape) {}
   // Rows that hold [first, first + count) and the place of the first in them.
   const Rows& get(FileReader& reader, std::int64_t first, std::int64_t count, std::int64_t& place);
   std::int64_t size(FileReader& reader);
@@ -52,9 +52,9 @@ struct StoredFields {
   int file = 0;
   std::vector<std::shared_ptr<const FieldDescriptor>> kinds;
   std::vector<std::shared_ptr<BlockLayout>> layouts;
-  RowWindow frames{layout::FrameFields::spec};
-  RowWindow fields{layout::Fields::spec};
-  RowWindow singles{layout::FieldBlocks::spec};
+  RowWindow frames{layout::FrameFields::shape};
+  RowWindow fields{layout::Fields::shape};
+  RowWindow singles{layout::FieldBlocks::shape};
   RowWindow doubles{layout::FieldBlocks::doubleSpec};
 };
 

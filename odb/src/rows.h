@@ -15,10 +15,10 @@ struct Range {
 
 class Rows {
  public:
-  Rows(FileReader& reader, const layout::TableSpec& spec)
-      : reader_(reader), spec_(spec), table_(reader.readTable(spec)) {}
-  Rows(FileReader& reader, const layout::TableSpec& spec, const Range& range)
-      : reader_(reader), spec_(spec), table_(reader.readTable(spec, range.first, range.count)) {}
+  Rows(FileReader& reader, const layout::TableSpec& shape)
+      : reader_(reader), spec_(shape), table_(reader.readTable(shape)) {}
+  Rows(FileReader& reader, const layout::TableSpec& shape, const Range& range)
+      : reader_(reader), spec_(shape), table_(reader.readTable(shape, range.first, range.count)) {}
 
   std::int64_t size() const { return table_.nRows; }
   std::int64_t integer(std::int64_t row, int column) const { return table_.integer(row, column); }

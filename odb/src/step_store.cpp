@@ -71,7 +71,7 @@ void writeStep(StepData& step, Saver& saver, Table& table, std::int64_t row) {
 
 void readLoadCases(StepData& step, FileReader& reader, const Range& range) {
   if (range.count == 0) return;
-  const Rows rows(reader, LoadCases::spec, range);
+  const Rows rows(reader, LoadCases::shape, range);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     LoadCaseData& loadCase = step.loadCases.emplace_back();
     loadCase.name = rows.text(i, LoadCases::kName);
@@ -83,7 +83,7 @@ void readLoadCases(StepData& step, FileReader& reader, const Range& range) {
 // Reads frames from place `first` of the step on.
 void readFrames(StepData& step, FileReader& reader, std::int64_t first) {
   const Range range{step.storedFrames.first + first, step.storedFrames.count - first};
-  const Rows rows(reader, Frames::spec, range);
+  const Rows rows(reader, Frames::shape, range);
   const std::size_t nFrames = static_cast<std::size_t>(step.storedFrames.count);
   for (std::int64_t i = 0; i < rows.size(); ++i) {
     FrameData& frame = step.frames.emplace_back();
@@ -110,9 +110,9 @@ constexpr std::int64_t kMostFrames = 1 << 30;
 
 void loadSteps(Database& database, FileReader& reader) {
   using S = layout::Steps;
-  const Rows rows(reader, S::spec);
-  const std::int64_t nFrames = reader.nRows(Frames::spec);
-  const std::int64_t nLoadCases = reader.nRows(LoadCases::spec);
+  const Rows rows(reader, S::shape);
+  const std::int64_t nFrames = reader.nRows(Frames::shape);
+  const std::int64_t nLoadCases = reader.nRows(LoadCases::shape);
   Steps& steps = database.steps;
   for (std::int64_t row = static_cast<std::int64_t>(steps.items.size()); row < rows.size(); ++row) {
     StepData& step = steps.items.emplace_back();
@@ -142,9 +142,9 @@ void loadFrames(StepData& step) {
 
 void saveSteps(Database& database, Saver& saver) {
   using S = layout::Steps;
-  Table& steps = saver.table(S::spec);
-  Table& frames = saver.table(Frames::spec);
-  Table& loadCases = saver.table(LoadCases::spec);
+  Table& steps = saver.table(S::shape);
+  Table& frames = saver.table(Frames::shape);
+  Table& loadCases = saver.table(LoadCases::shape);
   const RepositoryItems<odb_Step>& items = database.steps.handles.engineItems();
   for (int i = 0; i < items.size(); ++i) {
     StepData& step = *items.at(i).value.engineData();
@@ -186,8 +186,8 @@ void stepsSaved(Database& database) {
 
 bool updateSteps(Database& database, FileReader& reader) {
   using S = layout::Steps;
-  const Rows rows(reader, S::spec);
-  const std::int64_t nFrames = reader.nRows(Frames::spec);
+  const Rows rows(reader, S::shape);
+  const std::int64_t nFrames = reader.nRows(Frames::shape);
   Steps& steps = database.steps;
   const std::int64_t nKnown = static_cast<std::int64_t>(steps.items.size());
   if (rows.size() < nKnown) return false;

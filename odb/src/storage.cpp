@@ -72,8 +72,8 @@ void Storage::dropPending() {
   port::removeFile(path);
 }
 
-Table& Saver::table(const layout::TableSpec& spec) {
-  return tables_.emplace(&spec, emptyTable(spec)).first->second;
+Table& Saver::table(const layout::TableSpec& shape) {
+  return tables_.emplace(&shape, emptyTable(shape)).first->second;
 }
 
 ArrayRef Saver::put(layout::Kind kind, const ArrayRef& ref, std::int64_t count,
@@ -99,7 +99,7 @@ ArrayRef Saver::put(layout::Kind kind, const ArrayRef& ref, std::int64_t count,
 
 void Saver::finish() {
   target_.putTexts(texts_.texts());
-  for (const auto& [spec, table] : tables_) target_.putTable(*spec, table);
+  for (const auto& [shape, table] : tables_) target_.putTable(*shape, table);
   target_.finish();
 }
 

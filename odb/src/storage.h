@@ -109,7 +109,7 @@ struct Table {
     return reals[static_cast<std::size_t>(row * nReals + column)];
   }
 };
-Table emptyTable(const layout::TableSpec& spec);
+Table emptyTable(const layout::TableSpec& shape);
 
 // Texts by number: each stored once. Number -1 is the empty text.
 class TextWriter {
@@ -140,9 +140,9 @@ class FileReader {
 
   const std::string& path() const { return path_; }
   const Format& format() const { return format_; }
-  std::int64_t nRows(const layout::TableSpec& spec);
-  Table readTable(const layout::TableSpec& spec);
-  Table readTable(const layout::TableSpec& spec, std::int64_t firstRow, std::int64_t nRows);
+  std::int64_t nRows(const layout::TableSpec& shape);
+  Table readTable(const layout::TableSpec& shape);
+  Table readTable(const layout::TableSpec& shape, std::int64_t firstRow, std::int64_t nRows);
   void readArray(layout::Kind kind, std::int64_t start, std::int64_t count, void* out);
   // Throws odb_Exception when the place does not exist; nothing is read of the array itself.
   void checkArray(layout::Kind kind, std::int64_t start, std::int64_t count);
@@ -193,7 +193,7 @@ class SaveTarget {
   virtual ~SaveTarget() = default;
   // Appends an array; gives its place.
   virtual std::int64_t putArray(layout::Kind kind, const void* data, std::int64_t count) = 0;
-  virtual void putTable(const layout::TableSpec& spec, const Table& table) = 0;
+  virtual void putTable(const layout::TableSpec& shape, const Table& table) = 0;
   virtual void putTexts(const std::vector<std::string>& texts) = 0;
   // Completes and closes the file.
   virtual void finish() = 0;
@@ -206,7 +206,7 @@ class FileWriter : public SaveTarget {
 
   const std::string& path() const { return path_; }
   std::int64_t putArray(layout::Kind kind, const void* data, std::int64_t count) override;
-  void putTable(const layout::TableSpec& spec, const Table& table) override;
+  void putTable(const layout::TableSpec& shape, const Table& table) override;
   void putTexts(const std::vector<std::string>& texts) override;
   void finish() override;
   // Opens the finished file again, when it could not be put in its place.
@@ -322,7 +322,7 @@ class Saver {
 
   std::int64_t text(const odb_String& text) { return texts_.put(text); }
   // The table of that name, to be filled.
-  Table& table(const layout::TableSpec& spec);
+  Table& table(const layout::TableSpec& shape);
   // Puts an array and enters its place and count in two columns of a row.
   template <class T>
   void array(Table& table, std::int64_t row, int column, StoredArray<T>& array) {

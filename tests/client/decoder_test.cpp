@@ -169,8 +169,8 @@ std::vector<Sample> sectionSamples() {
            .f32(0.25f)
            .f32(-45),
        "section",
-       {"number=6", "name=LAM", "section_kind=composite", "layers=1;2;", "points=3;3;", "materials=M1;M2;",
-        "thicknesses=0.5;0.25;", "angles=45;-45;"}},
+       {"number=6", "name=LAM", "section_kind=composite", "layers=1;2;", "points=3;3;",
+        "materials=M1;M2;", "thicknesses=0.5;0.25;", "angles=45;-45;"}},
       {"bare material",
        kModel,
        Bytes(0x11).text("M").f32(7.5f).u32(0).u32(1),

@@ -6,6 +6,8 @@
 
 #include <cmath>
 
+#include "port/port.h"
+
 namespace odbs::test {
 namespace {
 
@@ -325,7 +327,12 @@ TEST_F(FieldRoundTrip, UpdatedDatabasesShowNewFramesAndKeepOldValues) {
     EXPECT_FLOAT_EQ(step.frames(i).fieldOutputs()["U"].values(1).data()[0],
                     static_cast<float>(10 * i + 3));
   }
-  EXPECT_EQ(before.values().size(), 2);
+  // Where an open file cannot be replaced, none is kept open: what was not read is gone with it.
+  if (port::openFilesCanBeReplaced()) {
+    EXPECT_EQ(before.values().size(), 2);
+  } else {
+    EXPECT_THROW(before.values(), odb_Exception);
+  }
   reader.close();
 }
 

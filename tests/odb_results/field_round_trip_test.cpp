@@ -323,16 +323,14 @@ TEST_F(FieldRoundTrip, UpdatedDatabasesShowNewFramesAndKeepOldValues) {
   model_.odb->save();
   ASSERT_TRUE(reader.update());
   ASSERT_EQ(step.frames().size(), 3);
+  // Where an open file cannot be replaced, none is kept open: what was not read is gone with it,
+  // until the frame is released and asked again.
+  if (!port::openFilesCanBeReplaced()) step.frames().release(0);
   for (int i = 0; i < 3; ++i) {
     EXPECT_FLOAT_EQ(step.frames(i).fieldOutputs()["U"].values(1).data()[0],
                     static_cast<float>(10 * i + 3));
   }
-  // Where an open file cannot be replaced, none is kept open: what was not read is gone with it.
-  if (port::openFilesCanBeReplaced()) {
-    EXPECT_EQ(before.values().size(), 2);
-  } else {
-    EXPECT_THROW(before.values(), odb_Exception);
-  }
+  EXPECT_EQ(before.values().size(), 2);
   reader.close();
 }
 

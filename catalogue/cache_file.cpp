@@ -83,12 +83,13 @@ class CacheReader {
   bool take(std::string_view& line) {
     if (!takeRaw(kLineBytesOnDisk - 1, line)) return false;
     if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
-    line = line.substr(0, line.find('\r'));
+    if (hasReturn_) line = line.substr(0, line.find('\r'));
     return true;
   }
   bool takeText(std::string& text) {
     std::string_view line;
     if (!take(line)) return false;
+    if (text == line) return true;  // as in the entry before
     text = line;
     restoreLineBreaks(text);
     return true;
@@ -147,6 +148,7 @@ class CacheReader {
     const int n = gzread(stream_, bytes_.data() + end_, static_cast<unsigned>(kPieceBytes));
     if (n > 0) end_ += static_cast<std::size_t>(n);
     atEnd_ = n <= 0;
+    hasReturn_ = std::memchr(bytes_.data(), '\r', end_) != nullptr;
   }
 
   gzFile stream_;
@@ -154,6 +156,7 @@ class CacheReader {
   std::size_t at_ = 0;
   std::size_t end_ = 0;
   bool atEnd_ = false;
+  bool hasReturn_ = false;  // some line of the piece has a carriage return
   Real reals_[3];
   std::size_t nReals_ = 0;
 };
@@ -185,11 +188,12 @@ bool replayEntry(CacheReader& reader, CatalogueEntry& entry, CatalogueListing li
   if (listing != CatalogueListing::kNodal) {
     int nLabels = 0;
     if (!reader.take(nLabels)) return false;
-    entry.componentLabels.clear();
-    for (int i = 0; i < nLabels; ++i) {
-      entry.componentLabels.emplace_back();
-      if (!reader.takeText(entry.componentLabels.back())) return false;
+    std::size_t n = 0;
+    for (; nLabels > 0 && n < static_cast<std::size_t>(nLabels); ++n) {
+      if (n == entry.componentLabels.size()) entry.componentLabels.emplace_back();
+      if (!reader.takeText(entry.componentLabels[n])) return false;
     }
+    entry.componentLabels.resize(n);
     sendComponents(outputFd, entry);
   }
   if (!reader.take(entry.frameIndex) || !reader.take(entry.domain) || !reader.take(entry.mode) ||

@@ -14,17 +14,6 @@ namespace {
 // Contract: this position means the field as it is stored, without a subset.
 constexpr int kPositionAsStored = 3;
 
-// Step and frame by place, both counted from 0. Throws std::out_of_range.
-odb_Frame frameAt(odb_Odb& odb, int stepIndex, int frameIndex) {
-  odb_StepRepositoryIT it(odb.steps());
-  for (it.first(); !it.isDone() && stepIndex > 0; it.next()) --stepIndex;
-  if (it.isDone()) throw std::out_of_range("no such step");
-  const odb_Step& step = it.currentValue();
-  const odb_SequenceFrame& frames = step.frames();
-  if (frameIndex < 0 || frameIndex >= frames.size()) throw std::out_of_range("no such frame");
-  return frames[frameIndex];
-}
-
 }  // namespace
 
 void BlockWriter::sendHeaders(const odb_FieldBulkData& block) {
@@ -50,6 +39,44 @@ SelectedLabels BlockWriter::selectedOf(const odb_FieldBulkData& block) const {
              : selected_->selectedElements(instance, block.sectionPoint().number());
 }
 
+template <typename Real>
+void BlockWriter::sendNumberSlices(const odb_FieldBulkData& block, const float* numbers) {
+  const ValueKeys keys(block);
+  const SelectedLabels selected = selected_ ? selectedOf(block) : SelectedLabels(nullptr, nullptr);
+  sdk::forEachValueSlice<Real>(block, false, [&](const sdk::ValueSlice<Real>& slice) {
+    const int* const labels = keys.labelsOf(slice);
+    for (int i = 0; i < slice.n; ++i) {
+      if (selected_ && !(labels && selected.has(labels[i]))) continue;
+      writer_.send<float>(keys.of(slice, i), numbers + i, nullptr, 1);
+    }
+    numbers += slice.n;
+  });
+}
+
+void BlockWriter::sendNumbersOf(const odb_FieldBulkData& block, int sectionPointField,
+                                const float* numbers) {
+  pendingField_ = sectionPointField;
+  sendHeaders(block);
+  if (block.precision() == odb_Enum::DOUBLE_PRECISION) {
+    sendNumberSlices<double>(block, numbers);
+  } else {
+    sendNumberSlices<float>(block, numbers);
+  }
+}
+
+const odb_Step& stepAt(odb_Odb& odb, int stepIndex) {
+  odb_StepRepositoryIT it(odb.steps());
+  for (it.first(); !it.isDone() && stepIndex > 0; it.next()) --stepIndex;
+  if (it.isDone()) throw std::out_of_range("no such step");
+  return it.currentValue();
+}
+
+odb_Frame frameAt(const odb_Step& step, int frameIndex) {
+  const odb_SequenceFrame& frames = step.frames();
+  if (frameIndex < 0 || frameIndex >= frames.size()) throw std::out_of_range("no such frame");
+  return frames[frameIndex];
+}
+
 const SelectionSet* appliedSelection(const ServerState& state) {
   // Contract: an empty selection set restricts nothing.
   return state.selection.flag && !state.regionSelection.empty() ? &state.regionSelection : nullptr;
@@ -57,7 +84,7 @@ const SelectionSet* appliedSelection(const ServerState& state) {
 
 bool findField(odb_Odb& odb, const Selection& selection, odb_FieldOutput& field) {
   if (selection.stepNumber < 1) return false;
-  const odb_Frame frame = frameAt(odb, selection.stepNumber - 1, selection.frameIndex);
+  const odb_Frame frame = frameAt(stepAt(odb, selection.stepNumber - 1), selection.frameIndex);
   odb_FieldOutputRepository& fields = frame.fieldOutputs();
   if (!fields.isMember(selection.variableName.c_str())) return false;
   field = fields.get(selection.variableName.c_str());

@@ -101,8 +101,14 @@ class BlockWriter {
     });
   }
 
+  // Sends the block's header records, then for each of its selected values one number of `numbers`
+  // (as many as the block has values) in place of its components.
+  void sendNumbersOf(const odb_FieldBulkData& block, int sectionPointField, const float* numbers);
+
  private:
   void sendHeaders(const odb_FieldBulkData& block);
+  template <typename Real>
+  void sendNumberSlices(const odb_FieldBulkData& block, const float* numbers);
   SelectedLabels selectedOf(const odb_FieldBulkData& block) const;
 
   template <typename Keep>
@@ -187,6 +193,10 @@ class BlockWriter {
 
 // The selection set as a request has to apply it; null when everything is sent.
 const SelectionSet* appliedSelection(const ServerState& state);
+
+// Step and frame by place, both counted from 0. Each throws std::out_of_range.
+const odb_Step& stepAt(odb_Odb& odb, int stepIndex);
+odb_Frame frameAt(const odb_Step& step, int frameIndex);
 
 // The field output that the selection names, not yet a subset. A step number below 1 and a variable
 // that the frame lacks give false. Throws std::out_of_range for a step or a frame out of range.

@@ -3,6 +3,7 @@
 #include "results/field_extractor.h"
 
 #include "results/block_writer.h"
+#include "results/modal_stress.h"
 #include "results/section_point_choice.h"
 #include "results/value_records.h"
 #include "server/sdk_adapter.h"
@@ -46,7 +47,7 @@ class FieldWalk {
 
   void sendBlock(const odb_FieldBulkData& block) {
     const int number = block.sectionPoint().number();
-    const int field = sectionPointField(number);
+    const int field = sectionPointField(request_, number);
     if (keepsOnePoint() && number != kNoSectionPoint) {
       const LabelTable& chosen = choice_.of(block.instance());
       writer_.send(block, field, Headers::kAlways,
@@ -54,14 +55,6 @@ class FieldWalk {
     } else {
       writer_.send(block, field, Headers::kAlways, KeepAll());
     }
-  }
-
-  // Contract: 1 and 2 stand for the picks also when both are -1.
-  int sectionPointField(int number) const {
-    if (request_.extraction == Extraction::kEveryPoint) return number;
-    if (number == request_.pick1) return 1;
-    if (number == request_.pick2) return 2;
-    return number;
   }
 
   int outputFd_;
@@ -72,11 +65,22 @@ class FieldWalk {
 
 }  // namespace
 
+int sectionPointField(const FieldRequest& request, int sectionPoint) {
+  if (request.extraction == Extraction::kEveryPoint) return sectionPoint;
+  if (sectionPoint == request.pick1) return 1;
+  if (sectionPoint == request.pick2) return 2;
+  return sectionPoint;
+}
+
 void extractField(odb_Odb& odb, int outputFd, const FieldRequest& request) {
   sendResultTitle(outputFd, odb.analysisTitle().CStr(),
                   static_cast<int>(odb.jobData().analysisCode()) - 1);
   odb_FieldOutput field;
   if (!findField(odb, *request.selection, field)) return;
+  if (isModalStress(request.selection->variableName)) {
+    extractModalStress(odb, outputFd, request, field);
+    return;
+  }
   if (request.extraction != Extraction::kAsStored) {
     field = atPosition(field, request.selection->position);
   }

@@ -25,6 +25,10 @@ struct FieldRequest {
   const SelectionSet* selected = nullptr;  // restricts the values; null: all; must outlive the call
 };
 
+// The section-point field of a block's header. Contract: 1 and 2 stand for the picks also when both
+// are -1.
+int sectionPointField(const FieldRequest& request, int sectionPoint);
+
 // Sends title and analysis kind, then the values. A step number below 1 and a variable that the
 // frame lacks end the reply after the first two records. Throws what the database library throws,
 // also for a step or a frame out of range; flushes the output buffer when it ends normally.

@@ -10,6 +10,7 @@
 #include "registry/open_database.h"
 #include "results/block_writer.h"
 #include "results/field_extractor.h"
+#include "results/nodal_extractor.h"
 #include "results/pair_extractor.h"
 #include "server/server_state.h"
 
@@ -137,6 +138,10 @@ void runResultsRequest(const char* line, int outputFd) {
     return;
   }
   odb_Odb& odb = open(arguments, outputFd);
+  if (letter == 'd') {  // Contract: in lower case only.
+    extractNodal(odb, outputFd, serverState.selection, serverState.labelList);
+    return;
+  }
   for (const auto& form : kPlainForms) {
     if (form.letter != lower) continue;
     request.extraction = form.extraction;

@@ -144,10 +144,8 @@ def main():
     if len(sys.argv) != 4:
         sys.exit(__doc__)
     folder, database, picture = sys.argv[1:]
-    print(client(folder, "catalogue", database, "--listing", "nodal"))
     print(client(folder, "catalogue", database))
-    listings = rows(folder, "catalogue", database, "--listing", "nodal")
-    listings += rows(folder, "catalogue", database)
+    listings = rows(folder, "catalogue", database)
     frames = [row for row in listings if row["table"] == "frame"]
     if not frames:
         print("no results")

@@ -3,6 +3,7 @@
 #include "client/catalogue.h"
 
 #include <map>
+#include <set>
 #include <tuple>
 
 #include "client/cli/cli.h"
@@ -45,12 +46,19 @@ constexpr BitName kInvariants[] = {
     {1 << 7, "mid principal"}, {1 << 8, "min principal"}, {1 << 9, "max in-plane"},
     {1 << 10, "min in-plane"}, {1 << 11, "out-of-plane"}};
 
-Listing listingOf(const std::string& name) {
-  if (name == "nodal") return Listing::kNodal;
-  if (name == "element") return Listing::kElement;
-  if (name == "tensor") return Listing::kTensor;
-  throw UsageError("--listing wants nodal, element or tensor, not \"" + name + "\"");
+std::vector<Listing> listingsOf(const std::string& name) {
+  if (name == "all") return {Listing::kNodal, Listing::kElement};
+  if (name == "nodal") return {Listing::kNodal};
+  if (name == "element") return {Listing::kElement};
+  if (name == "tensor") return {Listing::kTensor};
+  throw UsageError("--listing wants all, nodal, element or tensor, not \"" + name + "\"");
 }
+
+// One listing and the server's answer to it.
+struct Listed {
+  bool isNodal;
+  Catalogue catalogue;
+};
 
 bool everyFrameOf(const std::string& name) {
   if (name != "last" && name != "every") {
@@ -59,20 +67,28 @@ bool everyFrameOf(const std::string& name) {
   return name == "every";
 }
 
-void reportFrames(const Catalogue& catalogue, Report& report) {
+// Steps and frames of all listings, each once.
+void reportFrames(const std::vector<Listed>& listings, Report& report) {
   report.begin("step", {"step", "name", "procedure", "description", "total_time"});
-  for (const CatalogueStep& step : catalogue.steps) {
-    report.row(
-        {std::int64_t{step.number}, step.name, step.procedure, step.description, step.totalTime});
+  std::set<std::int32_t> steps;
+  for (const Listed& listed : listings) {
+    for (const CatalogueStep& step : listed.catalogue.steps) {
+      if (!steps.insert(step.number).second) continue;
+      report.row(
+          {std::int64_t{step.number}, step.name, step.procedure, step.description, step.totalTime});
+    }
   }
   report.end();
   report.begin("frame", {"step", "frame", "value", "domain", "mode", "frequency", "description"});
-  std::map<std::pair<std::size_t, std::int32_t>, bool> seen;
-  for (const CatalogueEntry& entry : catalogue.entries) {
-    if (!seen.emplace(std::make_pair(entry.step, entry.frameIndex), true).second) continue;
-    report.row({std::int64_t{catalogue.steps[entry.step].number}, std::int64_t{entry.frameIndex},
-                entry.frameValue, domainName(entry.domain), std::int64_t{entry.mode},
-                entry.frequency, entry.frameDescription});
+  std::set<std::pair<std::int32_t, std::int32_t>> frames;
+  for (const Listed& listed : listings) {
+    for (const CatalogueEntry& entry : listed.catalogue.entries) {
+      const std::int32_t step = listed.catalogue.steps[entry.step].number;
+      if (!frames.emplace(step, entry.frameIndex).second) continue;
+      report.row({std::int64_t{step}, std::int64_t{entry.frameIndex}, entry.frameValue,
+                  domainName(entry.domain), std::int64_t{entry.mode}, entry.frequency,
+                  entry.frameDescription});
+    }
   }
   report.end();
 }
@@ -102,38 +118,53 @@ std::vector<FieldUse> fieldUses(const Catalogue& catalogue) {
   return uses;
 }
 
-void reportFields(const Catalogue& catalogue, bool isNodal, Report& report) {
-  report.begin("field", {"step", "field", "frames", "first", "last", "type", "components",
-                         "positions", "invariants", "section_points", "complex", "description"});
+void reportFieldsOf(const Listed& listed, Report& report) {
+  const Catalogue& catalogue = listed.catalogue;
   for (const FieldUse& use : fieldUses(catalogue)) {
     const CatalogueEntry& entry = *use.first;
     const CatalogueField& field = catalogue.fields[entry.field];
-    const std::string type =
-        isNodal ? (entry.isScalar ? "scalar" : "vector") : bitNames(entry.tensorKinds, kKinds);
-    const std::string positions = isNodal ? "node" : bitNames(entry.positions, kPositions);
+    const std::string type = listed.isNodal ? (entry.isScalar ? "scalar" : "vector")
+                                            : bitNames(entry.tensorKinds, kKinds);
+    const std::string positions = listed.isNodal ? "node" : bitNames(entry.positions, kPositions);
     report.row({std::int64_t{catalogue.steps[entry.step].number}, field.name, use.nFrames,
                 std::int64_t{use.firstFrame}, std::int64_t{use.lastFrame}, type, field.components,
                 positions, bitNames(entry.invariants, kInvariants),
                 std::int64_t{entry.hasSectionPoints}, std::int64_t{entry.isComplex},
                 field.description});
   }
+}
+
+void reportFields(const std::vector<Listed>& listings, Report& report) {
+  report.begin("field", {"step", "field", "frames", "first", "last", "type", "components",
+                         "positions", "invariants", "section_points", "complex", "description"});
+  for (const Listed& listed : listings) reportFieldsOf(listed, report);
   report.end();
 }
 
 }  // namespace
 
 void runCatalogue(Call& call) {
+  const std::vector<Listing> wanted = listingsOf(call.option("--listing", "all"));
   CatalogueRequest request;
-  request.listing = listingOf(call.option("--listing", "element"));
   request.everyFrame = everyFrameOf(call.option("--frames", "last"));
   request.cachePath = call.option("--cache");
+  // A cache file holds one listing and does not say which.
+  if (!request.cachePath.empty() && wanted.size() > 1) {
+    throw UsageError("--cache wants one listing: give --listing nodal, element or tensor");
+  }
   const std::string& path = call.arguments.front();
-  const Catalogue catalogue = readCatalogue(*call.connect(), path, request);
+  const auto connection = call.connect();
+  std::vector<Listed> listings;
+  for (const Listing listing : wanted) {
+    request.listing = listing;
+    listings.push_back({listing == Listing::kNodal, readCatalogue(*connection, path, request)});
+  }
+  const Catalogue& first = listings.front().catalogue;
   call.report.facts("database", {"path", "title", "analysis"},
-                    {path, catalogue.title, analysisKindName(catalogue.analysisKind)});
-  reportMessages(catalogue.messages, call.report);
-  reportFrames(catalogue, call.report);
-  reportFields(catalogue, request.listing == Listing::kNodal, call.report);
+                    {path, first.title, analysisKindName(first.analysisKind)});
+  reportMessages(first.messages, call.report);
+  reportFrames(listings, call.report);
+  reportFields(listings, call.report);
 }
 
 }  // namespace odbs::client

@@ -26,7 +26,7 @@ const std::vector<Subcommand>& subcommands() {
        "elastic data; rigid bodies, analytic surfaces, and what the server said while opening.\n",
        1, 1, {}, runModel},
       {"catalogue", "FILE", "list steps, frames and the fields that they hold",
-       "Options: --listing nodal|element|tensor (default element: fields at elements);\n"
+       "Options: --listing all|nodal|element|tensor (default all: fields at nodes and elements);\n"
        "--frames last|every: what the last frame of a step holds stands for all of its frames\n"
        "(default, fast), or each frame is examined; --cache PATH: name a catalogue cache file, one\n"
        "for each database and listing.\n",

@@ -186,6 +186,7 @@ TEST_F(ResultsTest, AreShownByTheCommandLineClient) {
   const std::string program = realServer().server;
   const std::pair<std::vector<std::string>, const char*> kCalls[] = {
       {{"catalogue", path}, "integration point"},
+      {{"catalogue", path}, "Displacement"},
       {{"catalogue", path, "--listing", "nodal", "--frames", "every"}, "Displacement"},
       {{"values", path, "--field", "U", "--show", "range"}, "node 701"},
       {{"values", path, "--field", "E", "--position", "centroid"}, "T3D2"},

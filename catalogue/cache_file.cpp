@@ -8,10 +8,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <string_view>
-#include <vector>
 
 #include "base/text.h"
+#include "catalogue/cache_reader.h"
 #include "server/shutdown.h"
 
 namespace odbs {
@@ -21,11 +22,9 @@ namespace {
 constexpr char kVersion[] = "1.0";
 constexpr char kLastFrameMark[] = "1.0";
 constexpr char kEveryFrameMark[] = "1.0A";
-constexpr std::size_t kFirstLineBytes = 100;
-constexpr std::size_t kLineBytesOnDisk = 10000;
 constexpr std::size_t kPendingBytes = 1u << 16;
-constexpr std::size_t kLongestText =
-    kLineBytesOnDisk - 2;  // with its line feed and the reader's NUL
+// With its line feed it is a line that the reader takes at once.
+constexpr std::size_t kLongestText = CacheReader::kLongestLine - 1;
 
 // Stand-ins for line breaks inside a text, which would shift every line after it.
 constexpr char kStandInForLineFeed = '\x0B';
@@ -45,121 +44,13 @@ std::string asLine(const std::string& text) {
   return line;
 }
 
-void restoreLineBreaks(std::string& text) {
-  for (char& c : text) {
-    if (c == kStandInForLineFeed) c = '\n';
-    if (c == kStandInForReturn) c = '\r';
-  }
+// The text that a line stands for.
+std::string withLineBreaks(std::string_view line) {
+  std::string text(line);
+  std::replace(text.begin(), text.end(), kStandInForLineFeed, '\n');
+  std::replace(text.begin(), text.end(), kStandInForReturn, '\r');
+  return text;
 }
-
-// The lines of a cache. Every take function returns false when there is no further line, at the end
-// of the file or where it is damaged. A listing has millions of lines, and neighbouring entries
-// repeat most of their numbers: bytes are inflated in large pieces, and a real is parsed once as
-// long as its text stays the same.
-class CacheReader {
- public:
-  explicit CacheReader(const std::string& path) : stream_(gzopen(path.c_str(), "rb")) {
-    if (stream_) gzbuffer(stream_, kInflateBytes);
-  }
-  ~CacheReader() { close(); }
-  CacheReader(const CacheReader&) = delete;
-  CacheReader& operator=(const CacheReader&) = delete;
-
-  bool isOpen() const { return stream_ != nullptr; }
-  void close() {
-    if (stream_) gzclose(stream_);
-    stream_ = nullptr;
-  }
-
-  // The first line, with its carriage return.
-  bool takeFirstLine(std::string& line) {
-    std::string_view text;
-    if (!takeRaw(kFirstLineBytes - 1, text)) return false;
-    line = text;
-    return true;
-  }
-  // A further line, cut at its first carriage return or line feed. The view is valid until the next
-  // take.
-  bool take(std::string_view& line) {
-    if (!takeRaw(kLineBytesOnDisk - 1, line)) return false;
-    if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
-    if (hasReturn_) line = line.substr(0, line.find('\r'));
-    return true;
-  }
-  bool takeText(std::string& text) {
-    std::string_view line;
-    if (!take(line)) return false;
-    if (text == line) return true;  // as in the entry before
-    text = line;
-    restoreLineBreaks(text);
-    return true;
-  }
-  bool take(int& value) {
-    std::string_view line;
-    if (!take(line)) return false;
-    value = toIntOrZero(line);
-    return true;
-  }
-  bool take(double& value) {
-    std::string_view line;
-    if (!take(line)) return false;
-    Real& slot = reals_[nReals_++ % std::size(reals_)];
-    if (slot.text != line) {
-      slot.text = line;
-      slot.value = std::strtod(slot.text.c_str(), nullptr);
-    }
-    value = slot.value;
-    return true;
-  }
-
- private:
-  static constexpr unsigned kInflateBytes = 1u << 17;
-  static constexpr std::size_t kPieceBytes = 1u << 18;
-
-  // An entry holds three reals, so that each is met again three reals later.
-  struct Real {
-    std::string text;
-    double value = 0;
-  };
-
-  // At most `limit` bytes up to and with a line feed: what fits a reader's buffer of one byte more.
-  bool takeRaw(std::size_t limit, std::string_view& line) {
-    for (;;) {
-      const std::size_t n = std::min(limit, end_ - at_);
-      const void* feed = n > 0 ? std::memchr(bytes_.data() + at_, '\n', n) : nullptr;
-      if (feed || n == limit || (atEnd_ && n > 0)) {
-        const char* const first = bytes_.data() + at_;
-        const std::size_t length =
-            feed ? static_cast<std::size_t>(static_cast<const char*>(feed) - first) + 1 : n;
-        line = {first, length};
-        at_ += length;
-        return true;
-      }
-      if (atEnd_) return false;
-      refill();
-    }
-  }
-
-  void refill() {
-    std::copy(bytes_.begin() + static_cast<std::ptrdiff_t>(at_),
-              bytes_.begin() + static_cast<std::ptrdiff_t>(end_), bytes_.begin());
-    end_ -= at_;
-    at_ = 0;
-    const int n = gzread(stream_, bytes_.data() + end_, static_cast<unsigned>(kPieceBytes));
-    if (n > 0) end_ += static_cast<std::size_t>(n);
-    atEnd_ = n <= 0;
-    hasReturn_ = std::memchr(bytes_.data(), '\r', end_) != nullptr;
-  }
-
-  gzFile stream_;
-  std::vector<char> bytes_ = std::vector<char>(kPieceBytes + kLineBytesOnDisk);
-  std::size_t at_ = 0;
-  std::size_t end_ = 0;
-  bool atEnd_ = false;
-  bool hasReturn_ = false;  // some line of the piece has a carriage return
-  Real reals_[3];
-  std::size_t nReals_ = 0;
-};
 
 std::string upToLineEnd(const std::string& text) {
   return text.substr(0, text.find_first_of("\r\n"));
@@ -175,58 +66,146 @@ bool markFits(const std::string& line, bool everyFrame) {
   return mark == kLastFrameMark && !everyFrame;
 }
 
-// Reads and sends the rest of an entry whose step number is in place, each record as soon as its
-// last line is read. Returns false when a line is missing.
-bool replayEntry(CacheReader& reader, CatalogueEntry& entry, CatalogueListing listing,
-                 int outputFd) {
-  if (!reader.take(entry.totalTime) || !reader.takeText(entry.stepText)) return false;
-  sendStep(outputFd, entry);
-  if (!reader.takeText(entry.procedure)) return false;
-  sendProcedure(outputFd, entry);
-  if (!reader.takeText(entry.fieldName) || !reader.takeText(entry.fieldDescription)) return false;
-  sendField(outputFd, entry);
-  if (listing != CatalogueListing::kNodal) {
-    int nLabels = 0;
-    if (!reader.take(nLabels)) return false;
-    std::size_t n = 0;
-    for (; nLabels > 0 && n < static_cast<std::size_t>(nLabels); ++n) {
-      if (n == entry.componentLabels.size()) entry.componentLabels.emplace_back();
-      if (!reader.takeText(entry.componentLabels[n])) return false;
+// Reads entries and sends their records, each as soon as its last line is read. A listing has
+// hundreds of thousands of entries and repeats itself: the same fields come in every frame, in the
+// same order. The lines of a field are remembered with what they say, and the next ones are first
+// compared with those that are expected.
+class EntryReplay {
+ public:
+  enum class Outcome { kSent, kEnd, kStale };
+
+  EntryReplay(CacheReader& reader, CatalogueListing listing, int outputFd)
+      : reader_(reader), listing_(listing), outputFd_(outputFd) {}
+
+  Outcome next() {
+    Field* field = expected();
+    if (field) {
+      sendStep(outputFd_, field->entry);
+      sendProcedure(outputFd_, field->entry);
+      sendField(outputFd_, field->entry);
+      sendComponents(outputFd_, field->entry);
+    } else {
+      field = &place();
+      const Outcome outcome = readField(*field);
+      if (outcome != Outcome::kSent) return outcome;
     }
-    entry.componentLabels.resize(n);
-    sendComponents(outputFd, entry);
+    if (!readFrame() || !readClassification(*field)) return Outcome::kEnd;
+    CatalogueEntry& entry = field->entry;
+    entry.frameIndex = frame_.frameIndex;
+    entry.domain = frame_.domain;
+    entry.mode = frame_.mode;
+    entry.frameValue = frame_.frameValue;
+    entry.frequency = frame_.frequency;
+    sendFrame(outputFd_, entry);
+    return Outcome::kSent;
   }
-  if (!reader.take(entry.frameIndex) || !reader.take(entry.domain) || !reader.take(entry.mode) ||
-      !reader.take(entry.frameValue) || !reader.take(entry.frequency) ||
-      !reader.take(entry.complex)) {
-    return false;
+
+ private:
+  static constexpr std::size_t kMostRemembered = 1u << 22;  // bytes of lines
+
+  struct Field {
+    std::string lines;                // from the step number to the last component label
+    std::string classificationLines;  // from the complex flag to the frame description
+    CatalogueEntry entry;             // what they say
+  };
+
+  // The field whose lines come next, if it is the one behind the last one or the first of a frame.
+  // Its lines are taken then.
+  Field* expected() {
+    for (const std::size_t i : {next_, std::size_t{0}}) {
+      if (i >= fields_.size() || !reader_.skip(fields_[i].lines)) continue;
+      next_ = i + 1;
+      return &fields_[i];
+    }
+    return nullptr;
   }
-  for (int& number : entry.classification) {
-    if (!reader.take(number)) return false;
+
+  // Where an unexpected field is remembered.
+  Field& place() {
+    if (next_ == fields_.size() && nRemembered_ > kMostRemembered) next_ = 0;
+    if (next_ == fields_.size()) fields_.emplace_back();
+    return fields_[next_++];
   }
-  if (!reader.takeText(entry.frameDescription)) return false;
-  sendFrame(outputFd, entry);
-  return true;
-}
+
+  Outcome readField(Field& field) {
+    CatalogueEntry& entry = field.entry;
+    const CacheReader::Recording recording(reader_, field.lines);
+    std::string_view line;
+    if (!reader_.take(line)) return Outcome::kEnd;
+    // Contract: looked at in the first entry only.
+    if (isFirst_ && line.find('.') != std::string_view::npos) return Outcome::kStale;
+    isFirst_ = false;
+    entry.stepNumber = toIntOrZero(line);
+    if (!reader_.take(entry.totalTime) || !takeText(entry.stepText)) return Outcome::kEnd;
+    sendStep(outputFd_, entry);
+    if (!takeText(entry.procedure)) return Outcome::kEnd;
+    sendProcedure(outputFd_, entry);
+    if (!takeText(entry.fieldName) || !takeText(entry.fieldDescription)) return Outcome::kEnd;
+    sendField(outputFd_, entry);
+    if (listing_ != CatalogueListing::kNodal) {
+      int nLabels = 0;
+      if (!reader_.take(nLabels)) return Outcome::kEnd;
+      entry.componentLabels.clear();
+      for (int i = 0; i < nLabels; ++i) {
+        entry.componentLabels.emplace_back();
+        if (!takeText(entry.componentLabels.back())) return Outcome::kEnd;
+      }
+      sendComponents(outputFd_, entry);
+    }
+    nRemembered_ += field.lines.size();
+    return Outcome::kSent;
+  }
+
+  bool readFrame() {
+    if (reader_.skip(frameLines_)) return true;
+    const CacheReader::Recording recording(reader_, frameLines_);
+    return reader_.take(frame_.frameIndex) && reader_.take(frame_.domain) &&
+           reader_.take(frame_.mode) && reader_.take(frame_.frameValue) &&
+           reader_.take(frame_.frequency);
+  }
+
+  bool readClassification(Field& field) {
+    if (reader_.skip(field.classificationLines)) return true;
+    const CacheReader::Recording recording(reader_, field.classificationLines);
+    CatalogueEntry& entry = field.entry;
+    if (!reader_.take(entry.complex)) return false;
+    entry.classification.resize(static_cast<std::size_t>(classificationCount(listing_)));
+    for (int& number : entry.classification) {
+      if (!reader_.take(number)) return false;
+    }
+    return takeText(entry.frameDescription);
+  }
+
+  bool takeText(std::string& text) {
+    std::string_view line;
+    if (!reader_.take(line)) return false;
+    text = withLineBreaks(line);
+    return true;
+  }
+
+  CacheReader& reader_;
+  CatalogueListing listing_;
+  int outputFd_;
+  bool isFirst_ = true;
+  std::deque<Field> fields_;
+  std::size_t next_ = 0;  // index of the field that is expected
+  std::size_t nRemembered_ = 0;
+  std::string frameLines_;
+  CatalogueEntry frame_;  // its numbers of the frame only
+};
 
 // Replays what follows the header. Returns false when the file turns out to be stale.
 bool replayBody(CacheReader& reader, CatalogueListing listing, int outputFd) {
-  std::string title;
+  std::string_view title;
   int number = 0;
-  if (!reader.takeText(title)) return true;
-  sendTitle(outputFd, title);
+  if (!reader.take(title)) return true;
+  sendTitle(outputFd, withLineBreaks(title));
   if (!reader.take(number)) return true;
   sendAnalysisKind(outputFd, number);
-  CatalogueEntry entry;
-  entry.classification.resize(static_cast<std::size_t>(classificationCount(listing)));
-  std::string_view text;
-  for (bool first = true; reader.take(text); first = false) {
-    // Contract: looked at in the first entry only.
-    if (first && text.find('.') != std::string_view::npos) return false;
-    entry.stepNumber = toIntOrZero(text);
-    if (!replayEntry(reader, entry, listing, outputFd)) break;
-  }
-  return true;
+  EntryReplay replay(reader, listing, outputFd);
+  auto outcome = EntryReplay::Outcome::kSent;
+  while (outcome == EntryReplay::Outcome::kSent) outcome = replay.next();
+  return outcome == EntryReplay::Outcome::kEnd;
 }
 
 enum class Header { kFits, kStale, kCutShort };

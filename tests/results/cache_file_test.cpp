@@ -169,6 +169,31 @@ TEST_F(Cache, CutFilesEndTheListingEarly) {
   }
 }
 
+// Lines of fields that come again are taken at once: whole, cut and unexpected ones are the same
+// records.
+TEST_F(Cache, FieldsThatComeAgainAreReplayedAsTheyWereComputed) {
+  odb_Step& second = step("Step-2");
+  for (int i = 1; i < 6; ++i) {
+    odb_Frame frame = second.Frame(i, static_cast<float>(i), i == 5 ? "last" : "middle");
+    if (i != 3) stress(frame);
+    if (i != 4) nodalScalar(frame, i == 5 ? "NT12" : "NT11");
+  }
+  for (const std::string head : {"fS ", "fD "}) {
+    std::filesystem::remove(cache());
+    const Records computed = list(head);
+    const std::vector<std::string> good = lines();
+    std::size_t nBefore = 0;
+    for (std::size_t n = 6; n <= good.size(); ++n) {
+      writeLines({good.begin(), good.begin() + static_cast<long>(n)});
+      const Records replayed = list(head);
+      ASSERT_GE(computed.size(), replayed.size());
+      EXPECT_TRUE(std::equal(replayed.begin(), replayed.end(), computed.begin())) << n << " lines";
+      nBefore = replayed.size();
+    }
+    EXPECT_EQ(computed.size(), nBefore);
+  }
+}
+
 TEST_F(Cache, DamagedCompressedFilesNeverHarmTheServer) {
   list("fs ");
   const std::string good = readFile(cache());

@@ -130,6 +130,31 @@ TEST(Watchdog, EndsTheServerAtAnyMomentOfALongModelStream) {
   }
 }
 
+// A cache that is really being written: the listing is computed, or waits for its reader with the
+// stream open.
+TEST(Watchdog, EndsTheServerAtAnyMomentOfWritingACache) {
+  std::mt19937 random(20240609);
+  TemporaryFolder folder;
+  const std::string database = folder.file("long.odb");
+  makeFramesDatabase(database, 4000);
+  bool wasWriting = false;
+  for (int i = 0; i < kKills; ++i) {
+    const std::string cache = folder.file("cache" + std::to_string(i));
+    IdleParent parent;
+    ServerProcess server(parent.id());
+    server.send("T " + cache);
+    server.send("fD " + database);
+    server.read(i % 2 ? 50000 + random() % 200000 : random() % 50, 2000);
+    wasWriting = wasWriting || std::filesystem::exists(cache + "_lock");
+    parent.kill();
+    EXPECT_EQ(server.wait(kOneSecondMs), 0) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(cache + "_tmp")) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(cache + "_lock")) << "round " << i;
+    EXPECT_FALSE(std::filesystem::exists(cache)) << "half a cache, round " << i;
+  }
+  EXPECT_TRUE(wasWriting);
+}
+
 // Here the parent owns the pipes as well: they close with it, so that the server's main thread
 // meets the end of its input while the watchdog is at work.
 TEST(Watchdog, CleansUpAlsoWhenTheMainThreadMeetsTheEndOfInput) {

@@ -30,7 +30,10 @@ void makeFutureDatabase(const std::string& path) {
   odb_embedded::stampRelease(path.c_str(), odb_embedded::kCurrentRelease + 1);
 }
 
-void makeNodesDatabase(const std::string& path, int n) {
+namespace {
+
+// A database under construction with one instance of `n` nodes, labels 1 to n, in a row.
+odb_Odb& nodesDatabase(const std::string& path, int n) {
   std::vector<int> labels(static_cast<std::size_t>(n));
   std::iota(labels.begin(), labels.end(), 1);
   std::vector<float> coordinates(3 * labels.size());
@@ -39,6 +42,31 @@ void makeNodesDatabase(const std::string& path, int n) {
   odb_Part& part = odb.Part("P", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
   odb_embedded::addNodes(part, n, labels.data(), coordinates.data());
   odb.rootAssembly().Instance("P-1", part);
+  return odb;
+}
+
+}  // namespace
+
+void makeNodesDatabase(const std::string& path, int n) {
+  odb_Odb& odb = nodesDatabase(path, n);
+  odb.save();
+  odb.close();
+}
+
+void makeFramesDatabase(const std::string& path, int n) {
+  odb_Odb& odb = nodesDatabase(path, 1);
+  odb_SequenceInt labels;
+  labels.append(1);
+  odb_SequenceFloat value;
+  value.append(20.0F);
+  odb_SequenceSequenceFloat values;
+  values.append(value);
+  odb_Step& step = odb.Step("S", "", odb_Enum::TIME, 1.0);
+  for (int i = 0; i < n; ++i) {
+    odb_Frame frame = step.Frame(i, static_cast<float>(i), "frame");
+    odb_FieldOutput& field = frame.FieldOutput("NT11", "temperature", odb_Enum::SCALAR);
+    field.addData(odb_Enum::NODAL, odb.rootAssembly().instances()["P-1"], labels, values);
+  }
   odb.save();
   odb.close();
 }

@@ -18,6 +18,9 @@ void makeFutureDatabase(const std::string& path);
 // Writes a database with one instance of `n` nodes, labels 1 to n, in a row.
 void makeNodesDatabase(const std::string& path, int n);
 
+// Writes a database with one step of `n` frames, each with the temperature of one node.
+void makeFramesDatabase(const std::string& path, int n);
+
 // Moves the file's modification time by this many seconds.
 void shiftModificationTime(const std::string& path, int seconds);
 

@@ -371,7 +371,6 @@ constexpr const TableSpec* kAllTables[] = {&Database::shape,         &Entities::
                                            &FieldLayouts::shape,     &FrameFields::shape,
                                            &Fields::shape,           &FieldBlocks::shape,
                                            &FieldBlocks::doubleSpec, &StepResults::shape,
-                                           &HistoryRegions::shape,   &HistoryOutputs::shape,
-                                           &Failures::shape};
+                                           &HistoryRegions::shape,   &HistoryOutputs::shape};
 
 }  // namespace odbs::engine::layout

@@ -182,15 +182,15 @@ bool FieldWriter::gather(const NodeSources& sources, std::size_t target, const T
   for (std::size_t i = first; i < last; ++i) {
     if (block.rowOf[static_cast<std::size_t>(sources.nodes[i])] < 0) return false;
   }
-  const double share = field.addsUp ? 1 : 1 / static_cast<double>(last - first);
   for (const int component : field.sources) {
     double value = 0;
     for (std::size_t i = first; i < last; ++i) {
       const auto row =
           static_cast<std::size_t>(block.rowOf[static_cast<std::size_t>(sources.nodes[i])]);
-      value += block.result.values[row * nStored + static_cast<std::size_t>(component)];
+      const double share = sources.weights.empty() ? 1 : static_cast<double>(sources.weights[i]);
+      value += share * block.result.values[row * nStored + static_cast<std::size_t>(component)];
     }
-    values.push_back(static_cast<float>(value * share));
+    values.push_back(static_cast<float>(value));
   }
   return true;
 }

@@ -57,7 +57,7 @@ class FieldWriter {
                   const Block* imaginary);
   bool writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
                        const Block* imaginary);
-  // Appends the components of one target, mean or sum of its sources; false when one has no value.
+  // Appends the components of one target; false when one of its sources has no value.
   static bool gather(const NodeSources& sources, std::size_t target, const TargetField& field,
                      const Block& block, std::vector<float>& values);
 

@@ -11,8 +11,6 @@
 
 namespace odbs::importer {
 
-namespace {
-
 constexpr int kMaxNodes = 8;  // of an element that is expanded
 
 // Nodes of a solid (positions from 0) that stand for the nodes of the element it was made from,
@@ -22,6 +20,8 @@ struct Expansion {
   int frdType;
   int bottom[kMaxNodes], middle[kMaxNodes], top[kMaxNodes];
 };
+
+namespace {
 
 // In .frd files quadratic solids list the edges from bottom to top before those of the top.
 constexpr Expansion kExpansions[] = {
@@ -35,12 +35,14 @@ constexpr Expansion kExpansions[] = {
      {4, 5, 6, 7, 16, 17, 18, 19}},
 };
 
-// Lines become solids whose cross-sections stand for their nodes.
+// Lines become solids whose cross-sections stand for their nodes, the first four of each section
+// with their mean.
 struct LineExpansion {
   int nDeckNodes;
   int frdType;
   int sections[3][kMaxNodes];  // -1: no more
 };
+constexpr std::size_t kLineMean = 4;
 
 constexpr LineExpansion kLineExpansions[] = {
     {2, 1, {{0, 3, 4, 7, -1}, {1, 2, 5, 6, -1}, {-1}}},
@@ -63,6 +65,18 @@ const LineExpansion* lineExpansionOf(int nDeckNodes, int frdType) {
 
 void addOnce(std::vector<std::int32_t>& list, std::int32_t item) {
   if (std::find(list.begin(), list.end(), item) == list.end()) list.push_back(item);
+}
+
+// Shares of bottom, middle and top in the mean over the thickness, where there is a middle node
+// (linear otherwise): the value varies like a parabola.
+constexpr float kThroughThickness[3] = {1.f / 6, 2.f / 3, 1.f / 6};
+
+// Axisymmetric elements become wedges of 2 degrees, and plane ones beside them a 180th of their
+// thickness, but forces are those of the full circumference.
+constexpr float kWedges = 180;
+
+bool isAxisymmetric(const ElementBlock& block) {
+  return startsWith(block.type, "CAX");
 }
 
 // Shells have values at both sides; membranes and surface elements do not.
@@ -114,6 +128,9 @@ ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index)
     at += static_cast<std::size_t>(frdNodesPerElement(elements.types[i]));
   }
   used_.resize(elements.labels.size());
+  for (const ElementBlock& block : mesh.elements.blocks) {
+    hasAxisymmetric_ = hasAxisymmetric_ || isAxisymmetric(block);
+  }
   matchEqualNodes();
   findLayers();
   for (const ElementBlock& block : mesh.elements.blocks) matchElements(block);
@@ -202,7 +219,7 @@ ElementTargets& ResultMesh::targets(const ElementBlock& block, Side side, int la
       return t;
     }
   }
-  elements_.push_back({block.type, side, layer, section, {}, nNodes, {each, {}, {}}});
+  elements_.push_back({block.type, side, layer, section, {}, nNodes, {each, {}, {}, {}}});
   return elements_.back();
 }
 
@@ -235,68 +252,142 @@ bool ResultMesh::takeEqual(const ElementBlock& block, std::size_t at) {
   return true;
 }
 
+ResultMesh::Stand* ResultMesh::standOf(std::int32_t deckNode) {
+  const std::int32_t i = deckNodes_.find(deckNode);
+  return i < 0 ? nullptr : &stands_[static_cast<std::size_t>(i)];
+}
+
+std::int32_t ResultMesh::nodeAt(std::size_t element, int position) const {
+  return indexOf(nodesOf(element)[position]);
+}
+
+// What one element adds to what stands for its node number `node`.
+void ResultMesh::standFor(std::int32_t deckNode, const Solids& solids, const Expansion& expansion,
+                          int node, bool layered, float factor) {
+  Stand* const stand = standOf(deckNode);
+  if (stand == nullptr) return;
+  const int bottom = expansion.bottom[node], middle = expansion.middle[node],
+            top = expansion.top[node];
+  const auto add = [&](std::size_t solid, int position, float weight) {
+    stand->mean.nodes.push_back(nodeAt(solid, position));
+    stand->mean.weights.push_back(weight);
+  };
+  stand->nElements += 1;
+  if (middle < 0) {
+    // Between the faces the solver's layers follow the whole element, which is no line there.
+    add(solids.front(), bottom, 0.5f);
+    add(solids.back(), top, 0.5f);
+  } else {
+    std::vector<float> heights;
+    float height = 0;
+    for (const std::size_t solid : solids) {
+      const double* const x = index_.nodes.coordinates.data();
+      const double* const a = x + 3 * static_cast<std::size_t>(nodeAt(solid, bottom));
+      const double* const b = x + 3 * static_cast<std::size_t>(nodeAt(solid, top));
+      heights.push_back(static_cast<float>(std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2])));
+      height += heights.back();
+    }
+    for (std::size_t i = 0; i < solids.size(); ++i) {
+      const float share = height > 0 ? heights[i] / height : 1 / static_cast<float>(solids.size());
+      add(solids[i], bottom, share * kThroughThickness[0]);
+      add(solids[i], middle, share * kThroughThickness[1]);
+      add(solids[i], top, share * kThroughThickness[2]);
+    }
+  }
+  // Forces on the nodes of layers are not calculated; zeros stand for them.
+  if (layered) return;
+  stand->factor = std::max(stand->factor, factor);
+  for (const int position : {bottom, middle, top}) {
+    if (position >= 0) addOnce(stand->sum, nodeAt(solids[0], position));
+  }
+}
+
+void ResultMesh::takeLine(const ElementBlock& block, std::size_t at, std::size_t solid) {
+  const std::size_t first = block.offsets[at];
+  const int nDeckNodes = static_cast<int>(block.offsets[at + 1] - first);
+  const LineExpansion& line = *lineExpansionOf(nDeckNodes, index_.elements.types[solid]);
+  for (int i = 0; i < nDeckNodes; ++i) {
+    Stand* const stand = standOf(block.nodes[first + static_cast<std::size_t>(i)]);
+    if (stand == nullptr) continue;
+    stand->nElements += 1;
+    for (std::size_t k = 0; k < kMaxNodes && line.sections[i][k] >= 0; ++k) {
+      const std::int32_t node = nodeAt(solid, line.sections[i][k]);
+      addOnce(stand->sum, node);
+      if (k >= kLineMean) continue;
+      stand->mean.nodes.push_back(node);
+      stand->mean.weights.push_back(1.f / kLineMean);
+    }
+  }
+  used_[solid] = true;
+  ++nElementsWithout_;
+}
+
 void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const Solids& solids) {
   const std::size_t first = block.offsets[at];
   const int nDeckNodes = static_cast<int>(block.offsets[at + 1] - first);
   if (block.offsets[1] - block.offsets[0] != block.offsets[at + 1] - first) return;
   const int frdType = index_.elements.types[solids[0]];
-  const auto stand = [&](int node) -> Stand* {
-    const std::int32_t i = deckNodes_.find(block.nodes[first + static_cast<std::size_t>(node)]);
-    if (i < 0 || equalNode_[static_cast<std::size_t>(i)] >= 0) return nullptr;
-    return &stands_[static_cast<std::size_t>(i)];
-  };
-  const auto node = [&](std::size_t solid, int position) {
-    return indexOf(nodesOf(solid)[position]);
-  };
   for (const std::size_t solid : solids) {
     if (index_.elements.types[solid] != frdType) return;
     for (int i = 0; i < frdNodesPerElement(frdType); ++i) {
-      if (node(solid, i) < 0) return;
+      if (nodeAt(solid, i) < 0) return;
     }
   }
-
-  if (const LineExpansion* const line = lineExpansionOf(nDeckNodes, frdType)) {
-    for (int i = 0; i < nDeckNodes; ++i) {
-      Stand* const s = stand(i);
-      for (const int position : line->sections[i]) {
-        if (position < 0) break;
-        if (s != nullptr) addOnce(s->mean, node(solids[0], position));
-        if (s != nullptr) addOnce(s->sum, node(solids[0], position));
-      }
-    }
-    used_[solids[0]] = true;
-    ++nElementsWithout_;
-    return;
+  const Family family = elementTypeOf(block.type).family;
+  if (family == Family::line && lineExpansionOf(nDeckNodes, frdType) != nullptr) {
+    return takeLine(block, at, solids[0]);
   }
   const Expansion* const expansion = expansionOf(nDeckNodes, frdType);
   if (expansion == nullptr) return;
   const bool layered = firstLayer_.count(block.labels[at]) != 0;
+  const float factor = hasAxisymmetric_ && family == Family::planar ? kWedges : 1;
   for (int i = 0; i < nDeckNodes; ++i) {
-    Stand* const s = stand(i);
-    if (s == nullptr) continue;
-    addOnce(s->mean, node(solids.front(), expansion->bottom[i]));
-    addOnce(s->mean, node(solids.back(), expansion->top[i]));
-    // Forces on the nodes of layers are not calculated; zeros stand for them.
-    if (layered) continue;
-    addOnce(s->sum, node(solids[0], expansion->bottom[i]));
-    if (expansion->middle[i] >= 0) addOnce(s->sum, node(solids[0], expansion->middle[i]));
-    addOnce(s->sum, node(solids[0], expansion->top[i]));
+    standFor(block.nodes[first + static_cast<std::size_t>(i)], solids, *expansion, i, layered,
+             factor);
   }
   const auto section = sectionOf_.find(block.labels[at]);
   const bool sides = hasSides(block) && section != sectionOf_.end();
   for (std::size_t layer = 0; layer < solids.size(); ++layer) {
     used_[solids[layer]] = true;
-    for (const Side side : {Side::bottom, Side::top}) {
-      ElementTargets& target = targets(block, sides ? side : Side::whole, static_cast<int>(layer),
-                                       sides ? section->second : -1, sides ? 1 : 2);
-      if (sides || side == Side::bottom) target.labels.push_back(block.labels[at]);
-      if (!sides && side == Side::top) continue;
-      for (int i = 0; i < nDeckNodes; ++i) {
-        const bool isTop = side == Side::top;
-        target.sources.nodes.push_back(
-            node(solids[layer], isTop ? expansion->top[i] : expansion->bottom[i]));
-        if (!sides) target.sources.nodes.push_back(node(solids[layer], expansion->top[i]));
-      }
+    if (sides) {
+      addSide(block, at, solids[layer], Side::bottom, static_cast<int>(layer), section->second);
+      addSide(block, at, solids[layer], Side::top, static_cast<int>(layer), section->second);
+    } else {
+      addWhole(block, at, solids[layer], static_cast<int>(layer));
+    }
+  }
+}
+// Values of one side of a shell's layer.
+void ResultMesh::addSide(const ElementBlock& block, std::size_t at, std::size_t solid, Side side,
+                         int layer, std::int32_t section) {
+  const std::size_t n = block.offsets[at + 1] - block.offsets[at];
+  const Expansion& expansion = *expansionOf(static_cast<int>(n), index_.elements.types[solid]);
+  ElementTargets& target = targets(block, side, layer, section, 1);
+  target.labels.push_back(block.labels[at]);
+  for (std::size_t i = 0; i < n; ++i) {
+    target.sources.nodes.push_back(
+        nodeAt(solid, side == Side::top ? expansion.top[i] : expansion.bottom[i]));
+  }
+}
+
+// Means over the thickness.
+void ResultMesh::addWhole(const ElementBlock& block, std::size_t at, std::size_t solid, int layer) {
+  const std::size_t n = block.offsets[at + 1] - block.offsets[at];
+  const Expansion& expansion = *expansionOf(static_cast<int>(n), index_.elements.types[solid]);
+  const bool quadratic = expansion.middle[0] >= 0;
+  ElementTargets& target = targets(block, Side::whole, layer, -1, quadratic ? 3 : 2);
+  target.labels.push_back(block.labels[at]);
+  const auto add = [&](int position, float weight) {
+    target.sources.nodes.push_back(nodeAt(solid, position));
+    target.sources.weights.push_back(weight);
+  };
+  for (std::size_t i = 0; i < n; ++i) {
+    const bool middle = expansion.middle[i] >= 0;
+    add(expansion.bottom[i], middle ? kThroughThickness[0] : 0.5f);
+    add(expansion.top[i], middle ? kThroughThickness[2] : 0.5f);
+    // Every row has as many sources as the others.
+    if (quadratic) {
+      add(middle ? expansion.middle[i] : expansion.top[i], middle ? kThroughThickness[1] : 0);
     }
   }
 }
@@ -304,28 +395,42 @@ void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const S
 void ResultMesh::finish() {
   std::vector<bool> taken(index_.nodes.labels.size());
   sumsDiffer_ = !stands_.empty();
-  const auto open = [&](NodeSources& sources) {
-    if (!sumsDiffer_) return;
-    sources.each = 0;
-    sources.offsets.push_back(0);
+  for (NodeSources* const sources : {&means_, &sums_}) {
+    if (!sumsDiffer_) break;
+    sources->each = 0;
+    sources->offsets.push_back(0);
+  }
+  const auto add = [&](NodeSources& sources, std::int32_t node, float weight) {
+    sources.nodes.push_back(node);
+    if (sumsDiffer_) sources.weights.push_back(weight);
+    taken[static_cast<std::size_t>(node)] = true;
   };
-  const auto append = [&](NodeSources& sources, const std::vector<std::int32_t>& nodes) {
-    sources.nodes.insert(sources.nodes.end(), nodes.begin(), nodes.end());
+  const auto close = [](NodeSources& sources) {
     if (sources.each == 0) {
       sources.offsets.push_back(static_cast<std::uint32_t>(sources.nodes.size()));
     }
-    for (const std::int32_t node : nodes) taken[static_cast<std::size_t>(node)] = true;
   };
-  open(means_);
-  open(sums_);
-  std::vector<std::int32_t> one(1);
   for (std::size_t i = 0; i < equalNode_.size(); ++i) {
-    one[0] = equalNode_[i];
-    const auto stand = one[0] < 0 ? stands_.find(i) : stands_.end();
-    if (one[0] < 0 && stand == stands_.end()) continue;
+    const std::int32_t equal = equalNode_[i];
+    const auto found = stands_.find(i);
+    if (equal < 0 && found == stands_.end()) continue;
     nodeLabels_.push_back(mesh_.nodes.labels[i]);
-    append(means_, one[0] < 0 ? stand->second.mean : one);
-    if (sumsDiffer_) append(sums_, one[0] < 0 ? stand->second.sum : one);
+    // A node of solids that shells share is itself, but its force is what both have.
+    if (equal >= 0) {
+      add(means_, equal, 1);
+    } else {
+      const Stand& stand = found->second;
+      for (std::size_t k = 0; k < stand.mean.nodes.size(); ++k) {
+        add(means_, stand.mean.nodes[k], stand.mean.weights[k] / stand.nElements);
+      }
+    }
+    close(means_);
+    if (!sumsDiffer_) continue;
+    if (equal >= 0) add(sums_, equal, 1);
+    if (found != stands_.end()) {
+      for (const std::int32_t node : found->second.sum) add(sums_, node, found->second.factor);
+    }
+    close(sums_);
   }
   nUnusedNodes_ = static_cast<std::size_t>(std::count(taken.begin(), taken.end(), false));
   nUnusedElements_ = static_cast<std::size_t>(std::count(used_.begin(), used_.end(), false));

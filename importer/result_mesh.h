@@ -19,12 +19,14 @@
 namespace odbs::importer {
 
 // For each of a number of targets the nodes of the result file that its value comes from, as
-// indices in FrdIndex::nodes: those of target i are nodes[begin(i)] to nodes[end(i)].
+// indices in FrdIndex::nodes: those of target i are nodes[begin(i)] to nodes[end(i)]. The value is
+// the sum of theirs, each times its weight.
 struct NodeSources {
   std::uint32_t each = 1;  // nodes of every target; 0: offsets tell
   std::vector<std::uint32_t>
       offsets;  // one more than there are targets; empty when `each` is not 0
   std::vector<std::int32_t> nodes;
+  std::vector<float> weights;  // parallel to nodes; empty: 1 for all
 
   std::size_t size() const { return each > 0 ? nodes.size() / each : offsets.size() - 1; }
   std::size_t begin(std::size_t i) const { return each > 0 ? i * each : offsets[i]; }
@@ -44,6 +46,8 @@ class LabelIndex {
   std::vector<std::int32_t> order_;  // positions by ascending label; empty when they ascend anyway
 };
 
+struct Expansion;  // how elements become solids, see result_mesh.cpp
+
 // Where through the thickness element values belong.
 enum class Side { whole, bottom, top };
 
@@ -56,7 +60,7 @@ struct ElementTargets {
   std::int32_t section = -1;         // index in the mesh's sections, of shells only
   std::vector<std::int32_t> labels;  // of the elements, ascending
   std::size_t nNodes = 0;            // of each
-  NodeSources sources;               // the mean of their values is the row's
+  NodeSources sources;               // of each row
 };
 
 class ResultMesh {
@@ -65,8 +69,11 @@ class ResultMesh {
   // nodes.labels are needed later.
   ResultMesh(const Scope& mesh, const FrdIndex& index);
 
-  // The deck's nodes that have values, ascending, each with the nodes whose mean is its value, and
-  // those whose sum it is where values add up (forces): none for nodes of composite shells.
+  // The deck's nodes that have values, ascending, each with the nodes whose weighted mean is its
+  // value, and those that make it up where values add up (forces): none for nodes of composite
+  // shells. The mean is that of the solver's plane output: over the cross-section of shells, plane
+  // and axisymmetric elements, over its four corners (or four edges) in beams. Where plane elements
+  // stand for the full circumference, sums are those of the circumference.
   const std::vector<std::int32_t>& nodeLabels() const { return nodeLabels_; }
   const NodeSources& means() const { return means_; }
   const NodeSources& sums() const { return sumsDiffer_ ? sums_ : means_; }
@@ -85,7 +92,10 @@ class ResultMesh {
  private:
   // Nodes of the result file that stand for a node of the deck.
   struct Stand {
-    std::vector<std::int32_t> mean, sum;
+    NodeSources mean;  // every element that has the node adds its own, with weights that sum to 1
+    float nElements = 0;
+    std::vector<std::int32_t> sum;  // each once
+    float factor = 1;               // of the sum
   };
   // The solids that an element of the deck became, as indices in FrdIndex::elements: one, or one a
   // layer, bottom first.
@@ -96,6 +106,14 @@ class ResultMesh {
   Solids solidsOf(std::int32_t label, std::int32_t section) const;
   void matchElements(const ElementBlock& block);
   void takeExpanded(const ElementBlock& block, std::size_t at, const Solids& solids);
+  void takeLine(const ElementBlock& block, std::size_t at, std::size_t solid);
+  void standFor(std::int32_t deckNode, const Solids& solids, const Expansion& expansion, int node,
+                bool layered, float factor);
+  Stand* standOf(std::int32_t deckNode);
+  std::int32_t nodeAt(std::size_t element, int position) const;
+  void addSide(const ElementBlock& block, std::size_t at, std::size_t solid, Side side, int layer,
+               std::int32_t section);
+  void addWhole(const ElementBlock& block, std::size_t at, std::size_t solid, int layer);
   bool takeEqual(const ElementBlock& block, std::size_t at);
   ElementTargets& targets(const ElementBlock& block, Side side, int layer, std::int32_t section,
                           std::uint32_t each);
@@ -115,6 +133,7 @@ class ResultMesh {
   std::vector<std::int32_t> nodeLabels_;
   NodeSources means_, sums_;
   bool sumsDiffer_ = false;
+  bool hasAxisymmetric_ = false;  // the deck has axisymmetric elements
   std::vector<ElementTargets> elements_;
   std::size_t nUnusedNodes_ = 0, nUnusedElements_ = 0, nElementsWithout_ = 0;
 };

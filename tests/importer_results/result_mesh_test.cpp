@@ -23,13 +23,14 @@ struct Matched {
 
   const Scope& content() const { return deck.meshOf(deck.instances[0]); }
 
-  // The mean place of the nodes that target `i` of `sources` comes from.
+  // The place that comes out when target `i` of `sources` is made of the nodes' coordinates.
   Place place(const NodeSources& sources, std::size_t i) const {
     Place mean{};
-    const double n = static_cast<double>(sources.end(i) - sources.begin(i));
     for (std::size_t s = sources.begin(i); s < sources.end(i); ++s) {
+      const double weight = sources.weights.empty() ? 1 : static_cast<double>(sources.weights[s]);
       for (std::size_t k = 0; k < 3; ++k) {
-        mean[k] += index.nodes.coordinates[3 * static_cast<std::size_t>(sources.nodes[s]) + k] / n;
+        mean[k] +=
+            weight * index.nodes.coordinates[3 * static_cast<std::size_t>(sources.nodes[s]) + k];
       }
     }
     return mean;
@@ -173,12 +174,17 @@ TEST_P(ResultMeshOf, FollowsItsExpansion) {
   Matched m = match(deckFile.path(), frdFile.path());
   m.expectNodesInPlace();
   EXPECT_EQ(m.mesh->nUnusedElements(), 0u);
+  // Wedges of 2 degrees stand for the circumference; a corner counts its middle node for 4 of 6.
+  EXPECT_EQ(m.mesh->sums().weights[0], std::string(c.type).rfind("CAX", 0) == 0 ? 180 : 1);
+  EXPECT_FLOAT_EQ(m.mesh->means().weights[1], quadratic ? 4.f / 6 : 0.5f);
   ASSERT_EQ(m.mesh->elements().size(), c.side == Side::whole ? 1u : 2u);
   for (const ElementTargets& targets : m.mesh->elements()) {
     const double z = targets.side == Side::whole ? 0 : targets.side == Side::top ? 0.25 : -0.25;
     ASSERT_EQ(targets.sources.size(), static_cast<std::size_t>(c.nNodes));
     for (std::size_t row = 0; row < targets.sources.size(); ++row) {
-      EXPECT_EQ(m.place(targets.sources, row), (Place{all[row][0], all[row][1], z}));
+      const Place found = m.place(targets.sources, row);
+      const Place expected = {all[row][0], all[row][1], z};
+      for (std::size_t k = 0; k < 3; ++k) EXPECT_NEAR(found[k], expected[k], 1e-6) << row;
     }
   }
 }

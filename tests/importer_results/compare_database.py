@@ -5,10 +5,11 @@
     compare_database.py ODB_IMPORT DUMP_DATABASE DECK.inp ...
 
 Beside each deck its result file (.frd) and print file (.dat) are looked for. Compared are: every
-frame's value, every nodal value and every value at the nodes of elements of nodes that keep their
-label, every value at integration points of solids, and histories of nodes. Nothing is shared with
-the importer; result files are read by compare_readers.py. Exit status: 1 something differs, 2 a deck
-was not imported.
+frame's value, every value at nodes, at nodes of elements and at integration points, and nodal
+fields with what the solver itself printed for the nodes. Nothing is shared with the importer:
+result files are read by compare_readers.py, and expanded_mesh.py knows what the solver makes of
+shells and beams. The deck's mesh and section points are taken as the database has them. Exit
+status: 1 something differs, 2 a deck was not imported.
 """
 import collections
 import os
@@ -21,6 +22,7 @@ import tempfile
 sys.dont_write_bytecode = True  # the sources stay as they are
 
 from compare_readers import DAT_HEADING, FrdFile, real  # noqa: E402
+from expanded_mesh import DeckMesh, ExpandedMesh, minus  # noqa: E402
 
 TENSOR = (0, 1, 2, 3, 5, 4)  # xx yy zz xy yz zx, as 11 22 33 12 13 23
 VECTOR = (0, 1, 2)
@@ -36,6 +38,7 @@ FIELDS = {
                 ("CPRESS", (3,), False), ("CSHEAR1", (4,), False), ("CSHEAR2", (5,), False)),
     "CELS": (("CELS", (0,), False),),
 }
+ADDS_UP = ("RF", "RFL11", "CELS")
 IMAGINARY = {name[:7] + "I" if len(name) == 8 else name + "I": name for name in FIELDS}
 NODAL, ELEMENT_NODAL, INTEGRATION_POINT = 1, 2, 3
 POINTS = {"stresses": "S", "strains": "E", "mechanical strains": "ME",
@@ -59,13 +62,74 @@ def equal(a, b):
 Frame = collections.namedtuple("Frame", "step increment mode value fields")
 
 
+# Where integration points are between the faces of an expanded element (-1 to 1).
+GAUSS = {2: (-3 ** -0.5, 3 ** -0.5), 3: (-0.6 ** 0.5, 0, 0.6 ** 0.5)}
+
+
+def lagrange(nodes, x):
+    """Weights of values at `nodes` for the value at `x`."""
+    weights = []
+    for a in nodes:
+        weights.append(1.0)
+        for b in nodes:
+            if a != b:
+                weights[-1] *= (x - b) / (a - b)
+    return weights
+
+
+def printed_rows(path, wanted):
+    """(what wanted() made of the heading, words) of the rows of a print file."""
+    name, time = None, 0
+    with open(path, encoding="utf-8", errors="replace") as file:
+        for line in file:
+            heading = DAT_HEADING.match(line.rstrip())
+            words = line.split()
+            if heading or (words and not re.match(r"\d+$", words[0])):
+                name = wanted(heading)
+                time = heading and float(heading[3])
+            elif name and len(words) > 2:
+                yield name, time, words
+
+
+def printed_values(words):
+    return [real(w.encode()) for w in words if w[0] in "-.0123456789"]
+
+
+def printed_points(path):
+    """(field, element, values of each point) of the tables at integration points."""
+    last, rows = None, []
+    for name, time, words in printed_rows(
+            path, lambda h: h and POINTS.get(h[1].split(" (")[0])):
+        if (name, time, words[0]) != last or words[1] == "1":
+            if rows:
+                yield last[0], int(last[2]), rows
+            last, rows = (name, time, words[0]), []
+        rows.append(printed_values(words[2:8]))
+    if rows:
+        yield last[0], int(last[2]), rows
+
+
+def printed_displacements(path):
+    """(time, values by node)"""
+    tables = collections.OrderedDict()
+    for _, time, words in printed_rows(path, lambda h: h and h[1].startswith("displacements (vx")):
+        tables.setdefault(time, {})[int(words[0])] = printed_values(words[1:4])
+    return tables.items()
+
+
+def near(a, b, scale):
+    """Equal but for the rounding of a sum of terms as large as `scale`."""
+    return len(a) == len(b) and all(
+        x == y or x != x and y != y or abs(x - y) <= 1e-6 * scale for x, y in zip(a, b))
+
+
 def read_results(path):
-    """The frames of a result file: fields by block name, rows by node label."""
+    """Nodes, elements and frames of a result file: fields by block name, rows by node label."""
     frames = []
     rows = None
     with open(path, "rb") as file:
         entries = iter(FrdFile(file.read()))
-    nodes = set()
+    nodes, elements = {}, {}
     kind = None
     for entry in entries:
         words = entry.split()
@@ -80,17 +144,22 @@ def read_results(path):
                 frames.append(Frame(step, increment, mode, value, {}))
             rows = frames[-1].fields.setdefault(words[1], {})
         elif kind == "nodes":
-            nodes.add(int(words[0]))
+            nodes[int(words[0])] = [float(w) for w in words[1:]]
+        elif kind == "elements":
+            elements[int(words[0])] = [int(w) for w in words[3:]]
         elif kind == "result":
             rows[int(words[0])] = [float(w) for w in words[1:]]
-    return nodes, frames
+    return nodes, elements, frames
 
 
 def read_database(lines):
-    """Steps of (frames, histories); a frame's fields are blocks of rows."""
+    """The mesh, and steps of (frames, histories); a frame's fields are blocks of rows."""
+    mesh = DeckMesh()
     steps, rows, block = [], None, None
     for line in lines:
         words = line.split()
+        if not steps and mesh.take(words):
+            continue
         if words[0] == "step":
             steps.append(([], {}))
         elif words[0] == "frame":
@@ -106,7 +175,7 @@ def read_database(lines):
             rows = steps[-1][1].setdefault(line[8:], [])
         else:
             rows.append(words)
-    return steps
+    return mesh, steps
 
 
 class Comparison:
@@ -120,22 +189,40 @@ class Comparison:
         if not equal(a, b):
             self.problems.append("%s %s: database %s, file %s" % (what, where, a, b))
 
+    def sources(self, position, adds_up, element, node, point):
+        """[(node of the file, weight)] that a value should come from."""
+        if position == NODAL:
+            return self.expanded.at_node(node, adds_up)
+        return self.expanded.at_element(element, node, point)
+
     def field(self, where, blocks, columns, position, real_rows, imaginary_rows):
+        """One field; `where` ends with its name."""
+        adds_up = where.split()[-1] in ADDS_UP
         for place, _, point, is_complex, rows in blocks:
             if place != position:
                 continue
             for words in rows:
-                node = int(words[1])
-                if node not in real_rows or point >= 0:
-                    self.n["values of expanded elements, not compared"] += 1
+                element, node = int(words[0]), int(words[1])
+                sources = self.sources(position, adds_up, element, node, point)
+                if not sources or any(n not in real_rows for n, _ in sources):
+                    self.problems.append("%s node %d: nothing in the file" % (where, node))
                     continue
                 values = [float(w) for w in words[3:]]
-                expected = [real_rows[node][c] for c in columns]
-                if is_complex:
-                    expected += [imaginary_rows[node][c] for c in columns]
-                self.check("values", values, expected, "%s node %d" % (where, node))
+                parts = [real_rows, imaginary_rows] if is_complex else [real_rows]
+                expected = [sum(w * part[n][c] for n, w in sources)
+                            for part in parts for c in columns]
+                at = "%s element %d node %d point %d" % (where, element, node, point)
+                if len(sources) == 1 and sources[0][1] == 1:
+                    kind = "values" if sources[0][0] == node else "values on sides of shells"
+                    self.check(kind, values, expected, at)
+                else:
+                    scale = sum(abs(w * part[n][c]) for n, w in sources
+                                for part in parts for c in columns)
+                    self.n["sums" if adds_up else "means"] += 1
+                    if not near(values, expected, scale):
+                        self.problems.append("%s: database %s, file %s" % (at, values, expected))
 
-    def frames(self, nodes, frames, steps):
+    def frames(self, frames, steps):
         place = collections.Counter()
         start = {}
         for frame in frames:
@@ -166,7 +253,7 @@ class Comparison:
                                   if r == block and i in frame.fields), None)
                 for name, columns, of_elements in FIELDS.get(block, ()):
                     if name not in fields:
-                        if set(rows) & nodes & self.deck_nodes and not of_elements:
+                        if set(rows) & self.expanded.itself and not of_elements:
                             self.problems.append("%s lacks %s" % (where, name))
                         continue
                     self.field("%s %s" % (where, name), fields[name], columns,
@@ -179,32 +266,71 @@ class Comparison:
             for _, _, _, fields in frames:
                 for name, blocks in fields.items():
                     for place, _, point, _, rows in blocks:
-                        if place == INTEGRATION_POINT and point < 0:
+                        if place == INTEGRATION_POINT:
                             for words in rows:
-                                found[name, words[0], words[2]].append(
+                                found[name, int(words[0]), point, int(words[2])].append(
                                     [float(w) for w in words[3:]])
-        types = {words[0]: kind for frames, _ in steps for frame in frames
-                 for blocks in frame[3].values() for place, kind, _, _, rows in blocks
-                 if place == INTEGRATION_POINT for words in rows}
-        name = None
-        with open(path, encoding="utf-8", errors="replace") as file:
-            for line in file:
-                heading = DAT_HEADING.match(line.rstrip())
-                words = line.split()
-                if heading or (words and not re.match(r"\d+$", words[0])):
-                    name = heading and POINTS.get(heading[1].split(" (")[0])
-                elif name and len(words) > 2:
-                    if not types.get(words[0], "").startswith(("C3D", "DC3D")):
-                        continue
-                    values = [real(w.encode()) for w in words[2:8] if w[0] in "-.0123456789"]
-                    candidates = found.get((name, words[0], words[1]), [])
-                    self.n["values at integration points"] += 1
-                    # Real and imaginary parts come in tables of their own.
-                    halves = [c[i:i + len(values)] for c in candidates
-                              for i in range(0, len(c), len(values))]
-                    if not any(equal(h, values) for h in halves):
-                        self.problems.append("%s of element %s point %s: %s is not in the database"
-                                             % (name, words[0], words[1], values))
+        for name, element, rows in printed_points(path):
+            if element not in self.mesh.elements:
+                continue
+            for point, at, values, scale in self.expected_points(element, rows):
+                self.n["values at integration points" if point < 0 else
+                       "values at section points"] += 1
+                candidates = found.get((name, element, point, at), [])
+                # Real and imaginary parts come in tables of their own.
+                halves = [c[i:i + len(values)] for c in candidates
+                          for i in range(0, len(c), len(values))]
+                if not any(near(h, values, scale) for h in halves):
+                    self.problems.append("%s of element %d point %d, section point %d: %s is not in"
+                                         " the database" % (name, element, at, point, values))
+
+    def expected_points(self, label, rows):
+        """(section point, integration point, values, scale) of the table's rows of an element."""
+        element = self.mesh.elements[label]
+        if element.kind.startswith(("C3D", "DC3D")):
+            for i, row in enumerate(rows):
+                yield -1, i + 1, row, 1e-1 * max(map(abs, row))
+            return
+        if element.kind[0] not in "SMCD" or element.kind[1] == "P":
+            self.n["rows inside of beams, not compared"] += len(rows)
+            return
+        layers = self.mesh.layers(element.category) if element.kind[0] == "S" else 0
+        in_layer = len(rows) // max(layers, 1)
+        nodes = GAUSS[3 if in_layer % 9 == 0 else 2]
+        each = in_layer // len(nodes)
+        for layer in range(max(layers, 1)):
+            for side in (-1, 1) if layers else (0,):
+                weights = lagrange(nodes, side)
+                numbers = [n for n, _, k in self.mesh.points[element.category]
+                           if self.mesh.layer_and_side(element.category, n) == (layer, side)]
+                for at in range(each):
+                    of = [rows[layer * in_layer + k * each + at] for k in range(len(nodes))]
+                    scale = max(abs(v) for row in of for v in row)
+                    yield (numbers[0] if layers else -1), at + 1, [
+                        sum(w * row[c] for w, row in zip(weights, of))
+                        for c in range(len(of[0]))], scale
+
+    def printed_nodes(self, path, steps):
+        """Displacements as the solver printed them, and as the database has them at that time."""
+        total = 0
+        fields = []
+        for frames, _ in steps:
+            for _, mode, value, found in frames:
+                # Complex values come in tables of real and imaginary parts.
+                if mode == 0 and "U" in found and not found["U"][0][3]:
+                    fields.append((total + value, {int(w[1]): [float(x) for x in w[3:6]]
+                                                   for b in found["U"] for w in b[4]}))
+            total += frames[-1][2] if frames and not frames[-1][1] else 0
+        for time, rows in printed_displacements(path):
+            same = [u for t, u in fields if abs(t - time) <= 2e-6 * abs(time)]
+            if len(same) != 1 or not set(rows) & set(same[0]):
+                continue
+            scale = self.largest_source
+            for node in set(rows) & set(same[0]):
+                self.n["printed displacements"] += 1
+                if max(map(abs, minus(rows[node], same[0][node]))) > 1e-5 * scale:
+                    self.problems.append("U of node %d at %g: database %s, printed %s" % (
+                        node, time, same[0][node], rows[node]))
 
 
 def compare(importer, dump, deck, folder):
@@ -221,27 +347,21 @@ def compare(importer, dump, deck, folder):
     lines = [line for line in text.split("\n") if line]
     if lines and lines[-1].startswith("error"):
         return None, lines[-1]
-    steps = read_database(lines)
     result = Comparison(deck)
-    result.deck_nodes = deck_nodes(deck)
+    result.mesh, steps = read_database(lines)
     if "--results" in command:
-        nodes, frames = read_results(frd)
-        result.frames(nodes, frames, steps)
+        nodes, elements, frames = read_results(frd)
+        result.expanded = ExpandedMesh(result.mesh, nodes, elements)
+        result.problems += result.expanded.problems
+        result.frames(frames, steps)
+        result.largest_source = max((abs(v) for frame in frames
+                                     for row in frame.fields.get("DISP", {}).values()
+                                     for v in row[:3]), default=0)
     if "--data" in command:
         result.points(dat, steps)
+        if "--results" in command:
+            result.printed_nodes(dat, steps)
     return result, None
-
-
-def deck_nodes(path):
-    """Labels in the deck's *NODE blocks."""
-    nodes, inside = set(), False
-    with open(path, encoding="utf-8", errors="replace") as file:
-        for line in file:
-            if line.startswith("*") and not line.startswith("**"):
-                inside = re.match(r"\*NODE *(,|$)", line.strip(), re.I) is not None
-            elif inside and re.match(r" *\d+ *,", line):
-                nodes.add(int(line.split(",")[0]))
-    return nodes
 
 
 def main():

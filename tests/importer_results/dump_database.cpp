@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Prints the results in a database, one line an entry, for compare_database.py.
+// Prints the meshes and the results in a database, one line an entry, for compare_database.py.
 //
 //     dump_database FILE.odb
 #include <odb_API.h>
@@ -33,6 +33,33 @@ void printBlock(const odb_FieldBulkData& block, bool isComplex) {
     printNumbers(data + i * width, width);
     if (conjugate) printNumbers(conjugate + i * width, width);
     std::printf("\n");
+  }
+}
+
+void printMesh(const odb_Instance& instance) {
+  std::printf("instance %s\n", instance.name().CStr());
+  const odb_SequenceNode& nodes = instance.nodes();
+  for (int i = 0; i < nodes.size(); ++i) {
+    std::printf("node %d", nodes[i].label());
+    printNumbers(nodes[i].coordinates(), 3);
+    std::printf("\n");
+  }
+  const odb_SequenceElement& elements = instance.elements();
+  for (int i = 0; i < elements.size(); ++i) {
+    const odb_Element element = elements[i];
+    int n = 0;
+    const int* const connectivity = element.connectivity(n);
+    std::printf("element %d %s", element.label(), element.type().CStr());
+    for (int k = 0; k < n; ++k) std::printf(" %d", connectivity[k]);
+    std::printf(" | %s\n", element.sectionCategory().name().CStr());
+  }
+}
+
+void printSectionPoints(const odb_SectionCategory& category) {
+  const odb_SequenceSectionPoint& points = category.sectionPoints();
+  for (int i = 0; i < points.size(); ++i) {
+    std::printf("point %d %s | %s\n", points[i].number(), points[i].description().CStr(),
+                category.name().CStr());
   }
 }
 
@@ -81,6 +108,14 @@ int main(int argc, char** argv) {
   int status = 0;
   try {
     odb_Odb& odb = openOdb(argv[1], true);
+    odb_InstanceRepositoryIT instances(odb.rootAssembly().instances());
+    for (instances.first(); !instances.isDone(); instances.next()) {
+      printMesh(instances.currentValue());
+    }
+    odb_SectionCategoryRepositoryIT categories(odb.sectionCategories());
+    for (categories.first(); !categories.isDone(); categories.next()) {
+      printSectionPoints(categories.currentValue());
+    }
     odb_StepRepositoryIT steps(odb.steps());
     for (steps.first(); !steps.isDone(); steps.next()) {
       odb_Step step = steps.currentValue();

@@ -1,0 +1,199 @@
+# SPDX-License-Identifier: BSD-3-Clause
+"""What the solver makes of shells, plane elements and beams, for compare_database.py.
+
+Written from the chapter on element types of the CalculiX CrunchiX User's Manual, in the solver's
+numbering of nodes (from 1), and checked by geometry: every solid found here has to lie around its
+element, top above bottom. Nothing is shared with the importer.
+"""
+import collections
+import re
+
+# Per node of an element: node below, node above, node between (0: none).
+SURFACES = {
+    (3, 6): ((1, 4, 0), (2, 5, 0), (3, 6, 0)),
+    (4, 8): ((1, 5, 0), (2, 6, 0), (3, 7, 0), (4, 8, 0)),
+    (6, 15): ((1, 4, 13), (2, 5, 14), (3, 6, 15), (7, 10, 0), (8, 11, 0), (9, 12, 0)),
+    (8, 20): ((1, 5, 17), (2, 6, 18), (3, 7, 19), (4, 8, 20),
+              (9, 13, 0), (10, 14, 0), (11, 15, 0), (12, 16, 0)),
+}
+# Per node of a beam: the nodes of its cross-section, those of the mean first.
+BEAMS = {
+    (2, 8): ((1, 4, 5, 8), (2, 3, 6, 7)),
+    (3, 20): ((1, 4, 5, 8, 12, 16, 17, 20), (9, 11, 13, 15), (2, 3, 6, 7, 10, 14, 18, 19)),
+}
+# Result files have the middle edges of quadratic solids before the upper ones.
+FILE_ORDER = {20: list(range(12)) + [16, 17, 18, 19, 12, 13, 14, 15],
+              15: list(range(9)) + [12, 13, 14, 9, 10, 11]}
+FULL_CIRCLE = 180  # axisymmetric elements become wedges of 2 degrees
+
+
+def minus(a, b):
+    return [x - y for x, y in zip(a, b)]
+
+
+def dot(a, b):
+    return sum(x * y for x, y in zip(a, b))
+
+
+def cross(a, b):
+    return [a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]]
+
+
+def middle(a, b):
+    return [(x + y) / 2 for x, y in zip(a, b)]
+
+
+def size(a):
+    return dot(a, a) ** 0.5
+
+
+Element = collections.namedtuple("Element", "kind nodes category")
+
+
+class DeckMesh:
+    """The mesh as it is in the database: nodes, elements and section points."""
+
+    def __init__(self):
+        self.nodes, self.elements = {}, {}
+        self.points = collections.defaultdict(list)  # by category: (number, fraction, layer)
+
+    def take(self, words):
+        """Takes a line of the dump; false when it is of another kind."""
+        if words[0] == "node":
+            self.nodes[int(words[1])] = [float(w) for w in words[2:]]
+        elif words[0] == "element":
+            bar = words.index("|")
+            self.elements[int(words[1])] = Element(
+                words[2], [int(w) for w in words[3:bar]], " ".join(words[bar + 1:]))
+        elif words[0] == "point":
+            text = " ".join(words)
+            found = re.match(r"point (\d+) fraction = (\S+), Layer = (\d+) \| (.*)", text)
+            self.points[found[4]].append((int(found[1]), float(found[2]), int(found[3])))
+        return words[0] in ("instance", "node", "element", "point")
+
+    def layer_and_side(self, category, number):
+        """Layer from 0, and -1 for its lowest, 1 for its highest section point."""
+        points = self.points[category]
+        fraction, layer = next((f, k) for n, f, k in points if n == number)
+        others = [f for _, f, k in points if k == layer]
+        return layer - 1, {min(others): -1, max(others): 1}.get(fraction, 0)
+
+    def layers(self, category):
+        return max([layer for _, _, layer in self.points[category]], default=0)
+
+
+class ExpandedMesh:
+    """Finds the solids of each element, and what nodes of the file stand for a node of the deck."""
+
+    def __init__(self, deck, nodes, elements):
+        self.deck, self.nodes = deck, nodes
+        self.problems = []
+        self.solids = {}  # of each expanded element: nodes in the solver's order, bottom layer first
+        self.itself = set()
+        self.mean = collections.defaultdict(list)
+        self.sum = collections.defaultdict(set)
+        self.round = any(e.kind.startswith("CAX") for e in deck.elements.values())
+        self.circle = set()
+        scale = max((abs(x) for xyz in deck.nodes.values() for x in xyz), default=1)
+        for label, xyz in deck.nodes.items():
+            if label in nodes and max(map(abs, minus(xyz, nodes[label]))) < 2e-5 * scale:
+                self.itself.add(label)
+        strange = {n: e for n, e in elements.items() if n not in deck.elements}
+        for label, element in deck.elements.items():
+            found = elements.get(label)
+            if found and len(found) == len(element.nodes):
+                self.itself.update(set(found) & set(element.nodes))
+            elif found and (len(element.nodes), len(found)) in {**SURFACES, **BEAMS}:
+                self.expand(label, element, [found])
+            elif not found and strange and element.kind.startswith("S"):
+                layers = self.layers_of(element, strange)
+                if layers:
+                    self.expand(label, element, layers)
+
+    @staticmethod
+    def in_order(solid):
+        order = FILE_ORDER.get(len(solid), range(len(solid)))
+        return [solid[i] for i in order]
+
+    def layers_of(self, element, strange):
+        """The solids whose edges run through the element's nodes, from bottom to top."""
+        found = []
+        for solid in strange.values():
+            table = SURFACES.get((len(element.nodes), len(solid)))
+            if not table or any(n not in self.nodes for n in solid):
+                continue
+            ordered = self.in_order(solid)
+            heights = []
+            for node, (low, high, _) in zip(element.nodes, table):
+                a, b = self.nodes[ordered[low - 1]], self.nodes[ordered[high - 1]]
+                up = minus(b, a)
+                off = minus(middle(a, b), self.deck.nodes[node])
+                if size(cross(up, off)) > 1e-3 * size(up) * max(size(up), size(off)):
+                    break
+                heights.append(dot(off, up) / size(up))
+            else:
+                found.append((sum(heights), solid))
+        return [solid for _, solid in sorted(found)]
+
+    def expand(self, label, element, solids):
+        solids = [self.in_order(solid) for solid in solids]
+        if any(n not in self.nodes for solid in solids for n in solid):
+            return  # a file that has been cut
+        self.solids[label] = solids
+        key = len(element.nodes), len(solids[0])
+        if element.kind[0] in "BT":
+            for node, section in zip(element.nodes, BEAMS[key]):
+                at = [solids[0][n - 1] for n in section]
+                self.mean[node].append([(n, 0.25) for n in at[:4]])
+                self.sum[node].update(at)
+            return
+        x = [self.deck.nodes[n] for n in element.nodes]
+        normal = cross(minus(x[1], x[0]), minus(x[2], x[0]))
+        for node, (low, high, between) in zip(element.nodes, SURFACES[key]):
+            shares = []
+            heights = [size(minus(self.nodes[s[high - 1]], self.nodes[s[low - 1]])) for s in solids]
+            for solid, height in zip(solids, heights):
+                up = minus(self.nodes[solid[high - 1]], self.nodes[solid[low - 1]])
+                if dot(up, normal) < 0:
+                    self.problems.append("element %d: top and bottom are exchanged" % label)
+                w = height / sum(heights) if sum(heights) else 1 / len(solids)
+                if between:
+                    shares += self.through(solid, (low, high, between), w)
+                if len(solids) == 1:
+                    self.sum[node].update(solid[n - 1] for n in (low, high, between) if n)
+            # Edges of layers follow the whole element's shape functions: its faces count.
+            self.mean[node].append(
+                shares or [(solids[0][low - 1], 0.5), (solids[-1][high - 1], 0.5)])
+            if self.round and element.kind[0] == "C":
+                self.circle.add(node)
+
+    @staticmethod
+    def through(solid, place, weight):
+        """The mean over the thickness: of the parabola through three nodes, or of a line."""
+        low, high, between = place
+        shares = [(low, 1), (between, 4), (high, 1)] if between else [(low, 1), (high, 1)]
+        total = sum(s for _, s in shares)
+        return [(solid[n - 1], weight * s / total) for n, s in shares]
+
+    def at_node(self, node, adds_up):
+        """[(node of the file, weight)] of a node of the deck; empty: it should have no value."""
+        if not adds_up:
+            if node in self.itself:
+                return [(node, 1)]
+            parts = self.mean[node]
+            return [(n, w / len(parts)) for part in parts for n, w in part]
+        factor = FULL_CIRCLE if node in self.circle else 1
+        own = [(node, 1)] if node in self.itself else []
+        return own + [(n, factor) for n in self.sum[node]]
+
+    def at_element(self, label, node, number):
+        """The same of an element's value at a node, at section point `number` (-1: none)."""
+        element = self.deck.elements[label]
+        solids = self.solids.get(label)
+        if not solids:
+            return [(node, 1)]
+        place = SURFACES[len(element.nodes), len(solids[0])][element.nodes.index(node)]
+        if number < 0:
+            return self.through(solids[0], place, 1)
+        layer, side = self.deck.layer_and_side(element.category, number)
+        return [(solids[layer][place[side > 0] - 1], 1)] if side else []

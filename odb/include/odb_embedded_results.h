@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The result side of odb_embedded.h: field values from plain arrays, in either precision and at any
-// position, imaginary parts of histories. All throw odb_Exception on a read-only database.
+// position, imaginary parts of histories, element failure times. All throw odb_Exception on a
+// read-only database.
 #pragma once
 
 #include <odb_API.h>
@@ -37,6 +38,18 @@ void addData(odb_FieldOutput& field, const FieldValues<double>& values);
 
 // Adds rows of (x, imaginary part) to a history output.
 void addConjugateData(odb_HistoryOutput& output, const odb_SequenceSequenceFloat& pairs);
+
+// When elements failed, as a step records it.
+struct FailureTime {
+  odb_Instance instance;
+  int elementLabel = -1;
+  float time = 0;  // step time
+};
+// Adds to what the step has.
+void addFailureTimes(odb_Step& step, const odb_Instance& instance,
+                     const std::vector<int>& elementLabels, const std::vector<float>& times);
+// In the order in which they were added; reading works on read-only databases.
+std::vector<FailureTime> failureTimes(const odb_Step& step);
 
 // Drops the arrays that a block has read or computed; they come back when asked for. Pointers that
 // were got from the block become invalid.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The data behind the histories of a step.
+// The data behind histories and element failure times of a step.
 #pragma once
 
 #include "odb/src/database.h"
@@ -58,9 +58,16 @@ struct HistoryRegionData {
   odb_HistoryPoint point;
 };
 
+struct FailureData {
+  int entityRow = 0;
+  StoredArray<int> labels;
+  StoredArray<float> times;
+};
+
 struct StepHistory {
   std::vector<std::shared_ptr<HistoryRegionData>> regions;  // in order of creation
   odb_HistoryRegionRepository handles;
+  std::vector<FailureData> failures;
 };
 
 // The step's histories, read if need be; their values are read when asked for.
@@ -87,6 +94,7 @@ class HistorySaver {
   Table& steps_;
   Table& regions_;
   Table& outputs_;
+  Table& failures_;
 };
 
 }  // namespace odbs::engine

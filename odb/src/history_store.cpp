@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Histories to and from files.
+// Histories and element failure times to and from files.
 #include "odb/src/errors.h"
 #include "odb/src/history_data.h"
 #include "odb/src/result_rows.h"
+
+#include <odb_embedded.h>
 
 namespace odbs::engine {
 
 namespace {
 
+using layout::Failures;
 using layout::HistoryOutputs;
 using layout::HistoryRegions;
 using layout::StepResults;
@@ -65,6 +68,18 @@ void readRegions(StepData& step, StepHistory& history, FileReader& reader, const
   }
 }
 
+void readFailures(StepHistory& history, FileReader& reader, const Range& range, int file) {
+  if (range.count == 0) return;
+  const Rows rows(reader, Failures::shape, range);
+  for (std::int64_t i = 0; i < rows.size(); ++i) {
+    FailureData& failures = history.failures.emplace_back();
+    failures.entityRow = rows.number(i, Failures::kEntity);
+    failures.labels.refer(rows.array(i, Failures::kLabels, layout::Kind::kInt32, file));
+    failures.times.refer(rows.array(i, Failures::kTimes, layout::Kind::kFloat32, file));
+    if (failures.labels.count() != failures.times.count()) rows.bad(i, Failures::kNTimes);
+  }
+}
+
 EntityData& entityAt(Database& database, std::int64_t row) {
   Model& model = database.model();
   if (row < 0 || row >= static_cast<std::int64_t>(model.entities.size())) {
@@ -99,6 +114,8 @@ std::shared_ptr<StepHistory> readHistory(StepData& step) {
   const int file = database.storage.currentFile();
   readRegions(step, *history, reader,
               rows.range(0, StepResults::kFirstRegion, reader.nRows(HistoryRegions::shape)), file);
+  readFailures(*history, reader,
+               rows.range(0, StepResults::kFirstFailures, reader.nRows(Failures::shape)), file);
   return history;
 }
 
@@ -150,14 +167,23 @@ HistorySaver::HistorySaver(Saver& saver)
     : saver_(saver),
       steps_(saver.table(StepResults::shape)),
       regions_(saver.table(HistoryRegions::shape)),
-      outputs_(saver.table(HistoryOutputs::shape)) {}
+      outputs_(saver.table(HistoryOutputs::shape)),
+      failures_(saver.table(Failures::shape)) {}
 
 void HistorySaver::step(StepData& step) {
   StepHistory& history = historyOf(step);
   const std::int64_t row = steps_.addRow();
   steps_.integer(row, StepResults::kFirstRegion) = regions_.nRows;
   steps_.integer(row, StepResults::kNRegions) = static_cast<std::int64_t>(history.regions.size());
+  steps_.integer(row, StepResults::kFirstFailures) = failures_.nRows;
+  steps_.integer(row, StepResults::kNFailures) = static_cast<std::int64_t>(history.failures.size());
   for (const auto& one : history.regions) region(*one);
+  for (FailureData& failures : history.failures) {
+    const std::int64_t at = failures_.addRow();
+    failures_.integer(at, Failures::kEntity) = failures.entityRow;
+    saver_.array(failures_, at, Failures::kLabels, failures.labels);
+    saver_.array(failures_, at, Failures::kTimes, failures.times);
+  }
 }
 
 void HistorySaver::region(HistoryRegionData& region) {
@@ -201,3 +227,44 @@ void HistorySaver::region(HistoryRegionData& region) {
 }
 
 }  // namespace odbs::engine
+
+using namespace odbs::engine;
+
+void odb_embedded::addFailureTimes(odb_Step& step, const odb_Instance& instance,
+                                   const std::vector<int>& elementLabels,
+                                   const std::vector<float>& times) {
+  if (!step.engineData() || !instance.engineData()) odbs::throwEmptyHandle();
+  StepData& data = *step.engineData();
+  EntityData& entity = *instance.engineData();
+  data.database->needWritable();
+  if (elementLabels.size() != times.size()) failUsage("failure times need one label each");
+  loadElements(entity);
+  for (int label : elementLabels) {
+    if (findElement(entity, label) < 0) {
+      failUsage(std::string(entity.name.CStr()) + " has no element " + std::to_string(label));
+    }
+  }
+  FailureData failures;
+  failures.entityRow = entity.row;
+  Storage& storage = data.database->storage;
+  failures.labels.edit(storage).assign(elementLabels.begin(), elementLabels.end());
+  failures.times.edit(storage).assign(times.begin(), times.end());
+  historyOf(data).failures.push_back(std::move(failures));
+  data.database->touch();
+}
+
+std::vector<odb_embedded::FailureTime> odb_embedded::failureTimes(const odb_Step& step) {
+  if (!step.engineData()) odbs::throwEmptyHandle();
+  StepData& data = *step.engineData();
+  Storage& storage = data.database->storage;
+  std::vector<FailureTime> result;
+  for (FailureData& failures : historyOf(data).failures) {
+    const odb_Instance instance(&entityAt(*data.database, failures.entityRow));
+    const Buffer<int>& labels = failures.labels.get(storage);
+    const Buffer<float>& times = failures.times.get(storage);
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+      result.push_back(FailureTime{instance, labels[i], times[i]});
+    }
+  }
+  return result;
+}

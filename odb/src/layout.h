@@ -371,6 +371,7 @@ constexpr const TableSpec* kAllTables[] = {&Database::shape,         &Entities::
                                            &FieldLayouts::shape,     &FrameFields::shape,
                                            &Fields::shape,           &FieldBlocks::shape,
                                            &FieldBlocks::doubleSpec, &StepResults::shape,
-                                           &HistoryRegions::shape,   &HistoryOutputs::shape};
+                                           &HistoryRegions::shape,   &HistoryOutputs::shape,
+                                           &Failures::shape};
 
 }  // namespace odbs::engine::layout

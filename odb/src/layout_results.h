@@ -102,7 +102,7 @@ struct FieldBlocks {
 
 // One row per row of Steps.
 struct StepResults {
-  enum Ints { kFirstRegion, kNRegions, kNInts };
+  enum Ints { kFirstRegion, kNRegions, kFirstFailures, kNFailures, kNInts };
   static constexpr TableSpec shape{"step_results", kNInts, 0, 0, {}};
 };
 
@@ -145,6 +145,20 @@ struct HistoryOutputs {
   };
   static constexpr TableSpec shape{
       "history_outputs", kNInts, 0, 2, {{kData, Kind::kFloat32}, {kConjugate, Kind::kFloat32}}};
+};
+
+// When elements of one entity failed.
+struct Failures {
+  enum Ints {
+    kEntity,
+    kLabels,  // int32[n], of elements
+    kNLabels,
+    kTimes,  // float32[n], step time
+    kNTimes,
+    kNInts
+  };
+  static constexpr TableSpec shape{
+      "element_failures", kNInts, 0, 2, {{kLabels, Kind::kInt32}, {kTimes, Kind::kFloat32}}};
 };
 
 }  // namespace odbs::engine::layout

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Histories: points of every kind, values, conjugate parts, subsets.
+// Histories: points of every kind, values, conjugate parts, subsets, failure times.
 #include "tests/odb_results/results_model.h"
 
 #include <gtest/gtest.h>
@@ -132,6 +132,19 @@ TEST_F(History, WhatDoesNotFitIsRefused) {
   EXPECT_THROW(x.addData(floats({1, 2}), floats({1})), odb_Exception);
   EXPECT_THROW(x.addData(rows({{1, 2, 3}})), odb_Exception);
   EXPECT_EQ(x.data().size(), 0);
+}
+
+TEST_F(History, FailureTimesComeBackByStep) {
+  odb_embedded::addFailureTimes(model_.step(), model_.instance(), {10, 30}, {0.25F, 0.75F});
+  odb_embedded::addFailureTimes(model_.step(), model_.instance("P-2"), {20}, {0.5F});
+  EXPECT_THROW(odb_embedded::addFailureTimes(model_.step(), model_.instance(), {99}, {0}),
+               odb_Exception);
+  model_.reopen();
+  const auto times = odb_embedded::failureTimes(model_.step());
+  ASSERT_EQ(times.size(), 3U);
+  EXPECT_EQ(times[1].elementLabel, 30);
+  EXPECT_FLOAT_EQ(times[1].time, 0.75F);
+  EXPECT_STREQ(times[2].instance.name().CStr(), "P-2");
 }
 
 }  // namespace

@@ -74,6 +74,9 @@ double touchAll(odb_Odb& odb) {
     }
     odb_HistoryRegionRepositoryIT regions(step.historyRegions());
     for (regions.first(); !regions.isDone(); regions.next()) sum += touch(regions.currentValue());
+    for (const auto& failure : odb_embedded::failureTimes(step)) {
+      sum += failure.elementLabel + failure.instance.name().Length();
+    }
   }
   return sum;
 }
@@ -103,6 +106,7 @@ void makeResults(ResultsModel& model) {
   odb_embedded::addConjugateData(output, rows({{0, 1}, {1, 2}}));
   model.step().HistoryRegion("Node", "", odb_HistoryPoint(p.getNodeFromLabel(3)));
   model.step().HistoryRegion("Set", "", odb_HistoryPoint(p.nodeSets()["BASE"]));
+  odb_embedded::addFailureTimes(model.step(), p, {10}, {0.5F});
 }
 
 // One number of an integer dataset.
@@ -111,9 +115,10 @@ struct Cell {
   std::vector<hsize_t> place;
 };
 
-const char* const kTables[] = {
-    "field_kinds",  "field_labels",        "field_layouts", "frame_fields",    "fields",
-    "field_blocks", "field_blocks_double", "step_results",  "history_regions", "history_outputs"};
+const char* const kTables[] = {"field_kinds",         "field_labels",    "field_layouts",
+                               "frame_fields",        "fields",          "field_blocks",
+                               "field_blocks_double", "step_results",    "history_regions",
+                               "history_outputs",     "element_failures"};
 
 std::vector<Cell> cellsOf(const std::string& path, const std::vector<std::string>& datasets) {
   std::vector<Cell> cells;

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The walk over a step's status fields, and the cache of what it finds.
+// Recorded failures, the walk over a step's status fields, and the cache of what they tell.
 #include "results/failure_times.h"
 
+#include <algorithm>
 #include <map>
 
 #include "registry/database_caches.h"
 #include "results/block_writer.h"
 #include "server/label_set.h"
+#include "server/sdk_adapter.h"
 #include "server/sdk_value_slices.h"
 
 namespace odbs {
@@ -31,14 +33,18 @@ void appendFailed(const odb_FieldBulkData& block, std::vector<int>& failed) {
 std::vector<FailedElement> findFailed(const odb_Step& step) {
   std::vector<FailedElement> found;
   std::map<std::string, LabelSet> seen;
+  const double start = step.totalTime();
+  for (const sdk::RecordedFailure& failure : sdk::recordedFailures(step)) {
+    if (!seen[failure.instance].add(failure.label)) continue;
+    found.push_back({failure.instance, failure.label, start + failure.time});
+  }
   const odb_SequenceFrame& frames = step.frames();
   const int nFrames = frames.size();
   for (int f = 0; f < nFrames; ++f) {
     const odb_Frame frame = frames[f];
     odb_FieldOutputRepository& fields = frame.fieldOutputs();
     if (!fields.isMember("STATUS")) continue;
-    const double time =
-        static_cast<double>(frame.frameValue()) + static_cast<double>(step.totalTime());
+    const double time = start + static_cast<double>(frame.frameValue());
     const odb_FieldOutput status = fields.get("STATUS");
     const odb_SequenceFieldBulkData& blocks = status.bulkDataBlocks();
     const int nBlocks = blocks.size();
@@ -52,6 +58,8 @@ std::vector<FailedElement> findFailed(const odb_Step& step) {
     }
     sdk::clearBulkBlocks(blocks);
   }
+  std::stable_sort(found.begin(), found.end(),
+                   [](const auto& a, const auto& b) { return a.time < b.time; });
   return found;
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// When elements failed, by step: worked out once per open database from the frames that hold the
-// elements' status.
+// When elements failed, by step: found out once per open database. What the step records counts;
+// for other elements, the frames that hold their status tell.
 #pragma once
 
 #include <odb_API.h>
@@ -17,7 +17,7 @@ std::vector<int> failedLabels(const odb_FieldBulkData& block);
 struct FailedElement {
   std::string instance;
   int label = -1;
-  double time = 0;  // total time of the first frame in which its status is 0
+  double time = 0;  // total time: as recorded, or of the first frame in which its status is 0
 };
 
 // The elements that fail in the step with that index (from 0), in the order of their failure. The

@@ -28,7 +28,19 @@
 //   void closeAllAtExit()            the parent watchdog's, while the main thread still runs
 //   guarded(function)                runs it; whatever leaves it derives from std::exception
 //   std::string annotationText(odb_Odb&, const char* key)           empty: there is none
+//   std::vector<RecordedFailure> recordedFailures(const odb_Step&)  empty: none are recorded
 //   bool hasCsys1(const odb_ConnectorOrientation&), hasCsys2, hasAnalyticSurface(odb_RigidBody)
+namespace odbs::sdk {
+
+// When an element failed, as the step records it.
+struct RecordedFailure {
+  std::string instance;
+  int label = -1;
+  double time = 0;  // step time
+};
+
+}  // namespace odbs::sdk
+
 #if defined(ODBS_SDK)
 #include "server/sdk_vendor.h"
 #else

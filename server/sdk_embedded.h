@@ -3,6 +3,7 @@
 #pragma once
 
 #include <odb_API.h>
+#include <odb_FailureTimes.h>
 
 #include <string>
 #include <utility>
@@ -56,6 +57,14 @@ decltype(auto) guarded(Function&& function) {
 inline std::string annotationText(odb_Odb& odb, const char* key) {
   const auto& annotations = odb.userData().annotationObjects();
   return annotations.isMember(key) ? annotations[key].text().CStr() : "";
+}
+
+inline std::vector<RecordedFailure> recordedFailures(const odb_Step& step) {
+  std::vector<RecordedFailure> failures;
+  for (const engine::FailureTime& failure : engine::failureTimes(step)) {
+    failures.push_back({failure.instance.name().CStr(), failure.elementLabel, failure.time});
+  }
+  return failures;
 }
 
 inline bool hasCsys1(const odb_ConnectorOrientation& orientation) {

@@ -118,6 +118,11 @@ inline std::string annotationText(odb_Odb& odb, const char* key) {
   return detail::annotationText(odb.userData(), key, 0);
 }
 
+// How to read them is not documented.
+inline std::vector<RecordedFailure> recordedFailures(const odb_Step&) {
+  return {};
+}
+
 // The has... members are not documented: an object is absent when its getter throws or its name is
 // empty.
 template <typename Getter>

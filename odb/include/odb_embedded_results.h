@@ -39,17 +39,9 @@ void addData(odb_FieldOutput& field, const FieldValues<double>& values);
 // Adds rows of (x, imaginary part) to a history output.
 void addConjugateData(odb_HistoryOutput& output, const odb_SequenceSequenceFloat& pairs);
 
-// When elements failed, as a step records it.
-struct FailureTime {
-  odb_Instance instance;
-  int elementLabel = -1;
-  float time = 0;  // step time
-};
-// Adds to what the step has.
+// Adds failures to what the step has, times in step time; odb_FailureTimes.h reads them.
 void addFailureTimes(odb_Step& step, const odb_Instance& instance,
                      const std::vector<int>& elementLabels, const std::vector<float>& times);
-// In the order in which they were added; reading works on read-only databases.
-std::vector<FailureTime> failureTimes(const odb_Step& step);
 
 // Drops the arrays that a block has read or computed; they come back when asked for. Pointers that
 // were got from the block become invalid.

@@ -4,6 +4,7 @@
 #include "odb/src/history_data.h"
 #include "odb/src/result_rows.h"
 
+#include <odb_FailureTimes.h>
 #include <odb_embedded.h>
 
 namespace odbs::engine {
@@ -253,7 +254,7 @@ void odb_embedded::addFailureTimes(odb_Step& step, const odb_Instance& instance,
   data.database->touch();
 }
 
-std::vector<odb_embedded::FailureTime> odb_embedded::failureTimes(const odb_Step& step) {
+std::vector<FailureTime> odbs::engine::failureTimes(const odb_Step& step) {
   if (!step.engineData()) odbs::throwEmptyHandle();
   StepData& data = *step.engineData();
   Storage& storage = data.database->storage;

@@ -140,7 +140,7 @@ TEST_F(History, FailureTimesComeBackByStep) {
   EXPECT_THROW(odb_embedded::addFailureTimes(model_.step(), model_.instance(), {99}, {0}),
                odb_Exception);
   model_.reopen();
-  const auto times = odb_embedded::failureTimes(model_.step());
+  const auto times = odbs::engine::failureTimes(model_.step());
   ASSERT_EQ(times.size(), 3U);
   EXPECT_EQ(times[1].elementLabel, 30);
   EXPECT_FLOAT_EQ(times[1].time, 0.75F);

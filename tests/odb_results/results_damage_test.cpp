@@ -74,7 +74,7 @@ double touchAll(odb_Odb& odb) {
     }
     odb_HistoryRegionRepositoryIT regions(step.historyRegions());
     for (regions.first(); !regions.isDone(); regions.next()) sum += touch(regions.currentValue());
-    for (const auto& failure : odb_embedded::failureTimes(step)) {
+    for (const auto& failure : odbs::engine::failureTimes(step)) {
       sum += failure.elementLabel + failure.instance.name().Length();
     }
   }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <odb_API.h>
+#include <odb_FailureTimes.h>
 #include <odb_embedded.h>
 
 #include <filesystem>

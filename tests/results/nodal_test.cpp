@@ -180,6 +180,16 @@ TEST_F(Failures, TimesServeFramesWithoutStatusUnlessTheyHaveFailureCriteria) {
   EXPECT_EQ(Records{}, behindValues(4, kCentroid));
 }
 
+TEST_F(Failures, RecordedTimesComeBeforeThoseOfTheFrames) {
+  const odb_Instance& j = odb_->rootAssembly().instances()["J"];
+  odb_embedded::addFailureTimes(step_, j, {1, 2}, {2.5F, 1.5F});
+  odb_Frame frame = step_.Frame(3, 3.0F);
+  vectors(frame, "U", {{1, 0, 0}, {2, 0, 0}});
+  EXPECT_EQ((Records{name("J"), failed(1)}), behindValues(1, kCentroid));
+  EXPECT_EQ((Records{name("J"), failed(2), name("I"), failed(10), name("J"), failed(1)}),
+            behindValues(3, kCentroid));
+}
+
 TEST_F(Failures, ALabelListRestrictsThem) {
   save();
   server_ = std::make_unique<ServerProcess>();

@@ -33,6 +33,8 @@ MAY_INCLUDE = {
                      "catalogue", "regions", "server shell"],
     "client": ["base", "port", "client"],
     "importer": ["base", "port", "odb/include", "importer"],
+    # Programs for others to copy from: they see what a user of the database library sees.
+    "samples": ["base", "port", "odb/include", "samples"],
 }
 EVERYTHING = sorted(MAY_INCLUDE)
 MAY_INCLUDE["tests"] = EVERYTHING + ["tests"]

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The hexahedral cube of bench/hexahedral_model.h, through the documented write calls alone.
+// The hexahedral cube of bench/hexahedral_model.h, through the documented write calls; where there
+// are hundreds of frames, their values through plain arrays.
 #include "bench/hexahedral_model.h"
 
 #include <odb_API.h>
 #include <odb_MaterialTypes.h>
 #include <odb_SectionTypes.h>
+#include <odb_embedded.h>
 
 #include <filesystem>
+#include <numeric>
+#include <random>
+#include <vector>
 
 namespace odbs::bench {
 
@@ -121,6 +126,50 @@ void writeManyFrames(const std::string& path, int nFrames, int nFields) {
   }
   odb.save();
   odb.close();
+}
+
+int writeModes(const std::string& path, int nModes, int nValues) {
+  constexpr int kPoints = 8;
+  constexpr int kComponents = 6;
+  const int nElements = (nValues + kPoints - 1) / kPoints;
+  int nPerEdge = 2;
+  while ((nPerEdge - 1) * (nPerEdge - 1) * (nPerEdge - 1) < nElements) ++nPerEdge;
+  odb_Odb& odb = makeModel(path, nPerEdge, "C3D8");
+  const odb_Instance instance = odb.rootAssembly().instances()["CUBE-1"];
+  std::vector<int> labels(static_cast<std::size_t>(nElements));
+  std::iota(labels.begin(), labels.end(), 1);
+  std::vector<float> data(labels.size() * kPoints * kComponents);
+  odb_embedded::FieldValues<float> values;
+  values.position = odb_Enum::INTEGRATION_POINT;
+  values.instance = instance;
+  values.labels = labels.data();
+  values.nLabels = nElements;
+  values.data = data.data();
+  values.nRows = nElements * kPoints;
+  values.width = kComponents;
+  std::mt19937 random(3);
+  std::uniform_real_distribution<float> number(-1, 1);
+  odb_Step& modes = odb.Step("Modes", "", odb_Enum::MODAL, 0, "", "*FREQUENCY");
+  for (int m = 1; m <= nModes; ++m) {
+    for (float& x : data) x = number(random);
+    odb_Frame frame = modes.Frame(m, static_cast<float>(m));
+    odb_embedded::addData(frame.FieldOutput("S", "Stress", odb_Enum::TENSOR_3D_FULL), values);
+  }
+  odb_SequenceFloat entries;
+  for (int i = 0; i < nModes; ++i) {
+    for (int j = 0; j <= i; ++j) entries.append(j == i ? 2 : number(random));
+  }
+  odb_SequenceSequenceFloat packed;
+  packed.append(entries);
+  odb_Step& response = odb.Step("Response", "", odb_Enum::FREQUENCY, 0, "", "*RANDOM RESPONSE");
+  odb_Frame frame = response.Frame(1, 1);
+  for (const char* name : {"MATRIX Sqq", "MATRIX RSqq"}) {
+    frame.SymmetricMatrixOutput(name, "", nModes)
+        .addData(odb_Enum::WHOLE_MODEL, instance, odb_SequenceInt(), packed);
+  }
+  odb.save();
+  odb.close();
+  return values.nRows;
 }
 
 }  // namespace odbs::bench

@@ -6,6 +6,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "results/block_writer.h"
@@ -30,7 +31,11 @@ void appendSlices(const odb_FieldBulkData& block, std::vector<float>& numbers) {
   const int width = block.width();
   sdk::forEachValueSlice<Real>(block, false, [&](const sdk::ValueSlice<Real>& slice) {
     const std::ptrdiff_t n = std::ptrdiff_t{slice.n} * width;
-    for (std::ptrdiff_t i = 0; i < n; ++i) numbers.push_back(static_cast<float>(slice.data[i]));
+    if constexpr (std::is_same_v<Real, float>) {
+      numbers.insert(numbers.end(), slice.data, slice.data + n);
+    } else {
+      for (std::ptrdiff_t i = 0; i < n; ++i) numbers.push_back(static_cast<float>(slice.data[i]));
+    }
   });
 }
 

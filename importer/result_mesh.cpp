@@ -141,20 +141,23 @@ const std::int32_t* ResultMesh::nodesOf(std::size_t element) const {
   return index_.elements.nodes.data() + firstNode_[element];
 }
 
-// Nodes of one label at one place are one node. Text keeps six digits of coordinates.
+// Text keeps six digits of coordinates.
+bool ResultMesh::isSamePlace(std::size_t deckNode, std::int32_t node) const {
+  const double* const a = mesh_.nodes.xyz.data() + 3 * deckNode;
+  const double* const b = index_.nodes.coordinates.data() + 3 * static_cast<std::size_t>(node);
+  return std::fabs(a[0] - b[0]) <= tolerance_ && std::fabs(a[1] - b[1]) <= tolerance_ &&
+         std::fabs(a[2] - b[2]) <= tolerance_;
+}
+
+// Nodes of one label at one place are one node.
 void ResultMesh::matchEqualNodes() {
   double size = 0;
   for (const double x : mesh_.nodes.xyz) size = std::max(size, std::fabs(x));
-  const double tolerance = 2e-5 * size;
+  tolerance_ = 2e-5 * size;
   equalNode_.assign(mesh_.nodes.size(), -1);
   for (std::size_t i = 0; i < mesh_.nodes.size(); ++i) {
     const std::int32_t node = indexOf(mesh_.nodes.labels[i]);
-    if (node < 0) continue;
-    const double* const a = mesh_.nodes.xyz.data() + 3 * i;
-    const double* const b = index_.nodes.coordinates.data() + 3 * static_cast<std::size_t>(node);
-    const bool same = std::fabs(a[0] - b[0]) <= tolerance && std::fabs(a[1] - b[1]) <= tolerance &&
-                      std::fabs(a[2] - b[2]) <= tolerance;
-    if (same) equalNode_[i] = node;
+    if (node >= 0 && isSamePlace(i, node)) equalNode_[i] = node;
   }
 }
 
@@ -223,6 +226,20 @@ ElementTargets& ResultMesh::targets(const ElementBlock& block, Side side, int la
   return elements_.back();
 }
 
+// The node of a solid that a node of the same element is: the one of its label, else the one at its
+// place. The solver splits the nodes of pre-tension sections in two.
+std::int32_t ResultMesh::ownNode(std::size_t element, std::size_t nNodes,
+                                 std::int32_t deckNode) const {
+  const std::int32_t* const theirs = nodesOf(element);
+  if (std::find(theirs, theirs + nNodes, deckNode) != theirs + nNodes) return indexOf(deckNode);
+  const std::int32_t i = deckNodes_.find(deckNode);
+  for (std::size_t k = 0; i >= 0 && k < nNodes; ++k) {
+    const std::int32_t node = indexOf(theirs[k]);
+    if (node >= 0 && isSamePlace(static_cast<std::size_t>(i), node)) return node;
+  }
+  return -1;
+}
+
 // An element that is in both with the same nodes.
 bool ResultMesh::takeEqual(const ElementBlock& block, std::size_t at) {
   const std::int32_t found = frdElements_.find(block.labels[at]);
@@ -232,23 +249,23 @@ bool ResultMesh::takeEqual(const ElementBlock& block, std::size_t at) {
   const auto nFrdNodes =
       static_cast<std::size_t>(frdNodesPerElement(index_.elements.types[element]));
   if (last - first != nFrdNodes || block.offsets[1] - block.offsets[0] != nFrdNodes) return false;
-  const std::int32_t* const theirs = nodesOf(element);
+  std::vector<std::int32_t> nodes;
   for (std::size_t i = first; i < last; ++i) {
-    const bool has = std::find(theirs, theirs + nFrdNodes, block.nodes[i]) != theirs + nFrdNodes;
+    nodes.push_back(ownNode(element, nFrdNodes, block.nodes[i]));
     // A node that no block of nodes has: such a file has been cut.
-    if (!has || indexOf(block.nodes[i]) < 0) return false;
+    if (nodes.back() < 0) return false;
+    if (index_.nodes.labels[static_cast<std::size_t>(nodes.back())] != block.nodes[i]) continue;
+    // The solver moves nodes of contact surfaces onto each other, so that places can differ.
+    const std::int32_t deckNode = deckNodes_.find(block.nodes[i]);
+    if (deckNode >= 0) equalNode_[static_cast<std::size_t>(deckNode)] = nodes.back();
   }
+  used_[element] = true;
+  // Springs and dashpots have no stresses; what their nodes have is that of their neighbours.
+  if (elementTypeOf(block.type).family == Family::connector) return true;
   // Plane results of shells are those of the middle surface.
   ElementTargets& target = targets(block, Side::whole, 0, -1, 1);
   target.labels.push_back(block.labels[at]);
-  for (std::size_t i = first; i < last; ++i) {
-    const std::int32_t node = indexOf(block.nodes[i]);
-    target.sources.nodes.push_back(node);
-    // The solver moves nodes of contact surfaces onto each other, so that places can differ.
-    const std::int32_t deckNode = deckNodes_.find(block.nodes[i]);
-    if (deckNode >= 0) equalNode_[static_cast<std::size_t>(deckNode)] = node;
-  }
-  used_[element] = true;
+  target.sources.nodes.insert(target.sources.nodes.end(), nodes.begin(), nodes.end());
   return true;
 }
 
@@ -431,6 +448,13 @@ void ResultMesh::finish() {
       for (const std::int32_t node : found->second.sum) add(sums_, node, found->second.factor);
     }
     close(sums_);
+  }
+  for (std::size_t i = 0; i < used_.size(); ++i) {
+    const int n = used_[i] ? frdNodesPerElement(index_.elements.types[i]) : 0;
+    for (int k = 0; k < n; ++k) {
+      const std::int32_t node = nodeAt(i, k);
+      if (node >= 0) taken[static_cast<std::size_t>(node)] = true;
+    }
   }
   nUnusedNodes_ = static_cast<std::size_t>(std::count(taken.begin(), taken.end(), false));
   nUnusedElements_ = static_cast<std::size_t>(std::count(used_.begin(), used_.end(), false));

@@ -101,6 +101,7 @@ class ResultMesh {
   // layer, bottom first.
   using Solids = std::vector<std::size_t>;
 
+  bool isSamePlace(std::size_t deckNode, std::int32_t node) const;
   void matchEqualNodes();
   void findLayers();
   Solids solidsOf(std::int32_t label, std::int32_t section) const;
@@ -114,6 +115,7 @@ class ResultMesh {
   void addSide(const ElementBlock& block, std::size_t at, std::size_t solid, Side side, int layer,
                std::int32_t section);
   void addWhole(const ElementBlock& block, std::size_t at, std::size_t solid, int layer);
+  std::int32_t ownNode(std::size_t element, std::size_t nNodes, std::int32_t deckNode) const;
   bool takeEqual(const ElementBlock& block, std::size_t at);
   ElementTargets& targets(const ElementBlock& block, Side side, int layer, std::int32_t section,
                           std::uint32_t each);
@@ -124,6 +126,7 @@ class ResultMesh {
   const FrdIndex& index_;
   LabelIndex frdNodes_, frdElements_, deckNodes_;
   std::vector<std::size_t> firstNode_;  // of each element of the result file
+  double tolerance_ = 0;                // of coordinates
   // Per node of the deck: the one that it is in the result file, or -1, and then perhaps others.
   std::vector<std::int32_t> equalNode_;
   std::unordered_map<std::size_t, Stand> stands_;

@@ -89,6 +89,7 @@ class ExpandedMesh:
         self.deck, self.nodes = deck, nodes
         self.problems = []
         self.solids = {}  # of each expanded element: nodes in the solver's order, bottom layer first
+        self.split = {}  # of an element and its node: the double that it has at a pre-tension section
         self.itself = set()
         self.mean = collections.defaultdict(list)
         self.sum = collections.defaultdict(set)
@@ -103,6 +104,10 @@ class ExpandedMesh:
             found = elements.get(label)
             if found and len(found) == len(element.nodes):
                 self.itself.update(set(found) & set(element.nodes))
+                for node in set(element.nodes) - set(found):
+                    self.split[label, node] = [
+                        n for n in found if n in nodes
+                        and max(map(abs, minus(deck.nodes[node], nodes[n]))) < 2e-5 * scale]
             elif found and (len(element.nodes), len(found)) in {**SURFACES, **BEAMS}:
                 self.expand(label, element, [found])
             elif not found and strange and element.kind.startswith("S"):
@@ -191,7 +196,7 @@ class ExpandedMesh:
         element = self.deck.elements[label]
         solids = self.solids.get(label)
         if not solids:
-            return [(node, 1)]
+            return [(n, 1) for n in self.split.get((label, node), [node])]
         place = SURFACES[len(element.nodes), len(solids[0])][element.nodes.index(node)]
         if number < 0:
             return self.through(solids[0], place, 1)

@@ -66,6 +66,12 @@ Matched matchSample(const std::string& name) {
   return match(base + ".inp", base + ".frd");
 }
 
+std::string nodeLine(int label, const Place& at) {
+  char line[80];
+  std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", label, at[0], at[1], at[2]);
+  return line;
+}
+
 TEST(ResultMesh, TakesSolidsAsTheyAre) {
   for (const char* const name : {"contact_block", "bar_modes", "bar_harmonic"}) {
     Matched m = matchSample(name);
@@ -103,6 +109,25 @@ TEST(ResultMesh, FindsTheLayersOfCompositeShells) {
   }
 }
 
+TEST(ResultMesh, FindsTheDoubleOfANodeByItsPlace) {
+  const std::string deck =
+      "*NODE\n1,0,0,0\n2,1,0,0\n3,0,1,0\n4,0,0,1\n*ELEMENT,TYPE=C3D4\n1,1,2,3,4\n"
+      "*ELEMENT,TYPE=SPRINGA\n2,1,4\n";
+  // At a pre-tension section the solid has node 5 where the deck has node 3.
+  std::string frd = blockHead("2", 5, 1);
+  const Place places[] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 1, 0}};
+  for (int i = 0; i < 5; ++i) frd += nodeLine(i + 1, places[i]);
+  frd += " -3\n" + blockHead("3", 2, 1) + " -1         1    3    0    1\n" +
+         " -2         1         2         5         4\n -1         2   11    0    1\n" +
+         " -2         1         4\n -3\n 9999\n";
+  const TemporaryFile deckFile(deck, ".inp"), frdFile(frd);
+  Matched m = match(deckFile.path(), frdFile.path());
+  EXPECT_EQ(m.mesh->nUnusedElements(), 0u);
+  ASSERT_EQ(m.mesh->elements().size(), 1u) << "springs have no stresses";
+  EXPECT_EQ(m.mesh->elements()[0].sources.nodes, (std::vector<std::int32_t>{0, 1, 4, 3}));
+  EXPECT_EQ(m.mesh->nodeLabels(), (std::vector<std::int32_t>{1, 2, 3, 4}));
+}
+
 // One element of the deck, the solid that the solver makes of it, and its twin in plane output.
 struct Expanded {
   const char* name;
@@ -118,12 +143,6 @@ class ResultMeshOf : public testing::TestWithParam<Expanded> {};
 const std::vector<Place> kTriangle = {{0, 0}, {4, 0, 0}, {0, 4, 0}, {2, 0}, {2, 2, 0}, {0, 2, 0}};
 const std::vector<Place> kSquare = {{0, 0}, {4, 0, 0}, {4, 4, 0}, {0, 4, 0},
                                     {2, 0}, {4, 2, 0}, {2, 4, 0}, {0, 2, 0}};
-
-std::string nodeLine(int label, const Place& at) {
-  char line[80];
-  std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", label, at[0], at[1], at[2]);
-  return line;
-}
 
 TEST_P(ResultMeshOf, FollowsItsExpansion) {
   const Expanded& c = GetParam();

@@ -55,6 +55,11 @@ LayerPoints layerPoints(const odb_SectionCategory& category, int layer) {
   return points;
 }
 
+odb_SectionPoint cornerPoint(const odb_SectionCategory& category, int corner) {
+  const odb_SequenceSectionPoint& all = category.sectionPoints();
+  return all.size() == kCorners ? all[corner] : odb_SectionPoint();
+}
+
 FieldWriter::Block FieldWriter::read(const FrdField& field) {
   Block block;
   reader_.readAt(field.place);
@@ -215,12 +220,19 @@ bool FieldWriter::writeOfElements(odb_Frame& frame, const TargetField& field, co
   bool any = false;
   for (const ElementTargets& targets : mesh_.elements()) {
     Rows rows(frame, field, instance_, odb_Enum::ELEMENT_NODAL, imaginary != nullptr);
-    if (targets.side != Side::whole) {
+    if (targets.side == Side::corner) {
+      const odb_Element element = instance_.getElementFromLabel(targets.labels[0]);
+      rows.sectionPoint = cornerPoint(element.sectionCategory(), targets.layer);
+    } else if (targets.side != Side::whole) {
       const odb_Element element = instance_.getElementFromLabel(targets.labels[0]);
       const LayerPoints points = layerPoints(element.sectionCategory(), targets.layer);
       rows.sectionPoint = targets.side == Side::bottom ? points.bottom : points.top;
-      if (rows.sectionPoint.number() < 0) continue;
     }
+    if (targets.side != Side::whole && rows.sectionPoint.number() < 0) continue;
+    const auto turnLast = [&](std::vector<float>& values, std::size_t row) {
+      if (targets.axes.empty()) return;
+      turn(field.shape, targets.axes[row], values.data() + values.size() - field.sources.size());
+    };
     for (std::size_t e = 0; e < targets.labels.size(); ++e) {
       bool complete = true;
       for (std::size_t n = 0; complete && n < targets.nNodes; ++n) {
@@ -228,6 +240,8 @@ bool FieldWriter::writeOfElements(odb_Frame& frame, const TargetField& field, co
         complete = gather(targets.sources, row, field, real, rows.values) &&
                    (imaginary == nullptr ||
                     gather(targets.sources, row, field, *imaginary, rows.conjugate));
+        if (complete) turnLast(rows.values, row);
+        if (complete && imaginary != nullptr) turnLast(rows.conjugate, row);
       }
       if (complete) {
         rows.accept(targets.labels[e]);

@@ -32,6 +32,9 @@ struct LayerPoints {
 };
 LayerPoints layerPoints(const odb_SectionCategory& category, int layer);
 
+// The section point of a beam's corner, see SectionCorner.
+odb_SectionPoint cornerPoint(const odb_SectionCategory& category, int corner);
+
 class FieldWriter {
  public:
   FieldWriter(FrdReader& reader, const FrdIndex& index, const ResultMesh& mesh,

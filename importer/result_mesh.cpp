@@ -42,7 +42,9 @@ struct LineExpansion {
   int frdType;
   int sections[3][kMaxNodes];  // -1: no more
 };
-constexpr std::size_t kLineMean = 4;
+constexpr std::uint32_t kLineMean = 4;
+// Of those four, the one at each corner in the order of SectionCorner.
+constexpr std::size_t kCornerPlaces[kCorners] = {1, 3, 0, 2};
 
 constexpr LineExpansion kLineExpansions[] = {
     {2, 1, {{0, 3, 4, 7, -1}, {1, 2, 5, 6, -1}, {-1}}},
@@ -114,12 +116,13 @@ std::int32_t LabelIndex::find(std::int32_t label) const {
   return is ? *found : -1;
 }
 
-ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index)
+ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index, bool userNormals)
     : mesh_(mesh),
       index_(index),
       frdNodes_(index.nodes.labels),
       frdElements_(index.elements.labels),
-      deckNodes_(mesh.nodes.labels) {
+      deckNodes_(mesh.nodes.labels),
+      lines_(mesh, userNormals) {
   const FrdElements& elements = index.elements;
   std::size_t at = 0;
   firstNode_.reserve(elements.labels.size());
@@ -222,7 +225,7 @@ ElementTargets& ResultMesh::targets(const ElementBlock& block, Side side, int la
       return t;
     }
   }
-  elements_.push_back({block.type, side, layer, section, {}, nNodes, {each, {}, {}, {}}});
+  elements_.push_back({block.type, side, layer, section, {}, nNodes, {each, {}, {}, {}}, {}});
   return elements_.back();
 }
 
@@ -336,7 +339,39 @@ void ResultMesh::takeLine(const ElementBlock& block, std::size_t at, std::size_t
     }
   }
   used_[solid] = true;
-  ++nElementsWithout_;
+  if (!addLine(block, at, solid)) ++nElementsWithout_;
+}
+
+// Values of a truss (means over its cross-sections) or beam (at the corners of its cross-sections).
+// False when their axes or corners are not known.
+bool ResultMesh::addLine(const ElementBlock& block, std::size_t at, std::size_t solid) {
+  const bool truss = isTruss(block.type);
+  const std::int32_t section = truss ? -1 : lines_.beamSection(block.labels[at]);
+  if (!truss && section < 0) return false;
+  const std::size_t n = block.offsets[at + 1] - block.offsets[at];
+  const LineExpansion& line = *lineExpansionOf(static_cast<int>(n), index_.elements.types[solid]);
+  std::vector<Axes> axes(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    const double xi = 2 * static_cast<double>(i) / static_cast<double>(n - 1) - 1;
+    if (!lines_.axesAt(block, at, xi, axes[i])) return false;
+  }
+  for (int corner = 0; corner < (truss ? 1 : kCorners); ++corner) {
+    ElementTargets& target =
+        targets(block, truss ? Side::whole : Side::corner, corner, section, truss ? kLineMean : 1);
+    target.labels.push_back(block.labels[at]);
+    target.axes.insert(target.axes.end(), axes.begin(), axes.end());
+    for (std::size_t i = 0; i < n; ++i) {
+      if (!truss) {
+        target.sources.nodes.push_back(nodeAt(solid, line.sections[i][kCornerPlaces[corner]]));
+        continue;
+      }
+      for (std::size_t k = 0; k < kLineMean; ++k) {
+        target.sources.nodes.push_back(nodeAt(solid, line.sections[i][k]));
+        target.sources.weights.push_back(1.f / kLineMean);
+      }
+    }
+  }
+  return true;
 }
 
 void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const Solids& solids) {

@@ -15,6 +15,7 @@
 
 #include "importer/deck.h"
 #include "importer/frd_index.h"
+#include "importer/line_axes.h"
 
 namespace odbs::importer {
 
@@ -48,26 +49,27 @@ class LabelIndex {
 
 struct Expansion;  // how elements become solids, see result_mesh.cpp
 
-// Where through the thickness element values belong.
-enum class Side { whole, bottom, top };
+// Where through the thickness, or in the cross-section, element values belong.
+enum class Side { whole, bottom, top, corner };
 
 // Values at the nodes of some elements of one type: a row per element and node of its
 // connectivity.
 struct ElementTargets {
   std::string type;
   Side side = Side::whole;
-  int layer = 0;                     // of a composite shell, from 0
-  std::int32_t section = -1;         // index in the mesh's sections, of shells only
+  int layer = 0;                     // of a composite shell, from 0; of a beam, the corner
+  std::int32_t section = -1;         // index in the mesh's sections, of shells and beams only
   std::vector<std::int32_t> labels;  // of the elements, ascending
   std::size_t nNodes = 0;            // of each
   NodeSources sources;               // of each row
+  std::vector<Axes> axes;            // of each row, in trusses and beams; else the global ones
 };
 
 class ResultMesh {
  public:
   // Matches what `index` holds with a mesh of the deck; both must outlive this. Of `index`, only
-  // nodes.labels are needed later.
-  ResultMesh(const Scope& mesh, const FrdIndex& index);
+  // nodes.labels are needed later. `userNormals`: the deck gives normals (see LineAxes).
+  ResultMesh(const Scope& mesh, const FrdIndex& index, bool userNormals = false);
 
   // The deck's nodes that have values, ascending, each with the nodes whose weighted mean is its
   // value, and those that make it up where values add up (forces): none for nodes of composite
@@ -84,7 +86,7 @@ class ResultMesh {
   std::int32_t indexOf(std::int32_t frdLabel) const { return frdNodes_.find(frdLabel); }
 
   // Nodes and elements of the result file that nothing of the deck takes, and elements of the deck
-  // whose nodes take values but which take none of their own (beams).
+  // whose nodes take values but which take none of their own (some beams).
   std::size_t nUnusedNodes() const { return nUnusedNodes_; }
   std::size_t nUnusedElements() const { return nUnusedElements_; }
   std::size_t nElementsWithout() const { return nElementsWithout_; }
@@ -108,6 +110,7 @@ class ResultMesh {
   void matchElements(const ElementBlock& block);
   void takeExpanded(const ElementBlock& block, std::size_t at, const Solids& solids);
   void takeLine(const ElementBlock& block, std::size_t at, std::size_t solid);
+  bool addLine(const ElementBlock& block, std::size_t at, std::size_t solid);
   void standFor(std::int32_t deckNode, const Solids& solids, const Expansion& expansion, int node,
                 bool layered, float factor);
   Stand* standOf(std::int32_t deckNode);
@@ -125,6 +128,7 @@ class ResultMesh {
   const Scope& mesh_;
   const FrdIndex& index_;
   LabelIndex frdNodes_, frdElements_, deckNodes_;
+  LineAxes lines_;
   std::vector<std::size_t> firstNode_;  // of each element of the result file
   double tolerance_ = 0;                // of coordinates
   // Per node of the deck: the one that it is in the result file, or -1, and then perhaps others.

@@ -40,8 +40,8 @@ std::string listed(const std::map<std::string, std::size_t>& counts) {
   return text;
 }
 
-void writeFrd(const std::string& path, const Scope& mesh, const odb_Instance& instance,
-              ResultFrames& frames, ResultSummary& summary,
+void writeFrd(const std::string& path, const Scope& mesh, bool userNormals,
+              const odb_Instance& instance, ResultFrames& frames, ResultSummary& summary,
               const std::function<void(double)>& progress) {
   FrdReader reader(path);
   FrdIndex index = indexFrd(reader);
@@ -49,7 +49,7 @@ void writeFrd(const std::string& path, const Scope& mesh, const odb_Instance& in
     summary.warnings.push_back(path + ": " + text);
   };
   if (!index.complete) warn("the solver did not finish this file; what it holds is imported");
-  const ResultMesh match(mesh, index);
+  const ResultMesh match(mesh, index, userNormals);
   if (match.nodeLabels().empty() && !index.frames.empty()) {
     throw ResultMismatch(path + ": none of its nodes is one of the deck");
   }
@@ -74,7 +74,7 @@ void writeFrd(const std::string& path, const Scope& mesh, const odb_Instance& in
   }
   if (match.nElementsWithout() > 0) {
     warn("left out: values inside of " + std::to_string(match.nElementsWithout()) +
-         " beams and trusses, which the solver calculates as solids");
+         " beams with pipe or box profiles or normals of their own");
   }
   if (!writer.leftOut().empty()) warn("fields left out: " + listed(writer.leftOut()));
 }
@@ -112,7 +112,8 @@ ResultSummary writeResults(const Deck& deck, odb_Odb& odb, const std::string& fr
   const Scope& mesh = deck.meshOf(instance);
   const odb_Instance written = odb.rootAssembly().instances()[instance.name.c_str()];
   ResultFrames frames(deck, odb);
-  if (!frdPath.empty()) writeFrd(frdPath, mesh, written, frames, summary, progress);
+  if (!frdPath.empty())
+    writeFrd(frdPath, mesh, hasUserNormals(deck), written, frames, summary, progress);
   if (!datPath.empty()) writeDat(datPath, deck, mesh, odb, written, frames, summary);
   summary.nFrames = frames.nFrames();
   return summary;

@@ -49,7 +49,11 @@ const HistoryName* historyName(std::string_view quantity) {
 
 TableWriter::TableWriter(const Deck& deck, const Scope& mesh, odb_Odb& odb,
                          const odb_Instance& instance, ResultFrames& frames)
-    : deck_(deck), odb_(odb), instance_(instance), frames_(frames) {
+    : deck_(deck),
+      odb_(odb),
+      instance_(instance),
+      frames_(frames),
+      lines_(mesh, hasUserNormals(deck)) {
   for (const ElementBlock& block : mesh.elements.blocks) {
     for (const std::int32_t label : block.labels) blockOf_.emplace(label, &block);
   }

@@ -13,12 +13,19 @@
 
 #include "importer/dat_reader.h"
 #include "importer/field_writer.h"
+#include "importer/line_axes.h"
 #include "importer/result_frames.h"
 
 namespace odbs::importer {
 
 class TableWriter {
  public:
+  // A field that a table at integration points becomes.
+  struct PointField {
+    std::string_view quantity, name, description;
+    FieldShape shape;
+  };
+
   TableWriter(const Deck& deck, const Scope& mesh, odb_Odb& odb, const odb_Instance& instance,
               ResultFrames& frames);
 
@@ -67,6 +74,17 @@ class TableWriter {
   std::vector<PointBlock> pointBlocks(const DatTable& table, const std::string& field);
   bool addBlock(odb_Frame& frame, const DatTable& real, const DatTable* imaginary,
                 const PointBlock& block);
+  static std::vector<std::pair<std::string, std::vector<std::size_t>>> fieldsOf(
+      const PointField& field, const DatTable& table);
+  void addPoints(odb_Frame& frame, const PointField& field, const std::string& name,
+                 const PointBlock& block, const std::vector<float>& rows,
+                 const std::vector<float>& conjugate, std::size_t width,
+                 const odb_SectionPoint& point);
+  bool addLines(odb_Frame& frame, const PointField& field, const DatTable& real,
+                const DatTable* imaginary, const PointBlock& block);
+  std::vector<float> lineRows(const DatTable& table, const PointBlock& block,
+                              const PointField& field, const std::vector<std::size_t>& sources,
+                              int corner, const std::vector<Axes>& axes) const;
   void addHistory(const Moment& moment, const DatTable& table, bool imaginary);
   void addValue(const Region& region, const std::string& output, double x, double value,
                 bool imaginary);
@@ -78,6 +96,7 @@ class TableWriter {
   odb_Odb& odb_;
   odb_Instance instance_;
   ResultFrames& frames_;
+  LineAxes lines_;
   std::unordered_map<std::int32_t, const ElementBlock*> blockOf_;  // by element label
   std::unordered_set<std::int32_t> nodes_;                         // labels of the deck
   std::map<Region, Outputs> histories_;

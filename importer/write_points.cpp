@@ -17,12 +17,7 @@ namespace odbs::importer {
 
 namespace {
 
-struct PointField {
-  std::string_view quantity, name, description;
-  FieldShape shape;
-};
-
-constexpr PointField kPointFields[] = {
+constexpr TableWriter::PointField kPointFields[] = {
     {"S", "S", "Stress components", FieldShape::tensor},
     {"SVF", "SVF", "Viscous stress components", FieldShape::tensor},
     {"E", "E", "Total strain components (tensor shear)", FieldShape::tensor},
@@ -39,7 +34,8 @@ enum class Layout {
   solid,   // as they are
   planar,  // means over the planes
   shell,   // at both faces, from a line (or parabola) through the planes
-  unknown  // beams: the database's points are elsewhere
+  line,    // see write_line_points.cpp
+  unknown
 };
 
 Layout layoutOf(const std::string& type) {
@@ -50,6 +46,8 @@ Layout layoutOf(const std::string& type) {
       return Layout::planar;
     case Family::shell:
       return type[0] == 'S' ? Layout::shell : Layout::planar;
+    case Family::line:
+      return Layout::line;
     default:
       return Layout::unknown;
   }
@@ -75,32 +73,27 @@ std::vector<double> planeWeights(std::size_t nPlanes, int face) {
                   : std::vector<double>{inner, middle, outer};
 }
 
-struct Rows {
-  std::vector<float> values;
-  std::size_t nPerElement = 0;
-};
-
 // The values of the elements of a block: `sources` are columns of the table. Layer `layer` of
 // `nLayers`, at face -1 or 1, or 0 for the mean over the planes.
-Rows rowsOf(const DatTable& table, const std::vector<std::size_t>& firstRows, std::size_t nPoints,
-            const std::vector<std::size_t>& sources, Layout layout, std::size_t layer,
-            std::size_t nLayersHere, int face) {
-  Rows rows;
+std::vector<float> rowsOf(const DatTable& table, const std::vector<std::size_t>& firstRows,
+                          std::size_t nPoints, const std::vector<std::size_t>& sources,
+                          Layout layout, std::size_t layer, std::size_t nLayersHere, int face) {
+  std::vector<float> rows;
   const std::size_t inLayer = nPoints / nLayersHere;
   const std::size_t nPlanes = layout == Layout::solid ? 1 : planesOf(inLayer);
   const std::vector<double> weights =
       layout == Layout::solid ? std::vector<double>{1} : planeWeights(nPlanes, face);
-  rows.nPerElement = inLayer / nPlanes;
+  const std::size_t nPerElement = inLayer / nPlanes;
   const std::size_t nColumns = table.columns.size();
   for (const std::size_t first : firstRows) {
-    for (std::size_t point = 0; point < rows.nPerElement; ++point) {
+    for (std::size_t point = 0; point < nPerElement; ++point) {
       for (const std::size_t column : sources) {
         double value = 0;
         for (std::size_t plane = 0; plane < nPlanes; ++plane) {
-          const std::size_t row = first + layer * inLayer + plane * rows.nPerElement + point;
+          const std::size_t row = first + layer * inLayer + plane * nPerElement + point;
           value += weights[plane] * table.values[row * nColumns + column];
         }
-        rows.values.push_back(static_cast<float>(value));
+        rows.push_back(static_cast<float>(value));
       }
     }
   }
@@ -170,7 +163,38 @@ void TableWriter::writePoints(const Moment& moment, const DatTable& real,
     all &= addBlock(*frame, real, imaginary, block);
   }
   nFields_ += static_cast<std::size_t>(frame->fieldOutputs().size() - nBefore);
-  if (!all) ++leftOut_[real.title + " of beams or of unusual layers"];
+  if (!all) ++leftOut_[real.title + " of pipes, boxes or unusual layers"];
+}
+
+// The fields that a table becomes, with their columns: one, or one for each scalar.
+std::vector<std::pair<std::string, std::vector<std::size_t>>> TableWriter::fieldsOf(
+    const PointField& field, const DatTable& table) {
+  std::vector<std::pair<std::string, std::vector<std::size_t>>> fields;
+  if (field.shape != FieldShape::scalar) {
+    fields.push_back({std::string(field.name), std::vector<std::size_t>(table.columns.size())});
+    std::iota(fields[0].second.begin(), fields[0].second.end(), std::size_t{0});
+  }
+  for (std::size_t i = 0; field.shape == FieldShape::scalar && i < table.columns.size(); ++i) {
+    fields.push_back({std::string(field.name) + table.columns[i], {i}});
+  }
+  return fields;
+}
+
+void TableWriter::addPoints(odb_Frame& frame, const PointField& field, const std::string& name,
+                            const PointBlock& block, const std::vector<float>& rows,
+                            const std::vector<float>& conjugate, std::size_t width,
+                            const odb_SectionPoint& point) {
+  odb_embedded::FieldValues<float> added;
+  added.position = odb_Enum::INTEGRATION_POINT;
+  added.instance = instance_;
+  added.labels = block.labels.data();
+  added.nLabels = static_cast<int>(block.labels.size());
+  added.nRows = static_cast<int>(rows.size() / width);
+  added.width = static_cast<int>(width);
+  added.data = rows.data();
+  added.conjugate = conjugate.empty() ? nullptr : conjugate.data();
+  added.sectionPoint = point;
+  odb_embedded::addData(fieldOf(frame, name, std::string(field.description), field.shape), added);
 }
 
 bool TableWriter::addBlock(odb_Frame& frame, const DatTable& real, const DatTable* imaginary,
@@ -181,6 +205,7 @@ bool TableWriter::addBlock(odb_Frame& frame, const DatTable& real, const DatTabl
   }
   const Layout layout = layoutOf(blockOf(block.labels[0])->type);
   if (known == nullptr || layout == Layout::unknown) return false;
+  if (layout == Layout::line) return addLines(frame, *known, real, imaginary, block);
   const odb_SectionCategory category =
       instance_.getElementFromLabel(block.labels[0]).sectionCategory();
   // Layers that have section points; none: the mean over the planes has to do.
@@ -196,41 +221,19 @@ bool TableWriter::addBlock(odb_Frame& frame, const DatTable& real, const DatTabl
 
   const auto addRows = [&](const std::string& name, const std::vector<std::size_t>& sources,
                            std::size_t layer, int face, const odb_SectionPoint& point) {
-    const Rows rows =
-        rowsOf(real, block.rows, block.nPoints, sources, layout, layer, nLayersHere, face);
-    Rows conjugate;
-    if (imaginary != nullptr) {
-      conjugate =
-          rowsOf(*imaginary, block.rows, block.nPoints, sources, layout, layer, nLayersHere, face);
-    }
-    odb_embedded::FieldValues<float> added;
-    added.position = odb_Enum::INTEGRATION_POINT;
-    added.instance = instance_;
-    added.labels = block.labels.data();
-    added.nLabels = static_cast<int>(block.labels.size());
-    added.nRows = static_cast<int>(block.labels.size() * rows.nPerElement);
-    added.width = static_cast<int>(sources.size());
-    added.data = rows.values.data();
-    added.conjugate = imaginary != nullptr ? conjugate.values.data() : nullptr;
-    added.sectionPoint = point;
-    odb_embedded::addData(fieldOf(frame, name, std::string(known->description), known->shape),
-                          added);
+    const auto rows = [&](const DatTable& table) {
+      return rowsOf(table, block.rows, block.nPoints, sources, layout, layer, nLayersHere, face);
+    };
+    addPoints(frame, *known, name, block, rows(real),
+              imaginary != nullptr ? rows(*imaginary) : std::vector<float>(), sources.size(),
+              point);
   };
-  const auto addField = [&](const std::string& name, const std::vector<std::size_t>& sources) {
-    if (layers.empty()) return addRows(name, sources, 0, 0, odb_SectionPoint());
+  for (const auto& [name, sources] : fieldsOf(*known, real)) {
+    if (layers.empty()) addRows(name, sources, 0, 0, odb_SectionPoint());
     for (std::size_t layer = 0; layer < layers.size(); ++layer) {
       addRows(name, sources, layer, -1, layers[layer].bottom);
       addRows(name, sources, layer, 1, layers[layer].top);
     }
-  };
-  if (known->shape != FieldShape::scalar) {
-    std::vector<std::size_t> sources(real.columns.size());
-    std::iota(sources.begin(), sources.end(), std::size_t{0});
-    addField(std::string(known->name), sources);
-    return true;
-  }
-  for (std::size_t i = 0; i < real.columns.size(); ++i) {
-    addField(std::string(known->name) + real.columns[i], {i});
   }
   return true;
 }

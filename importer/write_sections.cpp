@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "base/text.h"
+#include "importer/line_axes.h"
 #include "importer/model_writer.h"
 
 namespace odbs::importer {
@@ -199,6 +200,12 @@ void ModelWriter::writeSection(const Section& section, const NamedSection& named
 // Points through the thickness, from the bottom up, as the solver would lay them: their fraction of
 // the whole thickness runs from -1 to 1.
 void ModelWriter::writeSectionPoints(const Section& section, odb_SectionCategory& category) {
+  for (int corner = 0; hasCorners(section) && corner < kCorners; ++corner) {
+    const SectionCorner at = cornerOf(section, corner);
+    char description[80];
+    std::snprintf(description, sizeof description, "x1 = %.6f, x2 = %.6f", at.along1, at.along2);
+    category.SectionPoint(corner + 1, description);
+  }
   std::vector<Layer> layers;
   if (section.kind == SectionKind::shell) {
     layers.emplace_back();

@@ -22,7 +22,7 @@ import tempfile
 sys.dont_write_bytecode = True  # the sources stay as they are
 
 from compare_readers import DAT_HEADING, FrdFile, real  # noqa: E402
-from expanded_mesh import DeckMesh, ExpandedMesh, minus  # noqa: E402
+from expanded_mesh import DeckMesh, ExpandedMesh, minus, turned  # noqa: E402
 
 TENSOR = (0, 1, 2, 3, 5, 4)  # xx yy zz xy yz zx, as 11 22 33 12 13 23
 VECTOR = (0, 1, 2)
@@ -181,6 +181,7 @@ def read_database(lines):
 class Comparison:
     def __init__(self, name):
         self.name = name
+        self.expanded = None
         self.n = collections.Counter()
         self.problems = []
 
@@ -209,10 +210,19 @@ class Comparison:
                     continue
                 values = [float(w) for w in words[3:]]
                 parts = [real_rows, imaginary_rows] if is_complex else [real_rows]
-                expected = [sum(w * part[n][c] for n, w in sources)
-                            for part in parts for c in columns]
+                expected = [[sum(w * part[n][c] for n, w in sources) for c in columns]
+                            for part in parts]
+                axes = None if position == NODAL else self.expanded.axes_at(element, node)
+                expected = [v for values in expected for v in turned(values, axes)]
                 at = "%s element %d node %d point %d" % (where, element, node, point)
-                if len(sources) == 1 and sources[0][1] == 1:
+                if axes:
+                    # Directions come from coordinates of six digits.
+                    scale = 1e2 * max(abs(part[n][c]) for n, _ in sources
+                                      for part in parts for c in columns)
+                    self.n["values of beams and trusses"] += 1
+                    if not near(values, expected, scale):
+                        self.problems.append("%s: database %s, file %s" % (at, values, expected))
+                elif len(sources) == 1 and sources[0][1] == 1:
                     kind = "values" if sources[0][0] == node else "values on sides of shells"
                     self.check(kind, values, expected, at)
                 else:
@@ -291,6 +301,9 @@ class Comparison:
             for i, row in enumerate(rows):
                 yield -1, i + 1, row, 1e-1 * max(map(abs, row))
             return
+        if element.kind[0] in "BT" and self.expanded and len(rows) in (8, 27):
+            yield from self.expected_lines(label, rows)
+            return
         if element.kind[0] not in "SMCD" or element.kind[1] == "P":
             self.n["rows inside of beams, not compared"] += len(rows)
             return
@@ -309,6 +322,25 @@ class Comparison:
                     yield (numbers[0] if layers else -1), at + 1, [
                         sum(w * row[c] for w, row in zip(weights, of))
                         for c in range(len(of[0]))], scale
+
+    def expected_lines(self, label, rows):
+        """The same of a beam or truss: its corners, or its middle, at the points along the line."""
+        element = self.mesh.elements[label]
+        n = 2 if len(rows) == 8 else 3
+        corners = self.mesh.corners[element.category] if element.kind[0] == "B" else {-1: (0, 0)}
+        if not corners:
+            self.n["rows inside of beams, not compared"] += len(rows)
+        for number, (one, two) in corners.items():
+            # From nodes 1 to 4 direction 2 falls, from 1 to 5 direction 1 rises.
+            along2, along1 = lagrange(GAUSS[n], -two), lagrange(GAUSS[n], one)
+            for i in range(n):
+                axes = self.expanded.axes(label, GAUSS[n][i])
+                if axes is None:
+                    continue
+                values = [sum(along2[j] * along1[k] * rows[i + n * j + n * n * k][c]
+                              for j in range(n) for k in range(n)) for c in range(len(rows[0]))]
+                yield number, i + 1, turned(values, axes), 1e2 * max(
+                    abs(v) for row in rows for v in row)
 
     def printed_nodes(self, path, steps):
         """Displacements as the solver printed them, and as the database has them at that time."""

@@ -21,6 +21,9 @@ BEAMS = {
     (2, 8): ((1, 4, 5, 8), (2, 3, 6, 7)),
     (3, 20): ((1, 4, 5, 8, 12, 16, 17, 20), (9, 11, 13, 15), (2, 3, 6, 7, 10, 14, 18, 19)),
 }
+# Of the first four, the signs of their places along the local directions 1 and 2, that is across
+# the faces 1 2 6 5 and 4 3 7 8, and across 1 2 3 4 and 5 6 7 8.
+CORNER_SIGNS = ((-1, 1), (-1, -1), (1, 1), (1, -1))
 # Result files have the middle edges of quadratic solids before the upper ones.
 FILE_ORDER = {20: list(range(12)) + [16, 17, 18, 19, 12, 13, 14, 15],
               15: list(range(9)) + [12, 13, 14, 9, 10, 11]}
@@ -47,6 +50,18 @@ def size(a):
     return dot(a, a) ** 0.5
 
 
+def turned(values, axes):
+    """A tensor (six values 11 22 33 12 13 23) or vector in other axes; a scalar as it is."""
+    if axes is None or len(values) == 1:
+        return values
+    if len(values) == 3:
+        return [dot(a, values) for a in axes]
+    xx, yy, zz, xy, xz, yz = values
+    full = ((xx, xy, xz), (xy, yy, yz), (xz, yz, zz))
+    rows = [[dot(r, a) for r in full] for a in axes]
+    return [dot(axes[i], rows[j]) for i, j in ((0, 0), (1, 1), (2, 2), (0, 1), (0, 2), (1, 2))]
+
+
 Element = collections.namedtuple("Element", "kind nodes category")
 
 
@@ -56,6 +71,7 @@ class DeckMesh:
     def __init__(self):
         self.nodes, self.elements = {}, {}
         self.points = collections.defaultdict(list)  # by category: (number, fraction, layer)
+        self.corners = collections.defaultdict(dict)  # by category and number: signs
 
     def take(self, words):
         """Takes a line of the dump; false when it is of another kind."""
@@ -67,6 +83,11 @@ class DeckMesh:
                 words[2], [int(w) for w in words[3:bar]], " ".join(words[bar + 1:]))
         elif words[0] == "point":
             text = " ".join(words)
+            found = re.match(r"point (\d+) x1 = (-?)\S+, x2 = (-?)\S+ \| (.*)", text)
+            if found:
+                self.corners[found[4]][int(found[1])] = (
+                    -1 if found[2] else 1, -1 if found[3] else 1)
+                return True
             found = re.match(r"point (\d+) fraction = (\S+), Layer = (\d+) \| (.*)", text)
             self.points[found[4]].append((int(found[1]), float(found[2]), int(found[3])))
         return words[0] in ("instance", "node", "element", "point")
@@ -180,6 +201,29 @@ class ExpandedMesh:
         total = sum(s for _, s in shares)
         return [(solid[n - 1], weight * s / total) for n, s in shares]
 
+    def axes(self, label, at):
+        """Tangent and local directions 1 and 2 of a beam or truss, from the edges of its solid at
+        `at`, -1 to 1 along it; None for other elements."""
+        element, solids = self.deck.elements[label], self.solids.get(label)
+        if element.kind[0] not in "BT" or not solids:
+            return None
+        x = [self.deck.nodes[n] for n in element.nodes]
+        slopes = (-0.5, 0.5) if len(x) == 2 else (at - 0.5, -2 * at, at + 0.5)
+        t = [sum(s * p[k] for s, p in zip(slopes, x)) for k in range(3)]
+        corner = [self.nodes[solids[0][i]] for i in range(8)]
+        # The edges turn with a curved line: those of both ends have their share.
+        ends = (1 - at) / 2, (1 + at) / 2
+        second = [a * p + b * q for a, b, p, q in zip(
+            [ends[0]] * 3, [ends[1]] * 3, minus(corner[0], corner[3]), minus(corner[1], corner[2]))]
+        first = cross(second, t)
+        second = cross(t, first)
+        return [[v / size(a) for v in a] for a in (t, first, second)]
+
+    def axes_at(self, label, node):
+        """The axes at a node of a beam or truss; None for other elements."""
+        nodes = self.deck.elements[label].nodes
+        return self.axes(label, 2 * nodes.index(node) / (len(nodes) - 1) - 1)
+
     def at_node(self, node, adds_up):
         """[(node of the file, weight)] of a node of the deck; empty: it should have no value."""
         if not adds_up:
@@ -197,6 +241,12 @@ class ExpandedMesh:
         solids = self.solids.get(label)
         if not solids:
             return [(n, 1) for n in self.split.get((label, node), [node])]
+        if element.kind[0] in "BT":
+            section = BEAMS[len(element.nodes), len(solids[0])][element.nodes.index(node)][:4]
+            if number < 0:
+                return [(solids[0][n - 1], 0.25) for n in section]
+            signs = self.deck.corners[element.category][number]
+            return [(solids[0][section[CORNER_SIGNS.index(signs)] - 1], 1)]
         place = SURFACES[len(element.nodes), len(solids[0])][element.nodes.index(node)]
         if number < 0:
             return self.through(solids[0], place, 1)

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "importer/command_line.h"
+#include "importer/line_axes.h"
 #include "tests/importer/deck_files.h"
 #include "tests/importer_results/result_text.h"
 
@@ -178,6 +179,41 @@ TEST_F(ResultWriter, PutsShellsStressesAtTheirSectionPoints) {
   const Floats below = valuesAt(block(s, odb_Enum::ELEMENT_NODAL, 1), 5, 14, -1, false);
   const Floats above = valuesAt(block(s, odb_Enum::ELEMENT_NODAL, 9), 5, 14, -1, false);
   EXPECT_NEAR(below[0], -above[0], 0.02f * std::fabs(above[0]));
+}
+
+TEST_F(ResultWriter, TurnsTrussesAndBeamsIntoTheirOwnAxes) {
+  const std::string deck =
+      "*NODE\n1,0,0,0\n2,1,0,1\n3,1,0,0\n*ELEMENT,TYPE=T3D2,ELSET=T\n1,1,2\n"
+      "*ELEMENT,TYPE=B31,ELSET=B\n2,1,3\n*MATERIAL,NAME=M\n*ELASTIC\n1.,0.\n"
+      "*SOLID SECTION,ELSET=T,MATERIAL=M\n1.\n"
+      "*BEAM SECTION,ELSET=B,MATERIAL=M,SECTION=RECT\n0.1,0.2\n0.,1.,0.\n"
+      "*STEP\n*STATIC\n1.,1.\n*END STEP\n";
+  std::string rows;
+  char line[100];
+  for (int point = 1; point <= 8; ++point) {
+    std::snprintf(line, sizeof line, "%8d%4d 1. 0. 1. 0. 1. 0.\n", 1, point);
+    rows += line;
+  }
+  // Axial stress 10 times the place against n2 (z), plus that along n1 (y): 1 at the faces.
+  for (int point = 0; point < 8; ++point) {
+    const double against2 = (point & 2 ? 1 : -1) / std::sqrt(3),
+                 along1 = (point & 4 ? 1 : -1) / std::sqrt(3);
+    std::snprintf(line, sizeof line, "%8d%4d %.9f 0. 0. 2. 3. 0.\n", 2, point + 1,
+                  10 * against2 + along1);
+    rows += line;
+  }
+  const std::string heading =
+      " stresses (elem, integ.pnt.,sxx,syy,szz,sxy,sxz,syz) for set E and time  0.1000000E+01\n\n";
+  open({files_.write("lines.inp", deck), "--data", files_.write("lines.dat", heading + rows)});
+  const odb_FieldOutput s = field(0, 0, "S");
+  const odb_FieldBulkData truss = block(s, odb_Enum::INTEGRATION_POINT);
+  expectNear(valuesAt(truss, 1, -1, 2, false), {2, 0, 0, 0, 0, 0});
+  const float axial[kCorners] = {9, 11, -11, -9};
+  for (int corner = 0; corner < kCorners; ++corner) {
+    const odb_FieldBulkData beam = block(s, odb_Enum::INTEGRATION_POINT, corner + 1);
+    EXPECT_EQ(beam.length(), 2);
+    expectNear(valuesAt(beam, 2, -1, 1, false), {axial[corner], 0, 0, 2, 3, 0});
+  }
 }
 
 // One bar in three steps: static, modes, static.

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Axes from the nodes of lines and the directions of their sections.
+#include "importer/line_axes.h"
+
+#include <cmath>
+
+#include "base/text.h"
+#include "importer/element_types.h"
+
+namespace odbs::importer {
+
+namespace {
+
+using Vector = std::array<double, 3>;
+
+double dot(const Vector& a, const Vector& b) {
+  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+Vector cross(const Vector& a, const Vector& b) {
+  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+// Makes the length 1; false when there is (nearly) none compared with `size`.
+bool normalize(Vector& v, double size) {
+  const double length = std::sqrt(dot(v, v));
+  if (!(length > 1e-6 * size)) return false;
+  for (double& x : v) x /= length;
+  return true;
+}
+
+}  // namespace
+
+bool hasCorners(const Section& section) {
+  return section.kind == SectionKind::beam &&
+         (startsWith(section.profile, "RECT") || section.profile == "CIRC");
+}
+
+SectionCorner cornerOf(const Section& section, int corner) {
+  const double at = section.profile == "CIRC" ? std::sqrt(0.5) : 1;
+  return {corner % 2 == 0 ? -at : at, corner < 2 ? -at : at};
+}
+
+bool hasUserNormals(const Deck& deck) {
+  return deck.ignoredKeywords.count("*NORMAL") != 0;
+}
+
+bool isTruss(const std::string& type) {
+  return type[0] == 'T' && elementTypeOf(type).family == Family::line;
+}
+
+LineAxes::LineAxes(const Scope& mesh, bool userNormals) : mesh_(mesh) {
+  for (std::size_t s = 0; s < mesh.sections.size() && !userNormals; ++s) {
+    const Section& section = mesh.sections[s];
+    const Set* const set = hasCorners(section) ? mesh.elementSets.find(section.elset) : nullptr;
+    if (set == nullptr) continue;
+    for (const Members& members : set->members) {
+      for (const std::int32_t label : members.labels) {
+        sectionOf_[label] = static_cast<std::int32_t>(s);
+      }
+    }
+  }
+  std::unordered_map<std::int32_t, bool> needed;
+  for (const ElementBlock& block : mesh.elements.blocks) {
+    if (elementTypeOf(block.type).family != Family::line) continue;
+    for (const std::int32_t node : block.nodes) needed[node] = true;
+  }
+  if (needed.empty()) return;
+  for (std::size_t i = 0; i < mesh.nodes.size(); ++i) {
+    if (needed.count(mesh.nodes.labels[i]) != 0) nodes_[mesh.nodes.labels[i]] = i;
+  }
+}
+
+std::int32_t LineAxes::beamSection(std::int32_t label) const {
+  const auto found = sectionOf_.find(label);
+  return found == sectionOf_.end() ? -1 : found->second;
+}
+
+bool LineAxes::axesAt(const ElementBlock& block, std::size_t at, double xi, Axes& axes) const {
+  const std::size_t first = block.offsets[at], n = block.offsets[at + 1] - first;
+  // Derivatives of the shape functions.
+  const double slopes[2][3] = {{-0.5, 0.5, 0}, {xi - 0.5, -2 * xi, xi + 0.5}};
+  if (n != 2 && n != 3) return false;
+  Vector t{};
+  double size = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    const auto node = nodes_.find(block.nodes[first + i]);
+    if (node == nodes_.end()) return false;
+    for (std::size_t k = 0; k < 3; ++k) {
+      const double x = mesh_.nodes.xyz[3 * node->second + k];
+      t[k] += slopes[n - 2][i] * x;
+      size = std::max(size, std::fabs(x));
+    }
+  }
+  if (!normalize(t, 1e-3 * size)) return false;
+  Vector n1 = {0, 0, -1};
+  const std::int32_t section = beamSection(block.labels[at]);
+  if (section >= 0) {
+    const std::vector<double>& given = mesh_.sections[static_cast<std::size_t>(section)].beamAxis;
+    if (given.size() == 3) n1 = {given[0], given[1], given[2]};
+  } else if (std::fabs(t[2]) > 0.99) {
+    n1 = {1, 0, 0};  // trusses may have any
+  }
+  const double along = dot(n1, t), length = std::sqrt(dot(n1, n1));
+  for (std::size_t k = 0; k < 3; ++k) n1[k] -= along * t[k];
+  if (!normalize(n1, length)) return false;
+  axes = {t, n1, cross(t, n1)};
+  return true;
+}
+
+void turn(FieldShape shape, const Axes& axes, float* components) {
+  if (shape == FieldShape::vector) {
+    const Vector v = {components[0], components[1], components[2]};
+    for (std::size_t i = 0; i < 3; ++i) components[i] = static_cast<float>(dot(axes[i], v));
+  }
+  if (shape != FieldShape::tensor) return;
+  // Components 11, 22, 33, 12, 13, 23.
+  constexpr std::size_t kRow[6] = {0, 1, 2, 0, 0, 1}, kColumn[6] = {0, 1, 2, 1, 2, 2};
+  double full[3][3];
+  for (std::size_t c = 0; c < 6; ++c) {
+    full[kRow[c]][kColumn[c]] = full[kColumn[c]][kRow[c]] = static_cast<double>(components[c]);
+  }
+  for (std::size_t c = 0; c < 6; ++c) {
+    double value = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t j = 0; j < 3; ++j) {
+        value += axes[kRow[c]][i] * full[i][j] * axes[kColumn[c]][j];
+      }
+    }
+    components[c] = static_cast<float>(value);
+  }
+}
+
+}  // namespace odbs::importer

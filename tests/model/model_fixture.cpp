@@ -44,6 +44,10 @@ Records ModelTest::stream(char command) {
 
 Records ModelTest::streamLine(const std::string& head) {
   odb_->save();
+  return streamClosed(head);
+}
+
+Records ModelTest::streamClosed(const std::string& head) {
   odb_->close();
   odb_ = nullptr;
   ServerProcess server;

@@ -38,6 +38,8 @@ class ModelTest : public ::testing::Test {
 
   // The same for a line that is `head` and the database's path.
   Records streamLine(const std::string& head);
+  // The same without saving.
+  Records streamClosed(const std::string& head);
 
   // The records of `g` with that tag.
   Records streamed(int tag) { return withTag(stream(), tag); }

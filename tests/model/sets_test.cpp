@@ -2,6 +2,8 @@
 // Sets, surfaces and the section summary.
 #include "tests/model/model_fixture.h"
 
+#include <fstream>
+#include <iterator>
 #include <numeric>
 
 namespace odbs::tests {
@@ -119,6 +121,37 @@ TEST_F(Sets, SeveralInstancesGroupTheirSetsByName) {
   expected.insert(expected.end(),
                   {header(5, "OWN"), members(8, {2}), kEndOfSet, kMarker, name("B"), kMarker});
   EXPECT_EQ(expected, withoutTitle(streamLine("S 1 0 ")));
+}
+
+// Puts `after` in the place of the labels `before`, which stand in the file once.
+void replaceLabels(const std::string& path, const std::vector<int>& before,
+                   const std::vector<int>& after) {
+  std::ifstream in(path, std::ios::binary);
+  std::string bytes((std::istreambuf_iterator<char>(in)), {});
+  in.close();
+  const std::string from = members(0, before).substr(1), to = members(0, after).substr(1);
+  const std::size_t at = bytes.find(from);
+  ASSERT_NE(std::string::npos, at);
+  ASSERT_EQ(std::string::npos, bytes.find(from, at + 1));
+  bytes.replace(at, to.size(), to);
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+TEST_F(Sets, MembersThatCannotBeReadEndTheirSetAlone) {
+  odb_Part& body = rod("P", 5);
+  instance("A", body).NodeSet("GOOD", ints({4, 2}));
+  instance("B", body);
+  odb_SequenceString names;
+  names.append("A");
+  names.append("B");
+  odb_->rootAssembly().NodeSet("BOTH", names, rows({{5, 3, 1}, {2}}));
+  odb_->save();
+  replaceLabels(path_, {5, 3, 1}, {5, 3, 99});  // a node that the part lacks
+  EXPECT_EQ((Records{header(5, "BOTH"), name("A"),          kEndOfSet, kMarker,         name("A"),
+                     header(5, "GOOD"), members(8, {4, 2}), kEndOfSet, kMarker,         name("A"),
+                     kMarker,           header(5, "BOTH"),  name("B"), members(8, {2}), kEndOfSet,
+                     kMarker,           name("B"),          kMarker,   name("B"),       kMarker}),
+            withoutTitle(streamClosed("S 0 0 ")));
 }
 
 TEST_F(Sets, TheSectionSummaryListsKindsAndElements) {

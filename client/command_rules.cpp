@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "client/command_rules.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <string>
+#include <stdexcept>
 
 #include "base/text.h"
 
@@ -41,7 +42,7 @@ constexpr Row kRows[] = {
     {"is", ReplyEnd::kAcknowledged, RecordFamily::kSectionSummary},
     {"m", ReplyEnd::kAcknowledged, RecordFamily::kThroughput},
     {"q", ReplyEnd::kNone, RecordFamily::kOther},
-    {"rd", ReplyEnd::kAcknowledged, RecordFamily::kOther},
+    {"rd", ReplyEnd::kAcknowledged, RecordFamily::kNodalResults},
     {"r", ReplyEnd::kAcknowledged, RecordFamily::kFieldValues},
     {"u", ReplyEnd::kUpgradeCheck, RecordFamily::kUpgradeCheck},
 };
@@ -68,6 +69,19 @@ ReplyRule replyRule(std::string_view line) {
   }
   if (startsWith(line, "M")) rule.nRawBytes = rawBytesOf(line);
   return rule;
+}
+
+std::string selectLine(char letter, std::int32_t step, std::int32_t frame, std::int32_t position,
+                       const std::string& field) {
+  constexpr std::size_t kLongestName = 199;
+  if (field.empty() || field.size() > kLongestName ||
+      field.find_first_of("\t\v\f\r^") != std::string::npos) {
+    throw std::invalid_argument("the field name \"" + field + "\" cannot be sent");
+  }
+  std::string name = field;
+  std::replace(name.begin(), name.end(), ' ', '^');
+  return letter + (" " + std::to_string(step)) + " " + std::to_string(frame) + " " +
+         std::to_string(position) + " " + name;
 }
 
 }  // namespace odbs::client

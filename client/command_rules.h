@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace odbs::client {
@@ -27,6 +28,7 @@ enum class RecordFamily {
   kElementCatalogue,  // fs, fS, fv, fV
   kHistory,           // hi, hr
   kFieldValues,       // r but rd
+  kNodalResults,      // rd
   kRegions,           // irf
 };
 
@@ -38,6 +40,14 @@ struct ReplyRule {
 
 // The rule of a command line (without its line end).
 ReplyRule replyRule(std::string_view line);
+
+// The line that selects a result for the next request of values: step from 1, frame from 0,
+// position as the protocol counts it (0 centroids, 1 element nodes, 2 as stored). `letter` is d, or
+// D to have the selection set obeyed. Blanks in the field's name are taken care of. Throws
+// std::invalid_argument for a name that no line can carry: an empty one, one of more than 199
+// characters, or with other white space or "^" in it.
+std::string selectLine(char letter, std::int32_t step, std::int32_t frame, std::int32_t position,
+                       const std::string& field);
 
 // The most characters that a command line may have: the server cuts longer ones in two.
 constexpr std::size_t kLongestLine = 4094;

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The rows of sets, section summary, catalogue, history and field values.
+// The rows of sets, section summary, catalogue, history, field values and nodal results.
 #include "client/catalogue.h"
 #include "client/describe_rows.h"
 #include "client/field_values.h"
 #include "client/history.h"
+#include "client/nodal_results.h"
 #include "client/regions.h"
 #include "client/sets.h"
 
@@ -151,6 +152,22 @@ Fields valueFields(const Record& record) {
   return fields;
 }
 
+Fields nodalValueFields(const Record& record) {
+  const NodalView value = decodeNodalValue(record);
+  std::vector<float> components, conjugates;
+  for (std::uint32_t i = 0; i < value.nComponents; ++i) {
+    components.push_back(value.component(i));
+    if (value.conjugates != nullptr) conjugates.push_back(value.conjugate(i));
+  }
+  Fields fields{{"node", integer(value.nodeLabel)}, {"components", components}};
+  if (value.conjugates != nullptr) fields.push_back({"conjugates", conjugates});
+  return fields;
+}
+
+Fields failedElementFields(const Record& record) {
+  return {{"element", integer(decodeFailedElement(record))}};
+}
+
 Fields regionFields(const Record& record) {
   const RegionCount count = decodeRegion(record);
   return {{"kind", regionKindName(count.query.kind)},
@@ -166,6 +183,7 @@ constexpr RecordFamily kNodal = RecordFamily::kNodalCatalogue;
 constexpr RecordFamily kElement = RecordFamily::kElementCatalogue;
 constexpr RecordFamily kHistory = RecordFamily::kHistory;
 constexpr RecordFamily kValues = RecordFamily::kFieldValues;
+constexpr RecordFamily kNodalValues = RecordFamily::kNodalResults;
 
 constexpr DescribeRow kRows[] = {
     {kSets, kNodeSetTag, "node set", setFields},
@@ -203,6 +221,17 @@ constexpr DescribeRow kRows[] = {
     {kValues, 0x20, "value", valueFields},
     {kValues, 0x21, "value", valueFields},
     {kValues, 0x22, "value", valueFields},
+    {kNodalValues, 0x11, "nodal value", nodalValueFields},
+    {kNodalValues, 0x12, "nodal value", nodalValueFields},
+    {kNodalValues, 0x13, "rotation UR", nodalValueFields},
+    {kNodalValues, 0x14, "rotation UR", nodalValueFields},
+    {kNodalValues, 0x26, "rotation UR1", nodalValueFields},
+    {kNodalValues, 0x28, "rotation UR1", nodalValueFields},
+    {kNodalValues, 0x39, "rotation UR2", nodalValueFields},
+    {kNodalValues, 0x3C, "rotation UR2", nodalValueFields},
+    {kNodalValues, 0x4C, "rotation UR3", nodalValueFields},
+    {kNodalValues, 0x50, "rotation UR3", nodalValueFields},
+    {kNodalValues, kFailedElementTag, "failed element", failedElementFields},
     {RecordFamily::kRegions, kRegionTag, "region", regionFields},
 };
 

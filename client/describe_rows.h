@@ -15,7 +15,8 @@ struct DescribeRow {
   std::vector<Field> (*fields)(const Record& record);  // throws MalformedRecord
 };
 
-// The row of a set, catalogue, history or field value record; null when there is none.
+// The row of a set, catalogue, history, field value or nodal result record; null when there is
+// none.
 const DescribeRow* findResultRow(unsigned char tag, RecordFamily family);
 
 }  // namespace odbs::client

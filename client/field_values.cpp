@@ -194,20 +194,12 @@ bool selectAny(Connection& server, const std::string& path, const ValuesRequest&
 
 FieldValues readFieldValues(Connection& server, const std::string& path,
                             const ValuesRequest& request) {
-  constexpr std::size_t kLongestName = 199;
-  if (request.field.empty() || request.field.size() > kLongestName ||
-      request.field.find_first_of("\t\v\f\r^") != std::string::npos) {
-    throw std::invalid_argument("the field name \"" + request.field + "\" cannot be sent");
-  }
-  std::string name = request.field;
-  for (char& c : name) {
-    if (c == ' ') c = '^';
-  }
+  const std::string select = selectLine(request.regions.empty() ? 'd' : 'D', request.step,
+                                        request.frame, request.position, request.field);
   const std::string line = valuesLine(path, request);
   FieldValues nothing;
   if (!request.regions.empty() && !selectAny(server, path, request, nothing)) return nothing;
-  server.send((request.regions.empty() ? "d " : "D ") + std::to_string(request.step) + " " +
-              std::to_string(request.frame) + " " + std::to_string(request.position) + " " + name);
+  server.send(select);
   server.send(line);
   FieldValuesBuilder builder;
   for (Record record; server.next(record);) builder.add(record);

@@ -46,6 +46,14 @@ const std::vector<Subcommand>& subcommands() {
        {"--field", "--step", "--frame", "--position", "--letter", "--pick1", "--pick2", "--show",
         "--layers", "--plies", "--region"},
        runValues},
+      {"nodal", "FILE", "print one variable at its nodes, with displacements the failed elements",
+       "Options: --field NAME (needed), such as U, NT11, CPRESS; --step N, from 1 (default 1);\n"
+       "--frame N, from 0 (default 0). With U and UT the rotations UR or UR1, UR2, UR3 follow, and\n"
+       "the elements that have failed: until the frame with --position centroid (the default), in\n"
+       "the frame itself with any other; --labels N,N,...: of these elements only.\n"
+       "  odb_client nodal job.odb --field U --step 1 --frame 5 --labels 17,18\n"
+       "  odb_client nodal job.odb --field 'CPRESS   SLAVE/MASTER' --format csv\n",
+       1, 1, {"--field", "--step", "--frame", "--position", "--labels"}, runNodal},
       {"history", "FILE", "list histories, or print the values of some",
        "Without options: steps, regions and outputs. --region NAME, once for each region, or\n"
        "--region all: their values; --step N: in this step only.\n",

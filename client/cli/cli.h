@@ -61,6 +61,7 @@ void runModel(Call& call);
 void runSend(Call& call);
 void runCatalogue(Call& call);
 void runValues(Call& call);
+void runNodal(Call& call);
 void runHistory(Call& call);
 void runSets(Call& call);
 void runSections(Call& call);
@@ -68,6 +69,10 @@ void runRegions(Call& call);
 
 // parseRegionQuery for a command line: throws UsageError.
 RegionQuery regionOf(const std::string& text);
+
+// A number and a position for a command line, as `values` takes them: throw UsageError.
+std::int32_t integerOf(const Call& call, const std::string& option, const char* otherwise);
+std::int32_t positionOf(const std::string& text);
 
 // A table of sets, with --members yes their labels too.
 void reportSets(const SetsReply& reply, bool showMembers, Report& report);

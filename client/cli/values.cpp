@@ -9,8 +9,6 @@
 
 namespace odbs::client {
 
-namespace {
-
 std::int32_t integerOf(const Call& call, const std::string& option, const char* otherwise) {
   const std::string text = call.option(option, otherwise);
   const std::optional<std::int64_t> value = parseInt(text);
@@ -31,6 +29,8 @@ std::int32_t positionOf(const std::string& text) {
   }
   return static_cast<std::int32_t>(*code);
 }
+
+namespace {
 
 // Two items with a colon between them, as "1.INNER:1.OUTER".
 void takePair(const Call& call, const std::string& option, char letter, ValuesRequest& request) {

@@ -10,6 +10,7 @@
 #include "client/field_values.h"
 #include "client/history.h"
 #include "client/model.h"
+#include "client/nodal_results.h"
 #include "client/sets.h"
 #include "tests/client/protocol_page.h"
 #include "tests/client/real_server.h"
@@ -24,16 +25,27 @@ class DatabaseTest : public ::testing::Test {
   tests::TemporaryFolder folder;
 };
 
-TEST_F(DatabaseTest, AnswersTheExampleOfTheProtocolPageByteForByte) {
-  const std::string path = folder.file("rod.odb");
-  writeRod(path);
-  server.sendBytes("g " + path + "\n", {ReplyEnd::kAcknowledged, RecordFamily::kOther, 169});
-  std::string seen;
-  const unsigned char* bytes = nullptr;
-  while (const std::size_t n = server.nextRaw(&bytes)) {
-    seen.append(reinterpret_cast<const char*>(bytes), n);
+TEST_F(DatabaseTest, AnswersTheExamplesOfTheProtocolPageByteForByte) {
+  const struct {
+    void (*write)(const std::string&);
+    const char *select, *command;
+  } kExamples[] = {{writeRod, "d", "g "}, {writeBrokenRod, "d 1 1 0 U", "rd "}};
+  for (int i = 0; i < 2; ++i) {
+    // A file each: written in the same second, they can't be told apart by time and size.
+    const std::string path = folder.file(std::to_string(i) + ".odb");
+    kExamples[i].write(path);
+    const std::string expected = replyOfProtocolPage(i);
+    ASSERT_FALSE(expected.empty());
+    server.send(kExamples[i].select);
+    server.sendBytes(kExamples[i].command + path + "\n",
+                     {ReplyEnd::kNone, RecordFamily::kOther, expected.size()});
+    std::string seen;
+    const unsigned char* bytes = nullptr;
+    while (const std::size_t n = server.nextRaw(&bytes)) {
+      seen.append(reinterpret_cast<const char*>(bytes), n);
+    }
+    EXPECT_EQ(seen, expected) << kExamples[i].command;
   }
-  EXPECT_EQ(seen, replyOfProtocolPage());
   EXPECT_EQ(server.end(), 0);
 }
 
@@ -206,6 +218,104 @@ TEST_F(ResultsTest, AreShownByTheCommandLineClient) {
   EXPECT_EQ(runClient({"values", path, "--field", "Q", "--server", program}, out, err), kFailed);
   EXPECT_EQ(runClient({"catalogue", path + "x", "--server", program}, out, err), kFailed);
   EXPECT_EQ(runClient({"history", path + "x", "--server", program}, out, err), kFailed);
+}
+
+class NodalTest : public DatabaseTest {
+ protected:
+  NodalTest() : path(folder.file("failures.odb")) { writeFailures(path); }
+
+  NodalResults ask(const std::string& field, int frame, int position,
+                   const std::vector<std::int32_t>& labels = {}) {
+    NodalRequest request;
+    request.frame = frame;
+    request.field = field;
+    request.position = position;
+    request.labels = labels;
+    return readNodalResults(server, path, request);
+  }
+
+  // The failed elements of both instances: {"A 1", "B 2"}.
+  std::vector<std::string> failed(int frame, int position,
+                                  const std::vector<std::int32_t>& labels = {}) {
+    std::vector<std::string> all;
+    for (const FailedElements& one : ask("U", frame, position, labels).failed) {
+      for (const std::int32_t label : one.labels) {
+        all.push_back(one.instance + " " + std::to_string(label));
+      }
+    }
+    return all;
+  }
+
+  std::string path;
+};
+
+TEST_F(NodalTest, GivesValuesConjugatesAndRotationsBack) {
+  const NodalResults results = ask("U", 2, 0);
+  ASSERT_EQ(results.blocks.size(), 2u);
+  EXPECT_EQ(results.blocks[1].instance, "B");
+  EXPECT_EQ(results.nodeLabels, (std::vector<std::int32_t>{1, 2, 3, 4, 1, 2, 3, 4}));
+  for (std::size_t i = 0; i < 24; ++i) {
+    const float x = static_cast<float>(i / 12 * 1000 + 200 + i % 3 * 10 + i / 3 % 4 + 1);
+    ASSERT_EQ(results.components.at(i), x);
+    ASSERT_EQ(results.conjugates.at(i), -x);
+  }
+  const NodalResults rotated = ask("U", 1, 2);
+  ASSERT_EQ(rotated.blocks.size(), 5u);
+  EXPECT_EQ(rotated.blocks[4].quantity, "UR3");
+  EXPECT_EQ(rotated.blocks[4].instance, "B");
+  EXPECT_EQ(rotated.components.at(rotated.blocks[4].firstComponent), 3);
+  EXPECT_TRUE(rotated.conjugates.empty());
+}
+
+TEST_F(NodalTest, FindsContactVariablesWithTheirBlanks) {
+  for (const char* name : {"CPRESS   S/M", "CPRESS S/M", "CPRESS"}) {
+    const NodalResults results = ask(name, 1, 2);
+    ASSERT_EQ(results.blocks.size(), 1u) << name;
+    EXPECT_EQ(results.blocks[0].quantity, name);
+    EXPECT_EQ(results.nodeLabels, std::vector<std::int32_t>{4});
+    EXPECT_EQ(results.components, std::vector<float>{0.5F});
+  }
+  EXPECT_TRUE(ask("COPEN", 1, 2).blocks.empty());
+  EXPECT_THROW(ask("U^", 1, 2), std::invalid_argument);
+}
+
+TEST_F(NodalTest, RestrictsFailedElementsToLabelsOnceOnly) {
+  using Texts = std::vector<std::string>;
+  std::vector<std::int32_t> many(2000);  // more than a command line holds
+  for (int i = 0; i < 2000; ++i) many[static_cast<std::size_t>(i)] = 2002 - i;
+  EXPECT_EQ(failed(1, 2), (Texts{"A 1", "A 3", "B 2"}));
+  EXPECT_EQ(failed(2, 2), Texts{});
+  EXPECT_EQ(failed(2, 4), (Texts{"A 1", "A 3", "B 2"}));
+  EXPECT_EQ(failed(2, 0, many), Texts{"A 3"});
+  server.command("a 1");
+  server.command("b 2");  // another's list, which the next request drops
+  EXPECT_EQ(failed(2, 0), (Texts{"A 1", "A 3", "B 2"}));
+}
+
+TEST_F(NodalTest, IsShownByTheCommandLineClient) {
+  const std::string program = realServer().server;
+  std::ostringstream out, err;
+  EXPECT_EQ(runClient({"nodal", path, "--field", "U", "--frame", "1", "--labels", "1,2", "--format",
+                       "csv", "--server", program},
+                      out, err),
+            kDone)
+      << err.str();
+  for (const char* line :
+       {"\nvalue,B,U,2,1102 1112 1122,\n", "\nvalue,B,UR2,1,2,\n", "\nfailed,B,2\n"}) {
+    EXPECT_NE(out.str().find(line), std::string::npos) << line << out.str();
+  }
+  EXPECT_EQ(out.str().find("\nfailed,A,3\n"), std::string::npos);
+  const std::pair<std::vector<std::string>, int> kWrong[] = {
+      {{"nodal", path}, kUsage},
+      {{"nodal", path, "--field", "U", "--labels", "x"}, kUsage},
+      {{"nodal", path, "--field", "U", "--labels", ","}, kUsage},
+      {{"nodal", path, "--field", "Q"}, kFailed},
+      {{"nodal", path, "--field", "U", "--frame", "9"}, kFailed},
+      {{"nodal", path + "x", "--field", "U"}, kFailed}};
+  for (auto [arguments, status] : kWrong) {
+    arguments.insert(arguments.end(), {"--server", program});
+    EXPECT_EQ(runClient(arguments, out, err), status) << arguments.back();
+  }
 }
 
 TEST_F(DatabaseTest, RefusesWhatIsNoDatabaseAndGoesOn) {

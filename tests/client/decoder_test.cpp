@@ -322,6 +322,7 @@ std::vector<Sample> setAndCatalogueSamples() {
 std::vector<Sample> valueSamples() {
   const RecordFamily kHistory = RecordFamily::kHistory;
   const RecordFamily kValues = RecordFamily::kFieldValues;
+  const RecordFamily kNodalResults = RecordFamily::kNodalResults;
   return {
       {"history step",
        kHistory,
@@ -393,6 +394,28 @@ std::vector<Sample> valueSamples() {
        {"third=3", "components=5;"},
        true},
       {"value of no label", kValues, Bytes(0x15).f32(5), "value", {"components=5;"}, true},
+      {"nodal value",
+       kNodalResults,
+       Bytes(0x11).u32(7).f32(5).f32(6),
+       "nodal value",
+       {"node=7", "components=5;6;"},
+       true},
+      {"complex nodal value",
+       kNodalResults,
+       Bytes(0x12).u32(7).f32(5).f32(6),
+       "nodal value",
+       {"node=7", "components=5;", "conjugates=6;"}},
+      {"rotation",
+       kNodalResults,
+       Bytes(0x39).u32(7).f32(5),
+       "rotation UR2",
+       {"node=7", "components=5;"}},
+      {"complex rotation",
+       kNodalResults,
+       Bytes(0x50).u32(7).f32(5).f32(6),
+       "rotation UR3",
+       {"node=7", "components=5;", "conjugates=6;"}},
+      {"failed element", kNodalResults, Bytes('"').u32(7).u32(0), "failed element", {"element=7"}},
   };
 }
 
@@ -514,6 +537,7 @@ TEST(Decoder, RefusesWrongContentsOfRightLength) {
   };
   for (const auto& [name, bytes] : kWrong) EXPECT_FALSE(decodes(bytes.payload(), kModel)) << name;
   EXPECT_FALSE(decodes(Bytes('"').u32(0).u32(0).u32(2).payload(), RecordFamily::kThroughput));
+  EXPECT_FALSE(decodes(Bytes('"').u32(7).u32(1).payload(), RecordFamily::kNodalResults));
 }
 
 }  // namespace

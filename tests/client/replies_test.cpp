@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Whole replies of sets, catalogue, history and field values, put together from records.
+// Whole replies of sets, catalogue, history, field values and nodal results, put together from
+// records.
 #include <gtest/gtest.h>
 
 #include "base/bytes.h"
@@ -7,6 +8,7 @@
 #include "client/field_values.h"
 #include "client/history.h"
 #include "client/model_records.h"
+#include "client/nodal_results.h"
 #include "client/sets.h"
 #include "tests/client/bytes.h"
 
@@ -183,6 +185,55 @@ TEST(FieldValues, OutOfPlaceAreRefused) {
   EXPECT_EQ(offsetOfError<FieldValuesBuilder>({Bytes(0x15).f32(1)}), 0);
   EXPECT_EQ(offsetOfError<FieldValuesBuilder>({block, Bytes(0x15).f32(1), Bytes(0x15)}), 26);
   EXPECT_EQ(offsetOfError<FieldValuesBuilder>({block, Bytes(3).u32(1)}), 19);
+}
+
+TEST(NodalResults, AreBlocksByInstanceAndQuantity) {
+  const NodalResults results =
+      build({Bytes(1).text("T"), Bytes(2).u32(1), Bytes('H').text("A"), Bytes(0x11).u32(1).f32(5),
+             Bytes(0x11).u32(2).f32(6), Bytes(0x12).u32(3).f32(7).f32(-7), Bytes('H').text("B"),
+             Bytes(0x12).u32(1).f32(8).f32(9).f32(-8).f32(-9), Bytes('"').u32(4).u32(0),
+             Bytes('H').text("A"), Bytes('"').u32(9).u32(0), Bytes('"').u32(2).u32(0),
+             Bytes('"').u32(9).u32(0), Bytes(0x26).u32(1).f32(1), Bytes(0x39).u32(1).f32(2),
+             Bytes(0x50).u32(1).f32(3).f32(4), Bytes('|').text("M")},
+            NodalResultsBuilder("U"));
+  const struct {
+    const char *quantity, *instance;
+    bool isComplex;
+    std::size_t nComponents, firstValue, nValues, firstComponent, firstConjugate;
+  } kBlocks[] = {{"U", "A", false, 1, 0, 2, 0, 0},   {"U", "A", true, 1, 2, 1, 2, 0},
+                 {"U", "B", true, 2, 3, 1, 3, 1},    {"UR1", "A", false, 1, 4, 1, 5, 3},
+                 {"UR2", "A", false, 1, 5, 1, 6, 3}, {"UR3", "A", true, 1, 6, 1, 7, 3}};
+  ASSERT_EQ(results.blocks.size(), std::size(kBlocks));
+  for (std::size_t i = 0; i < std::size(kBlocks); ++i) {
+    const NodalBlock& block = results.blocks[i];
+    const auto& row = kBlocks[i];
+    EXPECT_EQ(block.quantity, row.quantity) << i;
+    EXPECT_EQ(block.instance, row.instance) << i;
+    EXPECT_EQ(block.isComplex, row.isComplex) << i;
+    EXPECT_EQ(block.nComponents, row.nComponents) << i;
+    EXPECT_EQ(block.firstValue, row.firstValue) << i;
+    EXPECT_EQ(block.nValues, row.nValues) << i;
+    EXPECT_EQ(block.firstComponent, row.firstComponent) << i;
+    EXPECT_EQ(block.firstConjugate, row.firstConjugate) << i;
+  }
+  EXPECT_EQ(results.nodeLabels, (Ints{1, 2, 3, 1, 1, 1, 1}));
+  EXPECT_EQ(results.components, (Reals{5, 6, 7, 8, 9, 1, 2, 3}));
+  EXPECT_EQ(results.conjugates, (Reals{-7, -8, -9, 4}));
+  ASSERT_EQ(results.failed.size(), 2u);
+  EXPECT_EQ(results.failed[0].instance, "B");
+  EXPECT_EQ(results.failed[1].labels, (Ints{2, 9}));
+  EXPECT_EQ(results.analysisKind, 1);
+  EXPECT_EQ(results.messages.size(), 1u);
+}
+
+TEST(NodalResults, OutOfPlaceAreRefused) {
+  const Bytes title = Bytes(1).text("");
+  const NodalResultsBuilder builder("U");
+  EXPECT_EQ(offsetOfError({Bytes(0x11).u32(1).f32(1)}, builder), 0);  // another reply's leftovers
+  EXPECT_EQ(offsetOfError({Bytes('"').u32(1).u32(0)}, builder), 0);
+  EXPECT_EQ(offsetOfError({title, Bytes(0x11).u32(1)}, builder), 7);
+  EXPECT_EQ(offsetOfError({title, Bytes(0x12).u32(1).f32(1).f32(1).f32(1)}, builder), 7);
+  EXPECT_EQ(offsetOfError({title, Bytes('I')}, builder), 7);
 }
 
 TEST(Layers, GetTheirOwnDataBackButForTheFirst) {

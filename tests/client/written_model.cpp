@@ -193,9 +193,8 @@ class RandomModel {
   Model expected_;
 };
 
-}  // namespace
-
-void writeRod(const std::string& path) {
+// The rod's database, not saved yet.
+odb_Odb& makeRod(const std::string& path) {
   odb_Odb& odb = Odb("rod", "Rod", "", path.c_str());
   odb_embedded::JobData job;
   job.analysisCode = odb_Enum::odb_AnalysisCodeEnum(1);
@@ -222,8 +221,39 @@ void writeRod(const std::string& path) {
   odb_Instance& instance = odb.rootAssembly().Instance("ROD-1", part);
   instance.assignSection(instance.elementSets()["ALL"],
                          sections.TrussSection("Section-ROD", "STEEL"));
+  return odb;
+}
+
+void saveAndClose(odb_Odb& odb) {
   odb.save();
   odb.close();
+}
+
+}  // namespace
+
+void writeRod(const std::string& path) {
+  saveAndClose(makeRod(path));
+}
+
+void writeBrokenRod(const std::string& path) {
+  odb_Odb& odb = makeRod(path);
+  odb_Instance& instance = odb.rootAssembly().instances()["ROD-1"];
+  odb_Step& step = odb.Step("Break", "", odb_Enum::TIME, 1, "", "*DYNAMIC");
+  step.Frame(0, 0, "");
+  odb_Frame frame = step.Frame(1, 1, "");
+  odb_SequenceSequenceFloat displacements, rotations, status;
+  for (const float label : {1.0F, 2.0F}) {
+    displacements.append(floats({label, label / 2}));
+    rotations.append(floats({label / 4}));
+  }
+  status.append(floats({0}));
+  frame.FieldOutput("U", "", odb_Enum::VECTOR)
+      .addData(odb_Enum::NODAL, instance, ints({1, 2}), displacements);
+  frame.FieldOutput("UR", "", odb_Enum::VECTOR)
+      .addData(odb_Enum::NODAL, instance, ints({1, 2}), rotations);
+  frame.FieldOutput("STATUS", "", odb_Enum::SCALAR)
+      .addData(odb_Enum::WHOLE_ELEMENT, instance, ints({7}), status);
+  saveAndClose(odb);
 }
 
 void writeResults(const std::string& path) {
@@ -259,8 +289,54 @@ void writeResults(const std::string& path) {
       step.HistoryRegion("Node ROW-1.1", "", odb_HistoryPoint(instance.getNodeFromLabel(1)));
   odb_HistoryOutput& output = region.HistoryOutput("U1", "Displacement");
   for (int t = 0; t < 5; ++t) output.addData(t, t * t);
-  odb.save();
-  odb.close();
+  saveAndClose(odb);
+}
+
+void writeFailures(const std::string& path) {
+  odb_Odb& odb = Odb("failures", "Failures", "", path.c_str());
+  odb_Part& part = odb.Part("ROW", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
+  odb_SequenceSequenceFloat coordinates;
+  odb_SequenceSequenceInt connectivity;
+  for (int i = 1; i <= 4; ++i) {
+    coordinates.append(floats({static_cast<float>(i), 0, 0}));
+    if (i < 4) connectivity.append(ints({i, i + 1}));
+  }
+  part.addNodes(ints({1, 2, 3, 4}), coordinates);
+  part.addElements(ints({1, 2, 3}), connectivity, "T3D2");
+  odb_Instance* const instances[] = {&odb.rootAssembly().Instance("A", part),
+                                     &odb.rootAssembly().Instance("B", part)};
+  odb_Step& step = odb.Step("Pull", "", odb_Enum::TIME, 2, "", "*DYNAMIC");
+  for (int f = 0; f < 3; ++f) {
+    odb_Frame frame = step.Frame(f, static_cast<float>(f), "");
+    odb_FieldOutput& u = frame.FieldOutput("U", "", odb_Enum::VECTOR);
+    for (int b = 0; b < 2; ++b) {
+      odb_SequenceSequenceFloat values, conjugates;
+      for (int n = 1; n <= 4; ++n) {
+        const float x = static_cast<float>(1000 * b + 100 * f + n);
+        values.append(floats({x, x + 10, x + 20}));
+        if (f == 2) conjugates.append(floats({-x, -x - 10, -x - 20}));
+      }
+      u.addData(odb_Enum::NODAL, *instances[b], ints({1, 2, 3, 4}), values, odb_SectionPoint(),
+                odb_SequenceSequenceFloat(), conjugates);
+    }
+    if (f != 1) continue;
+    const auto add = [&](const char* name, odb_Enum::odb_ResultPositionEnum position, int b,
+                         const std::vector<int>& labels, const std::vector<float>& values) {
+      odb_SequenceSequenceFloat rows;
+      for (const float value : values) rows.append(floats({value}));
+      odb_FieldOutputRepository& fields = frame.fieldOutputs();
+      odb_FieldOutput& field =
+          fields.isMember(name) ? fields[name] : frame.FieldOutput(name, "", odb_Enum::SCALAR);
+      field.addData(position, *instances[b], ints(labels), rows);
+    };
+    add("UR1", odb_Enum::NODAL, 1, {1}, {1});
+    add("UR2", odb_Enum::NODAL, 1, {1}, {2});
+    add("UR3", odb_Enum::NODAL, 1, {1}, {3});
+    add("CPRESS   S/M", odb_Enum::NODAL, 0, {4}, {0.5F});
+    add("STATUS", odb_Enum::WHOLE_ELEMENT, 0, {1, 2, 3}, {0, 1, 0});
+    add("STATUS", odb_Enum::WHOLE_ELEMENT, 1, {1, 2, 3}, {1, 0, 1});
+  }
+  saveAndClose(odb);
 }
 
 Model writeRandomModel(const std::string& path, std::uint32_t seed) {

@@ -23,4 +23,14 @@ Model writeRandomModel(const std::string& path, std::uint32_t seed);
 constexpr int kNTrusses = 700;
 void writeResults(const std::string& path);
 
+// The rod of docs/protocol.md breaks: in frame 1 of its step, at time 1, it has "U" and "UR" at
+// both nodes, (label, label / 2) and (0.25 label), and its element's "STATUS" is 0.
+void writeBrokenRod(const std::string& path);
+
+// Two instances, "A" and "B", of three trusses each (labels 1 to 3) with nodes 1 to 4. Component k
+// of "U" at node n of frame f is 100 f + 10 k + n, in "B" 1000 more; frame 2 has conjugates, the
+// negative values. Frame 1 also has "UR1" to "UR3" at node 1 of "B", 1, 2 and 3; "CPRESS   S/M" at
+// node 4 of "A", 0.5; and "STATUS", 0 for elements 1 and 3 of "A" and 2 of "B". Frame times are f.
+void writeFailures(const std::string& path);
+
 }  // namespace odbs::client::test

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// odb_client nodal: one variable at its nodes, rotations and failed elements.
+#include "base/text.h"
+#include "client/cli/cli.h"
+#include "client/nodal_results.h"
+
+namespace odbs::client {
+
+namespace {
+
+// Labels with commas or blanks between them.
+void takeLabels(std::string text, std::vector<std::int32_t>& labels) {
+  for (char& c : text) {
+    if (c == ',') c = ' ';
+  }
+  const std::size_t nBefore = labels.size();
+  for (const std::string_view word : split(text, ' ')) {
+    if (word.empty()) continue;
+    const std::optional<std::int64_t> label = parseInt(word);
+    if (!label || *label < INT32_MIN || *label > INT32_MAX) {
+      throw UsageError("--labels wants element labels, not \"" + std::string(word) + "\"");
+    }
+    labels.push_back(static_cast<std::int32_t>(*label));
+  }
+  if (labels.size() == nBefore) throw UsageError("--labels wants at least one element label");
+}
+
+NodalRequest requestOf(const Call& call) {
+  NodalRequest request;
+  request.step = integerOf(call, "--step", "1");
+  request.frame = integerOf(call, "--frame", "0");
+  request.field = call.option("--field");
+  if (request.field.empty()) throw UsageError("--field is missing, the name of the variable");
+  request.position = positionOf(call.option("--position", "centroid"));
+  for (const auto& [option, text] : call.options) {
+    if (option == "--labels") takeLabels(text, request.labels);
+  }
+  return request;
+}
+
+void reportValues(const NodalResults& results, Report& report) {
+  report.begin("value", {"instance", "quantity", "node", "components", "conjugates"});
+  for (const NodalBlock& block : results.blocks) {
+    const auto valueAt = [&block](const std::vector<float>& all, std::size_t first, std::size_t i) {
+      const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first + i * block.nComponents);
+      return std::vector<float>(begin, begin + block.nComponents);
+    };
+    for (std::size_t i = 0; i < block.nValues; ++i) {
+      std::vector<float> conjugates;
+      if (block.isComplex) conjugates = valueAt(results.conjugates, block.firstConjugate, i);
+      report.row({block.instance, block.quantity,
+                  std::int64_t{results.nodeLabels[block.firstValue + i]},
+                  valueAt(results.components, block.firstComponent, i), conjugates});
+    }
+  }
+  report.end();
+}
+
+void reportFailed(const NodalResults& results, Report& report) {
+  report.begin("failed", {"instance", "element"});
+  for (const FailedElements& one : results.failed) {
+    for (const std::int32_t label : one.labels) report.row({one.instance, std::int64_t{label}});
+  }
+  report.end();
+}
+
+}  // namespace
+
+void runNodal(Call& call) {
+  const NodalRequest request = requestOf(call);
+  const std::string& path = call.arguments.front();
+  const NodalResults results = readNodalResults(*call.connect(), path, request);
+  if (results.blocks.empty() && results.failed.empty()) {
+    throw Error("no values of \"" + request.field + "\" in step " + std::to_string(request.step) +
+                ", frame " + std::to_string(request.frame) +
+                " at nodes (odb_client catalogue lists what there is)");
+  }
+  std::size_t nFailed = 0;
+  for (const FailedElements& one : results.failed) nFailed += one.labels.size();
+  call.report.facts(
+      "nodal", {"path", "step", "frame", "field", "blocks", "values", "failed"},
+      {path, std::int64_t{request.step}, std::int64_t{request.frame}, request.field,
+       static_cast<std::int64_t>(results.blocks.size()),
+       static_cast<std::int64_t>(results.nodeLabels.size()), static_cast<std::int64_t>(nFailed)});
+  reportMessages(results.messages, call.report);
+  reportValues(results, call.report);
+  reportFailed(results, call.report);
+}
+
+}  // namespace odbs::client

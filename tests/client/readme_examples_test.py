@@ -1,17 +1,19 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
-"""Compiles the two parents that README.md shows and runs them on a server: what readers copy works.
+"""Runs what README.md shows, so that what readers copy works: the command lines, on the samples, and
+the two parents, compiled, on a server.
 
 usage: readme_examples_test.py SOURCE_DIR BUILD_DIR
 """
 import os
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
-source, build = Path(sys.argv[1]), Path(sys.argv[2])
+source, build = Path(sys.argv[1]).resolve(), Path(sys.argv[2]).resolve()
 server = str(build / "bin" / "odb_server")
 readme = (source / "README.md").read_text(encoding="utf-8")
 flags = ["-Wall", "-Wextra", "-Werror"]
@@ -25,14 +27,26 @@ def block(language):
     return found[0]
 
 
-def run(command):
+def run(command, folder=None):
     result = subprocess.run(command, capture_output=True, text=True, timeout=60, check=False,
-                            env={**os.environ, "ODB_SERVER": server})
+                            cwd=folder, env={**os.environ, "ODB_SERVER": server})
     assert result.returncode == 0, f"{command}: {result.returncode}\n{result.stdout}{result.stderr}"
     return result.stdout
 
 
 with tempfile.TemporaryDirectory() as folder:
+    for solved in (source / "samples" / "bar_modes").iterdir():
+        Path(folder, solved.name).write_bytes(solved.read_bytes())
+    sample = str(source / "samples" / "contact_block" / "contact_block")
+    run([str(build / "bin" / "odb_import"), "-q", f"{sample}.inp", "--results", f"{sample}.frd", "--data",
+         f"{sample}.dat", "-o", f"{folder}/job.odb"])
+    lines = re.findall(r"^    (odb_(?:client|import|modal_covariance) .*)$", readme, re.M)
+    assert len(lines) > 5, lines
+    for line in lines:
+        program, *arguments = shlex.split(line, comments=True)
+        output = run([str(build / "bin" / program), *arguments], folder)
+        assert output or program != "odb_client", line
+
     by_hand = Path(folder, "by_hand.c")
     by_hand.write_text(block("c"), encoding="utf-8")
     run(["cc", *flags, str(by_hand), "-o", f"{folder}/by_hand"])
@@ -48,4 +62,4 @@ with tempfile.TemporaryDirectory() as folder:
     output = run([f"{folder}/with_library", f"{folder}/rod.odb"])
     assert "2 nodes, 1 elements" in output, output
     assert output.count("a record of tag 34") == 2, output
-print("both examples of README.md compile and answer")
+print(f"{len(lines)} command lines and both programs of README.md answer")

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
 """Solves the solver's own test decks and compares everything it writes: both readings of each file,
-and each deck's database with the script's reading.
+each deck's database with the script's reading, and what a server sends of the decks with contact.
 
     check_solver_decks.py PROGRAM_FOLDER [DECK_FOLDER]
 
-PROGRAM_FOLDER has odb_import, dump_results and dump_database. DECK_FOLDER is that of the Debian
+PROGRAM_FOLDER has odb_import, odb_server, odb_client, dump_results and dump_database. DECK_FOLDER is that of the Debian
 package calculix-ccx-test by default; the solver itself is `ccx` (package calculix-ccx). Takes some
 minutes, so that it is no part of the test suite.
 """
@@ -62,8 +62,10 @@ def main():
         databases = subprocess.run([sys.executable, os.path.join(here, "compare_database.py"),
                                     os.path.join(programs, "odb_import"),
                                     os.path.join(programs, "dump_database")] + decks, check=False)
+        server = subprocess.run([sys.executable, os.path.join(here, "compare_server.py"),
+                                 programs] + decks, check=False)
     # Decks that go on with another analysis have no mesh and are refused.
-    return 1 if readers.returncode or databases.returncode == 1 else 0
+    return 1 if readers.returncode or 1 in (databases.returncode, server.returncode) else 0
 
 
 if __name__ == "__main__":

@@ -365,23 +365,30 @@ class Comparison:
                         node, time, same[0][node], rows[node]))
 
 
-def compare(importer, dump, deck, folder):
-    base = deck[:-4]
-    frd, dat = base + ".frd", base + ".dat"
-    database = os.path.join(folder, "compared.odb")
+def import_deck(importer, deck, database):
+    """Imports the deck and the results beside it. Their paths, None where there is none, and what the
+    importer complained of when it failed."""
+    found = [deck[:-4] + end for end in (".frd", ".dat")]
+    frd, dat = [p if os.path.exists(p) and os.path.getsize(p) else None for p in found]
     command = [importer, "-q", deck, "-o", database]
-    command += ["--results", frd] if os.path.exists(frd) and os.path.getsize(frd) else []
-    command += ["--data", dat] if os.path.exists(dat) and os.path.getsize(dat) else []
+    command += ["--results", frd] if frd else []
+    command += ["--data", dat] if dat else []
     done = subprocess.run(command, stderr=subprocess.PIPE, check=False)
-    if done.returncode:
-        return None, done.stderr.decode(errors="replace").strip()
+    return frd, dat, done.stderr.decode(errors="replace").strip() if done.returncode else None
+
+
+def compare(importer, dump, deck, folder):
+    database = os.path.join(folder, "compared.odb")
+    frd, dat, error = import_deck(importer, deck, database)
+    if error is not None:
+        return None, error
     text = subprocess.run([dump, database], stdout=subprocess.PIPE, check=False).stdout.decode()
     lines = [line for line in text.split("\n") if line]
     if lines and lines[-1].startswith("error"):
         return None, lines[-1]
     result = Comparison(deck)
     result.mesh, steps = read_database(lines)
-    if "--results" in command:
+    if frd:
         nodes, elements, frames = read_results(frd)
         result.expanded = ExpandedMesh(result.mesh, nodes, elements)
         result.problems += result.expanded.problems
@@ -389,9 +396,9 @@ def compare(importer, dump, deck, folder):
         result.largest_source = max((abs(v) for frame in frames
                                      for row in frame.fields.get("DISP", {}).values()
                                      for v in row[:3]), default=0)
-    if "--data" in command:
+    if dat:
         result.points(dat, steps)
-        if "--results" in command:
+        if frd:
             result.printed_nodes(dat, steps)
     return result, None
 

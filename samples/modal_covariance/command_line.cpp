@@ -153,7 +153,7 @@ std::vector<double> forEachMode(const std::string& option, std::vector<double> n
 }
 
 void report(const Options& options, const FrequencyModes& modes,
-            const std::vector<ModalOscillator>& oscillators, const FlatBand& band) {
+            const std::vector<ModalOscillator>& oscillators, const FlatBand& band, int step) {
   std::printf("modes of step %s, density %g from %g to %g\n", modes.stepName.c_str(), band.density,
               band.low, band.high);
   std::printf("%6s %14s %9s %14s %14s\n", "mode", "frequency", "damping", "participation",
@@ -163,8 +163,8 @@ void report(const Options& options, const FrequencyModes& modes,
     std::printf("%6d %14.6g %9.4g %14.6g %14.6g\n", modes.numbers[i], mode.frequency, mode.damping,
                 mode.participation, std::sqrt(std::max(0., modalCovariance(mode, mode, band))));
   }
-  std::printf("%s: step %s, %d frames\n", options.database.c_str(), options.stepName.c_str(),
-              options.nFrames);
+  std::printf("%s: step %d, %s, has frames 0 to %d\n", options.database.c_str(), step,
+              options.stepName.c_str(), options.nFrames - 1);
 }
 
 void run(const Options& options) {
@@ -191,9 +191,9 @@ void run(const Options& options) {
     band.low = options.band[0];
     band.high = options.band[1];
   }
-  addRandomResponse(odb, options.stepName, oscillators, band, options.nFrames);
+  const int step = addRandomResponse(odb, options.stepName, oscillators, band, options.nFrames);
   odb.save();
-  if (!options.quiet) report(options, modes, oscillators, band);
+  if (!options.quiet) report(options, modes, oscillators, band, step);
 }
 
 }  // namespace

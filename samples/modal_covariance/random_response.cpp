@@ -53,6 +53,10 @@ FrequencyModes frequencyModes(const odb_Odb& odb, int nMost) {
     if (!stressed)
       fail("frame " + std::to_string(i) + " of step " + modes.stepName +
            " is no mode with stresses S");
+    if (frame.fieldOutputs()[kStress].isComplex()) {
+      fail(modeText(frame.mode()) + " of step " + modes.stepName +
+           " is complex (cyclic symmetry, damping): its coordinate is not that of one oscillator");
+    }
     if (!(frame.frequency() > 0)) {
       fail(modeText(frame.mode()) + " of step " + modes.stepName +
            " has no frequency above 0: a rigid body's coordinate has no stationary variance");
@@ -90,9 +94,9 @@ std::vector<double> participationFactors(const odb_Odb& odb, const FrequencyMode
        " (import the solver's .dat file, or give --participation)");
 }
 
-void addRandomResponse(odb_Odb& odb, const std::string& stepName,
-                       const std::vector<ModalOscillator>& modes, const FlatBand& band,
-                       int nFrames) {
+int addRandomResponse(odb_Odb& odb, const std::string& stepName,
+                      const std::vector<ModalOscillator>& modes, const FlatBand& band,
+                      int nFrames) {
   if (odb.steps().isMember(stepName.c_str())) fail("there is a step " + stepName + " already");
   const odb_Instance& instance = anyInstance(odb);
   odb_Step& step = odb.Step(stepName.c_str(), "Modal covariances of a flat spectrum",
@@ -111,6 +115,7 @@ void addRandomResponse(odb_Odb& odb, const std::string& stepName,
     addMatrix(frame, "MATRIX Sqq", instance, order, packed);
     addMatrix(frame, "MATRIX RSqq", instance, order, packed);
   }
+  return step.number();
 }
 
 }  // namespace odbs

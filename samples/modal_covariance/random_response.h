@@ -23,7 +23,8 @@ struct FrequencyModes {
 // The modes of the database's last step with the procedure "*FREQUENCY": from its first frame that
 // has a mode number and stresses "S" to its last one, at most `nMost` where that is above 0.
 // Throws std::runtime_error when there is no such step or mode, when there are fewer than `nMost`,
-// and for a mode without "S" or with a frequency that is not above 0 (a rigid body's).
+// and for a mode without "S", with complex "S", or with a frequency that is not above 0 (a rigid
+// body's).
 FrequencyModes frequencyModes(const odb_Odb& odb, int nMost);
 
 // The participation factors of these modes in a direction (1 to 3 translations, 4 to 6 rotations):
@@ -37,10 +38,10 @@ std::vector<double> participationFactors(const odb_Odb& odb, const FrequencyMode
 // Appends a step "*RANDOM RESPONSE" whose frames are at `nFrames` equal steps through the band, the
 // last one at its end. Each holds under both "MATRIX Sqq" and "MATRIX RSqq" the covariances that
 // the band up to that frequency causes: what a viewer draws over the frames is the growth of the
-// stress with frequency. Does not save. Throws std::runtime_error for a name that is taken, and
-// what packedCovariances and the database library throw.
-void addRandomResponse(odb_Odb& odb, const std::string& stepName,
-                       const std::vector<ModalOscillator>& modes, const FlatBand& band,
-                       int nFrames);
+// stress with frequency. Returns the step's number, counted from 1. Does not save. Throws
+// std::runtime_error for a name that is taken, and what packedCovariances and the database library
+// throw.
+int addRandomResponse(odb_Odb& odb, const std::string& stepName,
+                      const std::vector<ModalOscillator>& modes, const FlatBand& band, int nFrames);
 
 }  // namespace odbs

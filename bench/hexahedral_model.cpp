@@ -138,6 +138,9 @@ int writeModes(const std::string& path, int nModes, int nValues) {
   const odb_Instance instance = odb.rootAssembly().instances()["CUBE-1"];
   std::vector<int> labels(static_cast<std::size_t>(nElements));
   std::iota(labels.begin(), labels.end(), 1);
+  odb_SequenceInt part;
+  for (int i = 0; i < nElements; i += 100) part.append(labels[static_cast<std::size_t>(i)]);
+  odb.rootAssembly().instances()["CUBE-1"].ElementSet("PART", part);
   std::vector<float> data(labels.size() * kPoints * kComponents);
   odb_embedded::FieldValues<float> values;
   values.position = odb_Enum::INTEGRATION_POINT;

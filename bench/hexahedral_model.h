@@ -22,7 +22,8 @@ void writeManyFrames(const std::string& path, int nFrames, int nFields);
 // A cube of C3D8 with a step "*FREQUENCY" of `nModes` frames, each with random stresses "S" at the
 // integration points of as many elements as `nValues` (rounded up to a multiple of 8) fill, and a
 // step "*RANDOM RESPONSE" with one frame that holds a covariance matrix of these modes as "MATRIX
-// Sqq" and "MATRIX RSqq". Returns the number of values.
+// Sqq" and "MATRIX RSqq". The element set "PART" has a hundredth of the elements with stresses.
+// Returns the number of values.
 int writeModes(const std::string& path, int nModes, int nValues);
 
 }  // namespace odbs::bench

@@ -39,18 +39,36 @@ SelectedLabels BlockWriter::selectedOf(const odb_FieldBulkData& block) const {
              : selected_->selectedElements(instance, block.sectionPoint().number());
 }
 
-template <typename Real>
-void BlockWriter::sendNumberSlices(const odb_FieldBulkData& block, const float* numbers) {
+template <typename Real, typename Use>
+void BlockWriter::forEachSelected(const odb_FieldBulkData& block, Use use) const {
   const ValueKeys keys(block);
   const SelectedLabels selected = selected_ ? selectedOf(block) : SelectedLabels(nullptr, nullptr);
+  if (selected_ && selected.empty()) return;
   sdk::forEachValueSlice<Real>(block, false, [&](const sdk::ValueSlice<Real>& slice) {
     const int* const labels = keys.labelsOf(slice);
     for (int i = 0; i < slice.n; ++i) {
-      if (selected_ && !(labels && selected.has(labels[i]))) continue;
-      writer_.send<float>(keys.of(slice, i), numbers + i, nullptr, 1);
+      if (!selected_ || (labels && selected.has(labels[i]))) use(slice, i);
     }
-    numbers += slice.n;
   });
+}
+
+template <typename Real>
+void BlockWriter::sendNumberSlices(const odb_FieldBulkData& block, const float* numbers) {
+  const ValueKeys keys(block);
+  forEachSelected<Real>(block, [&](const sdk::ValueSlice<Real>& slice, int i) {
+    writer_.send<float>(keys.of(slice, i), numbers++, nullptr, 1);
+  });
+}
+
+std::vector<int> BlockWriter::selectedValues(const odb_FieldBulkData& block) const {
+  std::vector<int> places;
+  const auto add = [&places](const auto& slice, int i) { places.push_back(slice.first + i); };
+  if (block.precision() == odb_Enum::DOUBLE_PRECISION) {
+    forEachSelected<double>(block, add);
+  } else {
+    forEachSelected<float>(block, add);
+  }
+  return places;
 }
 
 void BlockWriter::sendNumbersOf(const odb_FieldBulkData& block, int sectionPointField,

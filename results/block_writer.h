@@ -9,6 +9,7 @@
 #include <limits>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "results/value_records.h"
 #include "server/sdk_value_slices.h"
@@ -101,14 +102,23 @@ class BlockWriter {
     });
   }
 
-  // Sends the block's header records, then for each of its selected values one number of `numbers`
-  // (as many as the block has values) in place of its components.
+  // True when values are restricted to a selection.
+  bool isRestricted() const { return selected_ != nullptr; }
+
+  // The places, counted from 0, of the block's selected values; of all of them without a selection.
+  std::vector<int> selectedValues(const odb_FieldBulkData& block) const;
+
+  // Sends the block's header records, then for each of its selected values the next of `numbers` in
+  // place of its components.
   void sendNumbersOf(const odb_FieldBulkData& block, int sectionPointField, const float* numbers);
 
  private:
   void sendHeaders(const odb_FieldBulkData& block);
   template <typename Real>
   void sendNumberSlices(const odb_FieldBulkData& block, const float* numbers);
+  // Calls use(slice, i) for the selected values of each slice; `Real` is the block's precision.
+  template <typename Real, typename Use>
+  void forEachSelected(const odb_FieldBulkData& block, Use use) const;
   SelectedLabels selectedOf(const odb_FieldBulkData& block) const;
 
   template <typename Keep>

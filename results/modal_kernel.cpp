@@ -30,9 +30,14 @@ double misesProduct(const float* a, const float* b) {
   return squares + 3 * shears - 0.5 * mixed;
 }
 
-void takeSlots(const ModeStresses& stresses, int mode, int value, float* six) {
-  const float* const own =
-      stresses.numbers + (std::ptrdiff_t{mode} * stresses.nValues + value) * stresses.width;
+// The components of a wanted value in a mode.
+const float* componentsOf(const ModeStresses& stresses, int mode, int wanted) {
+  const int value = stresses.chosen ? (*stresses.chosen)[static_cast<std::size_t>(wanted)] : wanted;
+  return stresses.numbers + (std::ptrdiff_t{mode} * stresses.nValues + value) * stresses.width;
+}
+
+void takeSlots(const ModeStresses& stresses, int mode, int wanted, float* six) {
+  const float* const own = componentsOf(stresses, mode, wanted);
   for (int k = 0; k < 6; ++k) six[k] = stresses.slots.of[k] < 0 ? 0 : own[stresses.slots.of[k]];
 }
 
@@ -163,7 +168,7 @@ void expectedMisesSquaresPlain(const PackedMatrix& matrix, const ModeStresses& s
                                double* squares) {
   const int n = matrix.order;
   std::vector<float> six(6 * static_cast<std::size_t>(n));
-  for (int value = 0; value < stresses.nValues; ++value) {
+  for (int value = 0; value < nWanted(stresses); ++value) {
     for (int m = 0; m < n; ++m) takeSlots(stresses, m, value, &six[6 * static_cast<size_t>(m)]);
     double sum = 0;
     for (int i = 0; i < n; ++i) {
@@ -191,15 +196,14 @@ void expectedMisesSquaresByProduct(const PackedMatrix& matrix, const ModeStresse
   const std::ptrdiff_t nLanes = nComponents * kBatchValues;
   std::vector<double> t(static_cast<std::size_t>(nRows * nLanes));
   std::vector<double> sums(static_cast<std::size_t>(nLanes));
-  for (int begin = 0; begin < stresses.nValues; begin += kBatchValues) {
+  const int nValues = nWanted(stresses);
+  for (int begin = 0; begin < nValues; begin += kBatchValues) {
     // Lanes of a shorter last batch keep the numbers of the batch before, and are not read.
-    const int nBatch = std::min(kBatchValues, stresses.nValues - begin);
+    const int nBatch = std::min(kBatchValues, nValues - begin);
     for (int m = 0; m < matrix.order; ++m) {
-      const float* value =
-          stresses.numbers + (std::ptrdiff_t{m} * stresses.nValues + begin) * stresses.width;
       double* const row = t.data() + m * nLanes;
-      for (int i = 0; i < nBatch; ++i, value += stresses.width) {
-        putFive(value, stresses.slots, kBatchValues, row + i);
+      for (int i = 0; i < nBatch; ++i) {
+        putFive(componentsOf(stresses, m, begin + i), stresses.slots, kBatchValues, row + i);
       }
     }
     std::fill(sums.begin(), sums.end(), 0.0);

@@ -31,12 +31,19 @@ struct ModeStresses {
   int nValues = 0;
   int width = 0;
   StressSlots slots;
+  // The values that are wanted, by their place in the block; null: all of them.
+  const std::vector<int>* chosen = nullptr;
 };
+
+// How many values are wanted.
+inline int nWanted(const ModeStresses& stresses) {
+  return stresses.chosen ? static_cast<int>(stresses.chosen->size()) : stresses.nValues;
+}
 
 // Up to this order both forms cost about the same, and the plain one is used.
 constexpr int kLargestPlainOrder = 16;
 
-// Adds nothing up but what it says: `squares` gets one expected square for each value; it is
+// Adds nothing up but what it says: `squares` gets one expected square for each wanted value; it is
 // negative where an indefinite matrix makes it so. Takes the plain form up to kLargestPlainOrder,
 // the product form above. Throws std::bad_alloc.
 void expectedMisesSquares(const PackedMatrix& matrix, const ModeStresses& stresses,

@@ -147,16 +147,20 @@ class ModalStress {
     const int nBlocks = blocks.size();
     std::vector<double> squares;
     std::vector<float> values;
+    std::vector<int> chosen;
     for (int i = 0; i < nBlocks; ++i) {
       const odb_FieldBulkData& block = blocks[i];
       if (!isSent(block)) continue;
-      const auto n = static_cast<std::size_t>(block.length());
+      ModeStresses stresses{cache[static_cast<std::size_t>(i)].data(), block.length(),
+                            block.width(), slotsOf(block, slots)};
+      if (writer.isRestricted()) {
+        chosen = writer.selectedValues(block);
+        stresses.chosen = &chosen;
+      }
+      const auto n = static_cast<std::size_t>(nWanted(stresses));
       squares.resize(n);
       values.resize(n);
-      expectedMisesSquares(matrix,
-                           {cache[static_cast<std::size_t>(i)].data(), block.length(),
-                            block.width(), slotsOf(block, slots)},
-                           squares.data());
+      expectedMisesSquares(matrix, stresses, squares.data());
       for (std::size_t v = 0; v < n; ++v) {
         const double value = roots ? std::sqrt(std::abs(squares[v])) : squares[v];
         values[v] = static_cast<float>(value);

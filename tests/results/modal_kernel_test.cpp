@@ -28,9 +28,10 @@ class Problem {
     for (int i = 0; i < order * nValues * width; ++i) stresses_.push_back(number(random_));
   }
 
-  std::vector<double> squares(Form form) const {
-    std::vector<double> result(static_cast<std::size_t>(nValues_));
-    form({matrix_.data(), order_}, {stresses_.data(), nValues_, width_, slots_}, result.data());
+  std::vector<double> squares(Form form, const std::vector<int>* chosen = nullptr) const {
+    const ModeStresses modes{stresses_.data(), nValues_, width_, slots_, chosen};
+    std::vector<double> result(static_cast<std::size_t>(nWanted(modes)));
+    form({matrix_.data(), order_}, modes, result.data());
     return result;
   }
 
@@ -106,6 +107,18 @@ TEST(ModalKernel, SmallOrdersRoundProductsToSinglePrecision) {
   EXPECT_EQ(1 + std::ldexp(1.0, -11), square);
   expectedMisesSquaresByProduct({&one, 1}, stresses, &square);
   EXPECT_NEAR(1 + std::ldexp(1.0, -11) + std::ldexp(1.0, -24), square, 1e-15);
+}
+
+TEST(ModalKernel, ChosenValuesAreThoseOfAll) {
+  const Problem problem(20, 50, 6, {{0, 1, 2, 3, 4, 5}});
+  std::vector<int> chosen;
+  for (int v = 1; v < 50; v += 2) chosen.push_back(v);
+  for (const Form form : {expectedMisesSquaresPlain, expectedMisesSquaresByProduct}) {
+    const std::vector<double> all = problem.squares(form);
+    std::vector<double> expected;
+    for (const int v : chosen) expected.push_back(all[static_cast<std::size_t>(v)]);
+    EXPECT_EQ(expected, problem.squares(form, &chosen));
+  }
 }
 
 TEST(ModalKernel, TheFormChangesAboveTheLargestPlainOrder) {

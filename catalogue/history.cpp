@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 
+#include "server/channel.h"
 #include "server/record.h"
 #include "server/sdk_adapter.h"
 #include "server/server_state.h"
@@ -28,7 +29,7 @@ int positionCode(int position) {
 template <typename GetLabel>
 int labelOrZero(GetLabel getLabel) {
   try {
-    return std::max(0, static_cast<int>(getLabel()));
+    return std::max(0, static_cast<int>(sdk::guarded(getLabel)));
   } catch (const std::exception&) {
     return 0;
   }
@@ -131,6 +132,8 @@ void sendValues(int outputFd, const odb_HistoryOutput& output) {
   const odb_SequenceSequenceFloat& data = output.data();
   const odb_SequenceSequenceFloat& conjugateData = output.conjugateData();
   sendOutput(outputFd, output, conjugateData.size() > 0);
+  // Contract: what a failed command left in the buffer is dropped. Here it would pass for values.
+  outputBuffer.fill = 0;
   for (int i = 0; i < data.size(); ++i) {
     const odb_SequenceFloat& point = data[i];
     for (int k = 0; k < point.size(); ++k) sendValue(outputFd, point[k]);
@@ -161,10 +164,13 @@ void sendRegionValues(int outputFd, const odb_HistoryRegion& region) {
 // Sends the region of that name, if the step has it. What fails on the way ends this region only.
 void sendNamedRegion(int outputFd, const odb_Step& step, const std::string& name) {
   try {
-    const odb_HistoryRegionRepository& regions = step.historyRegions();
-    if (regions.isMember(name.c_str())) sendRegionValues(outputFd, regions.constGet(name.c_str()));
+    sdk::guarded([&] {
+      const odb_HistoryRegionRepository& regions = step.historyRegions();
+      if (!regions.isMember(name.c_str())) return;
+      sendRegionValues(outputFd, regions.constGet(name.c_str()));
+    });
   } catch (const std::exception&) {
-    flushOutput(outputFd);
+    // Contract: the other names are served all the same.
   }
 }
 

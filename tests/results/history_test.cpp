@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // History overview and values.
+#include "catalogue/history.h"
+#include "server/record.h"
+#include "server/server_state.h"
 #include "tests/results/result_fixture.h"
+#include "tests/support/output_file.h"
 
 namespace odbs::tests {
 namespace {
@@ -70,6 +74,19 @@ TEST_F(History, ConjugatesFollowTheirPoints) {
                      value(7), value(0.5F), value(-2.5F), value(8)}),
             values(0, {"Node I.3"}));
   EXPECT_EQ(output("U1", true), ask("hi ").back());
+}
+
+// A command that failed may leave records behind, here a marker.
+TEST_F(History, LeftoversOfAFailedCommandAreNotTakenForValues) {
+  nodeOutput(step("Step-1"), "R", "U1").addData(1.0, 3.0);
+  const auto bytes = [&](bool afterFailure) {
+    OutputFile out;
+    if (afterFailure) sendMarker(out.fd());
+    serverState.historyNames.names = {"R"};
+    exportHistoryValues(*odb_, out.fd(), 0);
+    return out.bytes();
+  };
+  EXPECT_EQ(bytes(false), bytes(true));
 }
 
 TEST_F(History, NamesThatAreMissingAreSkippedAndTheTableIsUsedOnce) {

@@ -217,12 +217,10 @@ Header checkHeader(CacheReader& reader, const CacheKey& key) {
   std::string_view path, line;
   if (!reader.take(path) || !reader.take(line)) return Header::kCutShort;
   const long long time = std::strtoll(std::string(line).c_str(), nullptr, 10);
+  if (time != key.databaseStatus.modificationTime) return Header::kStale;
   if (!reader.take(line)) return Header::kCutShort;
   const long long size = std::strtoll(std::string(line).c_str(), nullptr, 10);
-  return time == key.databaseStatus.modificationTime &&
-                 size == sizeIn32Bits(key.databaseStatus.size)
-             ? Header::kFits
-             : Header::kStale;
+  return size == sizeIn32Bits(key.databaseStatus.size) ? Header::kFits : Header::kStale;
 }
 
 }  // namespace
@@ -246,6 +244,7 @@ struct CacheWriter::Stream {
   std::string lock;
   gzFile file = nullptr;
   std::string pending;
+  bool isWhole = true;  // every write succeeded so far
 
   void line(std::string_view text) {
     pending += text;
@@ -261,7 +260,8 @@ struct CacheWriter::Stream {
     line({digits, static_cast<std::size_t>(n)});
   }
   void write() {
-    gzwrite(file, pending.data(), static_cast<unsigned>(pending.size()));
+    if (pending.empty()) return;
+    if (gzwrite(file, pending.data(), static_cast<unsigned>(pending.size())) == 0) isWhole = false;
     pending.clear();
   }
 };
@@ -341,8 +341,9 @@ void CacheWriter::finish() {
   const CacheGuard guard;
   port::removeFile(stream_->lock);
   clearCacheStream();
-  gzclose(stream_->file);
-  int error = port::renameFile(stream_->temporary, stream_->path);
+  const bool isWhole = gzclose(stream_->file) == Z_OK && stream_->isWhole;
+  // A file that was cut, by a full disk say, would be replayed for good: it does not get the name.
+  int error = isWhole ? port::renameFile(stream_->temporary, stream_->path) : EIO;
   if (error == EEXIST) {
     port::removeFile(stream_->path);
     error = port::renameFile(stream_->temporary, stream_->path);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "base/text.h"
+#include "port/port.h"
 
 namespace odbs {
 
@@ -17,8 +18,10 @@ constexpr std::size_t kPieceBytes = 1u << 18;
 
 }  // namespace
 
+// Some systems open a folder like a file and refuse to read it.
 CacheReader::CacheReader(const std::string& path)
-    : stream_(gzopen(path.c_str(), "rb")), bytes_(kPieceBytes + kLongestLine + 1) {
+    : stream_(port::fileStatus(path).isDirectory ? nullptr : gzopen(path.c_str(), "rb")),
+      bytes_(kPieceBytes + kLongestLine + 1) {
   if (stream_) gzbuffer(stream_, kInflateBytes);
 }
 

@@ -127,13 +127,14 @@ TEST_F(Cache, EveryFrameCachesServeBothModesLastFrameOnesOnlyTheirOwn) {
 TEST_F(Cache, StaleAndForeignFilesAreRebuilt) {
   const Records computed = list("fd ");
   const std::vector<std::string> good = lines();
-  std::vector<std::vector<std::string>> bad(6, good);
+  std::vector<std::vector<std::string>> bad(7, good);
   bad[0][0] = "1.0\n";
   bad[1][0] = "2.0\r1.0\n";
   bad[2][0] = "1.0\r1.1\n";
   bad[3][0] = "1.0\r\n";
   bad[4][2] = "12345\n";
   bad[5][3] = "1\n";
+  bad[6] = {good[0], good[1], "12345\n"};
   for (const auto& all : bad) {
     writeLines(all);
     EXPECT_EQ(computed, list("fd ")) << all[0];
@@ -229,6 +230,24 @@ TEST_F(Cache, APathThatCannotBeWrittenMeansListingWithoutACache) {
   recordsOf(*server_, "T ");
   EXPECT_EQ(6u, ask("fd ").size());
 }
+
+TEST_F(Cache, AFolderInItsPlaceMeansListingWithoutACache) {
+  save();
+  std::filesystem::create_directory(cache());
+  EXPECT_EQ(6u, list("fd ").size());
+  EXPECT_FALSE(exists("_tmp"));
+  EXPECT_FALSE(exists("_lock"));
+}
+
+#if defined(__linux__)
+TEST_F(Cache, AFileThatCouldNotBeWrittenWholeIsNotKept) {
+  save();
+  std::filesystem::create_symlink("/dev/full", cache() + "_tmp");
+  EXPECT_EQ(6u, list("fd ").size());
+  EXPECT_EQ(std::filesystem::file_type::not_found, std::filesystem::symlink_status(cache()).type());
+  EXPECT_FALSE(exists("_tmp"));
+}
+#endif
 
 TEST_F(Cache, AChangedDatabaseMakesTheCacheStale) {
   list("fd ");

@@ -70,12 +70,14 @@ class ListingWalk {
     const int nFrames = frames.size();
     if (nFrames == 0) return;
     const bool everyFrame = serverState.catalogueMode == CatalogueMode::kEveryFrame;
+    flushOutput(outputFd_);  // no record waits for the database
     Descriptors covered;
     if (!everyFrame)
       covered = coveredByEnds(stepNumber, frames[0], frames[nFrames - 1], nFrames - 1);
     for (int i = 0; i < nFrames; ++i) {
       const odb_Frame frame = frames[i];
       if (everyFrame) {
+        flushOutput(outputFd_);
         covered = coveredBy(frameDescriptors(name_, stepNumber, i, frame));
         frames.release(i);
       }

@@ -118,7 +118,8 @@ DescriptorList describeFrame(const odb_Frame& frame) {
   odb_FieldOutputRepositoryIT it(frame.fieldOutputs());
   for (it.first(); !it.isDone(); it.next()) {
     try {
-      list.fields.push_back(describeField(it.currentKey().CStr(), it.currentValue()));
+      list.fields.push_back(
+          sdk::guarded([&] { return describeField(it.currentKey().CStr(), it.currentValue()); }));
       list.hasStatus = list.hasStatus || list.fields.back().name == "STATUS";
     } catch (const std::exception&) {
       // Contract: what cannot be classified is not listed, and the walk goes on.

@@ -37,7 +37,7 @@ class SetsWriter {
                  const odb_SetRepository& ofInstance) {
     const odb_String name = instance.name();
     try {
-      sendAssemblySets(ofAssembly, name);
+      sdk::guarded([&] { sendAssemblySets(ofAssembly, name); });
     } catch (const std::exception&) {
       if (grouped_) sendMarker(outputFd_);
       sendTextRecord(outputFd_, kErrorTag, kBrokenSets);
@@ -95,7 +95,7 @@ class SetsWriter {
       sendTextRecord(outputFd_, tag, viewOf(name));
       if (named) sendNameRecord(outputFd_, viewOf(instance));
       try {
-        sendMembers(set, tag, instance);
+        sdk::guarded([&] { sendMembers(set, tag, instance); });
       } catch (const std::exception&) {
         // Contract: members that cannot be read end the list, and the set is closed all the same.
       }

@@ -23,6 +23,11 @@ struct FieldValues {
   const Real* data = nullptr;
   int nRows = 0;
   int width = 0;
+  // Where large data come in several calls that all add to one block (an instance, position,
+  // element type, section point): rows of all calls, so that values go to the file as they come.
+  // Every call says the same. 0: not known. A wrong number costs memory or space in the file,
+  // nothing else.
+  int nRowsInAll = 0;
   const Real* conjugate = nullptr;    // nRows x width, or null
   const Real* quaternions = nullptr;  // nRows x 4 as odb_FieldBulkData gives them, or null
   odb_SectionPoint sectionPoint;

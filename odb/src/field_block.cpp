@@ -14,16 +14,22 @@ namespace {
 // Largest range of labels that is counted with one bit each.
 constexpr long long kMostBits = 1LL << 30;
 
-int* labelArray(BlockLayout& layout, Ints BlockLayout::*which) {
+// Labels for a moment's use.
+const int* labelsNow(BlockLayout& layout, Ints BlockLayout::*which) {
   if (layout.compute) {
     const std::function<void(BlockLayout&)> compute = std::move(layout.compute);
     layout.compute = nullptr;
     compute(layout);
   }
   const Ints& ints = layout.*which;
-  if (!ints) return nullptr;
-  ints->pinned = true;
-  return const_cast<int*>(ints->array.get(layout.database->storage).data());
+  return ints ? ints->array.get(layout.database->storage).data() : nullptr;
+}
+
+// Labels that a caller may keep a pointer to.
+int* labelArray(BlockLayout& layout, Ints BlockLayout::*which) {
+  const int* labels = labelsNow(layout, which);
+  if (layout.*which) (layout.*which)->pinned = true;
+  return const_cast<int*>(labels);
 }
 
 int countDifferent(const int* values, int n) {
@@ -149,8 +155,7 @@ int* faceNumbers(BlockLayout& layout) {
 void readLabels(BlockLayout& layout, Ints BlockLayout::*which, int first, int n, int* out) {
   SharedInts& ints = *(layout.*which);
   if (layout.compute || ints.array.loaded()) {
-    const int* all = labelArray(layout, which);
-    std::copy_n(all + first, n, out);
+    std::copy_n(labelsNow(layout, which) + first, n, out);
     return;
   }
   layout.database->storage.read(layout::Kind::kInt32, ints.array.ref(), first, n, out);
@@ -165,7 +170,7 @@ Ints makeInts(const std::vector<int>& values) {
 
 void countLabels(BlockLayout& layout) {
   layout.nElements = layout.nNodes = layout.valuesPerElement = 0;
-  if (const int* labels = elementLabels(layout)) {
+  if (const int* labels = labelsNow(layout, &BlockLayout::elementLabels)) {
     int run = 0, first = -1;
     bool even = true;
     for (int i = 0; i <= layout.nValues; ++i) {
@@ -181,7 +186,7 @@ void countLabels(BlockLayout& layout) {
   }
   if (layout.position == odb_Enum::NODAL) {
     layout.nNodes = layout.nValues;
-  } else if (const int* nodes = nodeLabels(layout)) {
+  } else if (const int* nodes = labelsNow(layout, &BlockLayout::nodeLabels)) {
     layout.nNodes = countDifferent(nodes, layout.nValues);
   }
 }

@@ -144,9 +144,11 @@ std::vector<Run> elementRuns(const FieldData& field, EntityData& entity,
   return runs;
 }
 
-Buffer<int>& openInts(Database& database, Ints& ints) {
+Buffer<int>& openInts(Database& database, Ints& ints, std::size_t nInAll) {
   if (!ints) ints = std::make_shared<SharedInts>();
-  return ints->array.edit(database.storage);
+  Buffer<int>& labels = ints->array.edit(database.storage);
+  if (labels.empty()) labels.reserve(nInAll);
+  return labels;
 }
 
 Ints copyInts(Database& database, const Ints& ints) {
@@ -186,80 +188,85 @@ Block openBlock(FieldData& field, const BlockLayout& key, const FieldBlock& form
   return block;
 }
 
-// Makes room for the values that the block has already, when they come without this part.
+// Makes up for values that the block has without this part: zeros, or the global directions.
 template <class Real>
-void pad(FieldBlock& block, Part part, int nValues) {
-  Storage& storage = block.database->storage;
+void pad(FieldBlock& block, Part part, int nValues, std::size_t nInAll) {
+  constexpr std::size_t kSlice = 4096;
+  const bool turned = part == Part::kOrientation;
+  const auto width = static_cast<std::size_t>(partWidth(block, part));
   BlockArrays<Real>& arrays = block.arrays<Real>();
-  if (part == Part::kConjugate) {
-    arrays.conjugate.edit(storage).resize(
-        static_cast<std::size_t>(nValues) * static_cast<std::size_t>(block.width), Real(0));
-    return;
-  }
-  Buffer<Real>& orientation = arrays.orientation.edit(storage);
-  while (orientation.size() < 4 * static_cast<std::size_t>(nValues)) {
-    orientation.insert(orientation.end(), {Real(0), Real(0), Real(0), Real(1)});
+  StoredArray<Real>& array = turned ? arrays.orientation : arrays.conjugate;
+  auto missing =
+      static_cast<std::size_t>(nValues) - static_cast<std::size_t>(array.count()) / width;
+  std::vector<Real> rows(std::min(missing, kSlice) * width, Real(0));
+  for (std::size_t i = 3; turned && i < rows.size(); i += 4) rows[i] = Real(1);
+  while (missing > 0) {
+    const std::size_t n = std::min(missing, kSlice);
+    array.append(block.database->storage, block.database->target.CStr(), rows.data(), n * width,
+                 nInAll * width);
+    missing -= n;
   }
 }
 
-// Appends rows [first, first + n) of the request to the block's arrays.
+// Appends rows [first, first + n) of the request to the block's arrays. `nInAll`: rows that the
+// block will have when all have come, or 0.
 template <class Real>
-void appendNumbers(FieldBlock& block, const FieldValues<Real>& in, int first, int n) {
-  Storage& storage = block.database->storage;
+void appendNumbers(FieldBlock& block, const FieldValues<Real>& in, int first, int n,
+                   std::size_t nInAll) {
+  Database& database = *block.database;
   BlockArrays<Real>& arrays = block.arrays<Real>();
   const auto from = static_cast<std::size_t>(first), count = static_cast<std::size_t>(n);
   const auto width = static_cast<std::size_t>(in.width);
   const int nBefore = block.layout->nValues;
   const auto put = [&](StoredArray<Real>& array, const Real* rows, std::size_t w) {
-    Buffer<Real>& out = array.edit(storage);
-    out.insert(out.end(), rows + from * w, rows + (from + count) * w);
+    array.append(database.storage, database.target.CStr(), rows + from * w, count * w, nInAll * w);
   };
   put(arrays.data, in.data, width);
   if (in.conjugate || block.complex) {
-    pad<Real>(block, Part::kConjugate, nBefore);
     block.complex = true;
+    pad<Real>(block, Part::kConjugate, nBefore, nInAll);
     if (in.conjugate) put(arrays.conjugate, in.conjugate, width);
-    pad<Real>(block, Part::kConjugate, nBefore + n);
+    pad<Real>(block, Part::kConjugate, nBefore + n, nInAll);
   }
   if (in.quaternions || block.oriented) {
-    pad<Real>(block, Part::kOrientation, nBefore);
     block.oriented = true;
+    pad<Real>(block, Part::kOrientation, nBefore, nInAll);
     if (in.quaternions) put(arrays.orientation, in.quaternions, 4);
-    pad<Real>(block, Part::kOrientation, nBefore + n);
+    pad<Real>(block, Part::kOrientation, nBefore + n, nInAll);
   }
 }
 
 // Appends the labels of one run, whose rows start at `first` of the request.
 template <class Real>
 void appendLabels(FieldBlock& block, const FieldValues<Real>& in, EntityData& entity,
-                  const Run& run, int first) {
+                  const Run& run, int first, std::size_t nInAll) {
   BlockLayout& layout = *block.layout;
   Database& database = *block.database;
   const auto n = static_cast<std::size_t>(run.nRows);
   if (in.position == odb_Enum::NODAL) {
-    Buffer<int>& nodes = openInts(database, layout.nodeLabels);
+    Buffer<int>& nodes = openInts(database, layout.nodeLabels, nInAll);
     nodes.insert(nodes.end(), in.labels, in.labels + n);
     return;
   }
   if (!run.type) return;
-  Buffer<int>& elements = openInts(database, layout.elementLabels);
+  Buffer<int>& elements = openInts(database, layout.elementLabels, nInAll);
   elements.insert(elements.end(), n, run.label);
   if (in.position == odb_Enum::ELEMENT_NODAL) {
     const ElementTable& table = entity.elementTable;
     const ElementBlock& b = table.blocks[table.blockOf[run.index]];
     const int* connectivity = table.connectivity + b.connectivity +
                               static_cast<std::int64_t>(run.index - b.first) * b.nNodes;
-    Buffer<int>& nodes = openInts(database, layout.nodeLabels);
+    Buffer<int>& nodes = openInts(database, layout.nodeLabels, nInAll);
     nodes.insert(nodes.end(), connectivity, connectivity + n);
   }
   if (in.position == odb_Enum::INTEGRATION_POINT) {
-    Buffer<int>& points = openInts(database, layout.points);
+    Buffer<int>& points = openInts(database, layout.points, nInAll);
     for (int i = 0; i < run.nRows; ++i) {
       points.push_back(in.integrationPoints ? in.integrationPoints[first + i] : i + 1);
     }
   }
   if (in.position == odb_Enum::ELEMENT_FACE) {
-    Buffer<int>& faces = openInts(database, layout.faces);
+    Buffer<int>& faces = openInts(database, layout.faces, nInAll);
     for (int i = 0; i < run.nRows; ++i) {
       faces.push_back(in.faces ? in.faces[first + i]
                                : std::min<int>(odb_Enum::FACE1 + i, odb_Enum::FACE6));
@@ -316,6 +323,9 @@ void addValues(FieldData& field, const FieldValues<Real>& in) {
     runs = elementRuns(field, entity, in.position, in.labels, in.nLabels, in.nRows);
   }
   field.viewsReady = false;
+  const bool oneBlock = std::all_of(runs.begin(), runs.end(),
+                                    [&](const Run& run) { return run.type == runs[0].type; });
+  const auto nInAll = static_cast<std::size_t>(oneBlock ? std::max(0, in.nRowsInAll) : 0);
   int first = 0;
   for (std::size_t i = 0; i < runs.size();) {
     const odb_String* type = runs[i].type;
@@ -323,14 +333,15 @@ void addValues(FieldData& field, const FieldValues<Real>& in) {
     const Block block = openBlock(field, key, form);
     int n = 0;
     for (; i < runs.size() && runs[i].type == type; ++i) {
-      appendLabels(*block, in, entity, runs[i], first + n);
+      appendLabels(*block, in, entity, runs[i], first + n, nInAll);
       n += runs[i].nRows;
     }
-    appendNumbers(*block, in, first, n);
+    appendNumbers(*block, in, first, n, nInAll);
     block->layout->nValues += n;
     first += n;
     noteValues(field, *block,
                static_cast<std::size_t>(n) * static_cast<std::size_t>(in.width) * sizeof(Real));
+    if (static_cast<std::size_t>(block->layout->nValues) == nInAll) finishBlock(*block);
   }
   field.database->touch();
 }

@@ -49,13 +49,17 @@ FileWriter::FileWriter(const std::string& path, bool compressed)
   file_.makeGroup(layout::kArrays);
 }
 
-void FileWriter::writePiece(layout::Kind kind, const void* data, std::int64_t count) {
+Hdf5File::Dataset FileWriter::makePiece(layout::Kind kind, std::int64_t count) {
   Pieces& pieces = pieces_[static_cast<int>(kind)];
   const std::string name = arrayName(kind, std::to_string(pieces.sizes.size()));
-  const Hdf5File::Dataset dataset = file_.create(name, numberOf(kind), {count}, compressed_);
-  file_.write(dataset, 0, count, data);
+  Hdf5File::Dataset dataset = file_.create(name, numberOf(kind), {count}, compressed_);
   pieces.starts.push_back(pieces.starts.empty() ? 0 : pieces.starts.back() + pieces.sizes.back());
   pieces.sizes.push_back(count);
+  return dataset;
+}
+
+void FileWriter::writePiece(layout::Kind kind, const void* data, std::int64_t count) {
+  file_.write(makePiece(kind, count), 0, count, data);
 }
 
 void FileWriter::flushSmall(layout::Kind kind) {
@@ -83,6 +87,39 @@ std::int64_t FileWriter::putArray(layout::Kind kind, const void* data, std::int6
   return start;
 }
 
+std::int64_t FileWriter::reserveArray(layout::Kind kind, std::int64_t count) {
+  Pieces& pieces = pieces_[static_cast<int>(kind)];
+  flushSmall(kind);
+  const std::int64_t start = pieces.end;
+  pieces.reserved[start].dataset = makePiece(kind, count);
+  pieces.end += count;
+  return start;
+}
+
+bool FileWriter::putNext(layout::Kind kind, std::int64_t start, const void* data,
+                         std::int64_t count) {
+  auto& reserved = pieces_[static_cast<int>(kind)].reserved;
+  const auto at = reserved.find(start);
+  if (at == reserved.end()) return false;
+  Reserved& piece = at->second;
+  file_.write(piece.dataset, piece.nPut, count, data);
+  piece.nPut += count;
+  if (piece.nPut == piece.dataset.count()) reserved.erase(at);
+  return true;
+}
+
+// No part of a file is left to chance, and a compressed piece must be as large as it claims.
+void FileWriter::fillReserved(layout::Kind kind) {
+  auto& reserved = pieces_[static_cast<int>(kind)].reserved;
+  if (reserved.empty()) return;
+  const std::vector<unsigned char> zeros(kPieceBytes);
+  const auto most = static_cast<std::int64_t>(kPieceBytes / sizeOf(numberOf(kind)));
+  while (!reserved.empty()) {
+    const auto& [start, piece] = *reserved.begin();
+    putNext(kind, start, zeros.data(), std::min(most, piece.dataset.count() - piece.nPut));
+  }
+}
+
 void FileWriter::readArray(layout::Kind kind, std::int64_t start, std::int64_t count, void* out) {
   if (count == 0) return;
   Pieces& pieces = pieces_[static_cast<int>(kind)];
@@ -95,6 +132,11 @@ void FileWriter::readArray(layout::Kind kind, std::int64_t start, std::int64_t c
     return;
   }
   const auto at = std::upper_bound(pieces.starts.begin(), pieces.starts.end(), start) - 1;
+  const auto reserved = pieces.reserved.find(*at);
+  if (reserved != pieces.reserved.end()) {
+    file_.read(reserved->second.dataset, start - *at, count, out);
+    return;
+  }
   const std::string name = arrayName(kind, std::to_string(at - pieces.starts.begin()));
   file_.read(file_.open(name, numberOf(kind), 1), start - *at, count, out);
 }
@@ -132,6 +174,7 @@ void FileWriter::finish() {
   for (int k = 0; k < layout::kNKinds; ++k) {
     const layout::Kind kind = static_cast<layout::Kind>(k);
     flushSmall(kind);
+    fillReserved(kind);
     const std::vector<std::int64_t>& sizes = pieces_[k].sizes;
     const std::string name = arrayName(kind, "sizes");
     if (file_.has(name)) file_.remove(name);

@@ -202,6 +202,14 @@ void internLayouts(FieldData& field) {
   }
 }
 
+void finishBlock(FieldBlock& block) {
+  if (!block.layout->interned) {
+    Database& database = *block.database;
+    block.layout = sharedLayout(resultsOf(database), database.storage, block.layout);
+  }
+  spillBlock(block, false);
+}
+
 void noteWritten(FrameData& frame) {
   ResultStore& store = resultsOf(*frame.step->database);
   if (!store.written.empty() && store.written.back() == &frame) return;
@@ -231,10 +239,7 @@ void spillFields(Database& database, const FieldBlock* except) {
       if (!except) internLayouts(field);
       for (const Block& block : field.blocks) {
         if (block.get() == except) continue;
-        if (!block->layout->interned) {
-          block->layout = sharedLayout(store, database.storage, block->layout);
-        }
-        spillBlock(*block, false);
+        finishBlock(*block);
       }
     }
   }

@@ -83,6 +83,8 @@ void internLayouts(FieldData& field);
 void spillFields(Database& database, const FieldBlock* except);
 // Called when a field of a frame is added: values of other frames need not stay in memory.
 void noteWritten(FrameData& frame);
+// Called when a block has all its values: they need not stay in memory, nor its labels.
+void finishBlock(FieldBlock& block);
 // Called when values were added to a block.
 void noteValues(FieldData& field, const FieldBlock& block, std::size_t nBytes);
 

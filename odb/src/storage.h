@@ -211,16 +211,30 @@ class FileWriter : public SaveTarget {
   void finish() override;
   // Opens the finished file again, when it could not be put in its place.
   void reopen();
-  // Reads back what putArray took.
+  // Makes room for an array of `count` numbers, at least 1, that come later in order; gives its
+  // place. Numbers that have not come when the file is finished are zeros.
+  std::int64_t reserveArray(layout::Kind kind, std::int64_t count);
+  // The next numbers, at least 1, of the reserved array that begins at `start`. Returns false when
+  // it takes no more: it is full, or the file was finished.
+  bool putNext(layout::Kind kind, std::int64_t start, const void* data, std::int64_t count);
+  // Reads back what putArray and putNext took.
   void readArray(layout::Kind kind, std::int64_t start, std::int64_t count, void* out);
 
  private:
+  // A piece whose numbers have not all come.
+  struct Reserved {
+    Hdf5File::Dataset dataset;
+    std::int64_t nPut = 0;
+  };
   struct Pieces {
     std::vector<std::int64_t> starts;
     std::vector<std::int64_t> sizes;
     std::int64_t end = 0;              // place behind the last number
     std::vector<unsigned char> small;  // not yet written: numbers from place end - small numbers on
+    std::map<std::int64_t, Reserved> reserved;  // by place
   };
+  Hdf5File::Dataset makePiece(layout::Kind kind, std::int64_t count);
+  void fillReserved(layout::Kind kind);
   void writePiece(layout::Kind kind, const void* data, std::int64_t count);
   void flushSmall(layout::Kind kind);
 
@@ -276,6 +290,7 @@ class StoredArray {
     Buffer<T>().swap(data_);
     ref_ = ref;
     loaded_ = ref.count == 0;
+    room_ = 0;
   }
   // The elements, read at first use.
   const Buffer<T>& get(Storage& storage) {
@@ -290,11 +305,34 @@ class StoredArray {
   Buffer<T>& edit(Storage& storage) {
     get(storage);
     ref_ = ArrayRef();
+    room_ = 0;
     return data_;
   }
   // Forgets the elements in memory when they are stored.
   void drop() {
     if (ref_.file) refer(ref_);
+  }
+  // Appends n elements. `total`, when it is not 0, is how many there will be when all have come:
+  // large arrays then go to the pending file as they come and are never whole in memory.
+  void append(Storage& storage, const std::string& target, const T* from, std::size_t n,
+              std::size_t total) {
+    const auto count = static_cast<std::int64_t>(n);
+    if (n == 0) return;
+    const bool large = total * sizeof(T) >= kLargeArray;
+    if (large && n <= total && data_.empty() && ref_.file == 0) {
+      room_ = static_cast<std::int64_t>(total);
+      ref_.start = storage.pending(target).reserveArray(kindOf<T>(), room_);
+      ref_.file = storage.pendingFile();
+      loaded_ = false;
+    }
+    if (!loaded_ && ref_.count + count <= room_ && ref_.file == storage.pendingFile() &&
+        storage.pending(target).putNext(kindOf<T>(), ref_.start, from, count)) {
+      ref_.count += count;
+      return;
+    }
+    Buffer<T>& all = edit(storage);
+    if (all.empty()) all.reserve(total);
+    all.insert(all.end(), from, from + n);
   }
   bool loaded() const { return loaded_; }
   ArrayRef& ref() { return ref_; }
@@ -310,6 +348,7 @@ class StoredArray {
   Buffer<T> data_;
   ArrayRef ref_;
   bool loaded_ = true;
+  std::int64_t room_ = 0;  // elements that fit the stored array, while it is being appended to
 };
 
 // One save: texts, tables and arrays on their way into a target. References of arrays change only

@@ -124,9 +124,9 @@ std::string timeText() {
 }
 
 void importDeck(const Options& options) {
+  port::returnLargeBlocks();
   Progress progress(!options.quiet);
-  const Deck deck =
-      readDeck(options.deck, [&](double part) { progress.show("reading the deck", part); });
+  Deck deck = readDeck(options.deck, [&](double part) { progress.show("reading the deck", part); });
   const std::string job = fs::path(options.output).stem().string();
   odb_Odb& odb = Odb(job.c_str(), deck.title.c_str(), "", options.output.c_str());
   // Whatever happens: the next import of this process must find no database of this name.

@@ -260,6 +260,8 @@ struct Scope {
   std::map<std::string, Orientation> orientations;
 
   bool hasMesh() const { return nodes.size() + elements.size() > 0; }
+  // Gives the memory of coordinates and connectivity back; labels and types stay.
+  void releaseGeometry();
 };
 
 struct Part {
@@ -306,6 +308,9 @@ struct Deck {
 
   // Where the mesh of an instance is: its own content, or its part's.
   const Scope& meshOf(const Instance& instance) const {
+    return instance.content.hasMesh() ? instance.content : parts[instance.part].content;
+  }
+  Scope& meshOf(Instance& instance) {
     return instance.content.hasMesh() ? instance.content : parts[instance.part].content;
   }
 };

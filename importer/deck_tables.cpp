@@ -153,6 +153,16 @@ std::optional<std::array<Place, 2>> ElementTable::finish() {
   return std::array<Place, 2>{twice->second, (twice + 1)->second};
 }
 
+void Scope::releaseGeometry() {
+  std::vector<double>().swap(nodes.xyz);
+  for (ElementBlock& block : elements.blocks) {
+    block.offsets.assign(1, 0);
+    block.offsets.shrink_to_fit();
+    std::vector<std::int32_t>().swap(block.nodes);
+    std::vector<std::int32_t>().swap(block.owners);
+  }
+}
+
 Members& Set::of(std::int32_t owner) {
   for (Members& entry : members) {
     if (entry.owner == owner) return entry;

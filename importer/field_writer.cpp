@@ -113,11 +113,9 @@ std::size_t FieldWriter::write(const FrdFrame& frame, odb_Frame& target) {
   return nWritten;
 }
 
-namespace {
-
 // Rows of values on their way into a field, some thousand at a time: a block of the database can
 // be several times as large as the one that it comes from.
-class Rows {
+class FieldWriter::Rows {
  public:
   Rows(odb_Frame& frame, const TargetField& field, const odb_Instance& instance,
        odb_Enum::odb_ResultPositionEnum position, bool isComplex)
@@ -127,17 +125,15 @@ class Rows {
     added_.width = static_cast<int>(field.sources.size());
   }
 
-  std::vector<float> values, conjugate;  // those after the last accepted ones are on trial
+  std::vector<float> values, conjugate;  // of the elements or nodes since the last flush
   odb_SectionPoint sectionPoint;
 
+  // How many rows there will be.
+  void expect(std::size_t nRows) { added_.nRowsInAll = static_cast<int>(nRows); }
+  // The values of `label` are complete.
   void accept(std::int32_t label) {
     labels_.push_back(label);
-    nAccepted_ = values.size();
-    if (nAccepted_ >= kMost) flush();
-  }
-  void reject() {
-    values.resize(nAccepted_);
-    if (complex_) conjugate.resize(nAccepted_);
+    if (values.size() >= kMost) flush();
   }
   // Writes the rest. Returns true when anything was accepted at all.
   bool finish() {
@@ -156,7 +152,6 @@ class Rows {
     added_.sectionPoint = sectionPoint;
     odb_embedded::addData(fieldOf(frame_, field_.name, field_.description, field_.shape), added_);
     any_ = true;
-    nAccepted_ = 0;
     labels_.clear();
     values.clear();
     conjugate.clear();
@@ -168,10 +163,7 @@ class Rows {
   bool complex_ = false, any_ = false;
   odb_embedded::FieldValues<float> added_;
   std::vector<int> labels_;
-  std::size_t nAccepted_ = 0;
 };
-
-}  // namespace
 
 bool FieldWriter::writeField(odb_Frame& frame, const TargetField& field, const Block& real,
                              const Block* imaginary) {
@@ -179,14 +171,22 @@ bool FieldWriter::writeField(odb_Frame& frame, const TargetField& field, const B
                           : writeNodal(frame, field, real, imaginary);
 }
 
-bool FieldWriter::gather(const NodeSources& sources, std::size_t target, const TargetField& field,
-                         const Block& block, std::vector<float>& values) {
-  const std::size_t first = sources.begin(target), last = sources.end(target);
-  const std::size_t nStored = static_cast<std::size_t>(block.result.nStored);
-  if (first == last) return false;
+bool FieldWriter::has(const NodeSources& sources, std::size_t target, std::size_t n,
+                      const Block& block) {
+  const std::size_t first = sources.begin(target), last = sources.end(target + n - 1);
   for (std::size_t i = first; i < last; ++i) {
     if (block.rowOf[static_cast<std::size_t>(sources.nodes[i])] < 0) return false;
   }
+  for (std::size_t i = target; i < target + n; ++i) {
+    if (sources.begin(i) == sources.end(i)) return false;
+  }
+  return true;
+}
+
+void FieldWriter::gather(const NodeSources& sources, std::size_t target, const TargetField& field,
+                         const Block& block, std::vector<float>& values) {
+  const std::size_t first = sources.begin(target), last = sources.end(target);
+  const std::size_t nStored = static_cast<std::size_t>(block.result.nStored);
   for (const int component : field.sources) {
     double value = 0;
     for (std::size_t i = first; i < last; ++i) {
@@ -197,22 +197,39 @@ bool FieldWriter::gather(const NodeSources& sources, std::size_t target, const T
     }
     values.push_back(static_cast<float>(value));
   }
-  return true;
+}
+
+template <class Finish>
+bool FieldWriter::writeRows(Rows& rows, const TargetField& field, const NodeSources& sources,
+                            const std::vector<std::int32_t>& labels, std::size_t nEach,
+                            const Block& real, const Block* imaginary, Finish finish) {
+  const auto complete = [&](std::size_t i) {
+    return has(sources, i * nEach, nEach, real) &&
+           (imaginary == nullptr || has(sources, i * nEach, nEach, *imaginary));
+  };
+  std::size_t nComplete = 0;
+  for (std::size_t i = 0; i < labels.size(); ++i) nComplete += complete(i) ? 1 : 0;
+  rows.expect(nComplete * nEach);
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    if (!complete(i)) continue;
+    for (std::size_t row = i * nEach; row < (i + 1) * nEach; ++row) {
+      gather(sources, row, field, real, rows.values);
+      finish(rows.values, row);
+      if (imaginary == nullptr) continue;
+      gather(sources, row, field, *imaginary, rows.conjugate);
+      finish(rows.conjugate, row);
+    }
+    rows.accept(labels[i]);
+  }
+  return rows.finish();
 }
 
 bool FieldWriter::writeNodal(odb_Frame& frame, const TargetField& field, const Block& real,
                              const Block* imaginary) {
   const NodeSources& sources = field.addsUp ? mesh_.sums() : mesh_.means();
   Rows rows(frame, field, instance_, odb_Enum::NODAL, imaginary != nullptr);
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    if (gather(sources, i, field, real, rows.values) &&
-        (imaginary == nullptr || gather(sources, i, field, *imaginary, rows.conjugate))) {
-      rows.accept(mesh_.nodeLabels()[i]);
-    } else {
-      rows.reject();
-    }
-  }
-  return rows.finish();
+  const auto asTheyAre = [](std::vector<float>&, std::size_t) {};
+  return writeRows(rows, field, sources, mesh_.nodeLabels(), 1, real, imaginary, asTheyAre);
 }
 
 bool FieldWriter::writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
@@ -233,23 +250,8 @@ bool FieldWriter::writeOfElements(odb_Frame& frame, const TargetField& field, co
       if (targets.axes.empty()) return;
       turn(field.shape, targets.axes[row], values.data() + values.size() - field.sources.size());
     };
-    for (std::size_t e = 0; e < targets.labels.size(); ++e) {
-      bool complete = true;
-      for (std::size_t n = 0; complete && n < targets.nNodes; ++n) {
-        const std::size_t row = e * targets.nNodes + n;
-        complete = gather(targets.sources, row, field, real, rows.values) &&
-                   (imaginary == nullptr ||
-                    gather(targets.sources, row, field, *imaginary, rows.conjugate));
-        if (complete) turnLast(rows.values, row);
-        if (complete && imaginary != nullptr) turnLast(rows.conjugate, row);
-      }
-      if (complete) {
-        rows.accept(targets.labels[e]);
-      } else {
-        rows.reject();
-      }
-    }
-    any |= rows.finish();
+    any |= writeRows(rows, field, targets.sources, targets.labels, targets.nNodes, real, imaginary,
+                     turnLast);
   }
   return any;
 }

@@ -60,8 +60,18 @@ class FieldWriter {
                   const Block* imaginary);
   bool writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
                        const Block* imaginary);
-  // Appends the components of one target; false when one of its sources has no value.
-  static bool gather(const NodeSources& sources, std::size_t target, const TargetField& field,
+  class Rows;
+  // Writes those of `labels` whose `nEach` targets all have values. finish(values, row) has the
+  // last say on what was appended for a target.
+  template <class Finish>
+  bool writeRows(Rows& rows, const TargetField& field, const NodeSources& sources,
+                 const std::vector<std::int32_t>& labels, std::size_t nEach, const Block& real,
+                 const Block* imaginary, Finish finish);
+  // True when all sources of `n` targets from `target` on have values.
+  static bool has(const NodeSources& sources, std::size_t target, std::size_t n,
+                  const Block& block);
+  // Appends the components of one target.
+  static void gather(const NodeSources& sources, std::size_t target, const TargetField& field,
                      const Block& block, std::vector<float>& values);
 
   FrdReader& reader_;

@@ -124,11 +124,11 @@ ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index, bool userNormal
       deckNodes_(mesh.nodes.labels),
       lines_(mesh, userNormals) {
   const FrdElements& elements = index.elements;
-  std::size_t at = 0;
+  std::uint32_t at = 0;
   firstNode_.reserve(elements.labels.size());
   for (std::size_t i = 0; i < elements.labels.size(); ++i) {
     firstNode_.push_back(at);
-    at += static_cast<std::size_t>(frdNodesPerElement(elements.types[i]));
+    at += static_cast<std::uint32_t>(frdNodesPerElement(elements.types[i]));
   }
   used_.resize(elements.labels.size());
   for (const ElementBlock& block : mesh.elements.blocks) {
@@ -226,6 +226,9 @@ ElementTargets& ResultMesh::targets(const ElementBlock& block, Side side, int la
     }
   }
   elements_.push_back({block.type, side, layer, section, {}, nNodes, {each, {}, {}, {}}, {}});
+  // Mostly all elements of a block go the same way.
+  elements_.back().labels.reserve(block.labels.size());
+  elements_.back().sources.nodes.reserve(block.labels.size() * nNodes * each);
   return elements_.back();
 }
 
@@ -493,9 +496,9 @@ void ResultMesh::finish() {
   }
   nUnusedNodes_ = static_cast<std::size_t>(std::count(taken.begin(), taken.end(), false));
   nUnusedElements_ = static_cast<std::size_t>(std::count(used_.begin(), used_.end(), false));
-  stands_ = {};
-  equalNode_ = {};
-  firstNode_ = {};
+  stands_.clear();
+  std::vector<std::int32_t>().swap(equalNode_);
+  std::vector<std::uint32_t>().swap(firstNode_);
 }
 
 }  // namespace odbs::importer

@@ -129,8 +129,8 @@ class ResultMesh {
   const FrdIndex& index_;
   LabelIndex frdNodes_, frdElements_, deckNodes_;
   LineAxes lines_;
-  std::vector<std::size_t> firstNode_;  // of each element of the result file
-  double tolerance_ = 0;                // of coordinates
+  std::vector<std::uint32_t> firstNode_;  // of each element of the result file
+  double tolerance_ = 0;                  // of coordinates
   // Per node of the deck: the one that it is in the result file, or -1, and then perhaps others.
   std::vector<std::int32_t> equalNode_;
   std::unordered_map<std::size_t, Stand> stands_;

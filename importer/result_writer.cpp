@@ -17,9 +17,9 @@ namespace {
 
 // The instance that the solver's labels are of. The solver knows no parts: labels of a deck with
 // several instances say nothing.
-const Instance& onlyInstance(const Deck& deck) {
-  const Instance* found = nullptr;
-  for (const Instance& instance : deck.instances) {
+Instance& onlyInstance(Deck& deck) {
+  Instance* found = nullptr;
+  for (Instance& instance : deck.instances) {
     if (!deck.meshOf(instance).hasMesh()) continue;
     if (found != nullptr) {
       throw ResultMismatch(
@@ -40,21 +40,24 @@ std::string listed(const std::map<std::string, std::size_t>& counts) {
   return text;
 }
 
+// `matched` is called once the meshes need no more be compared.
 void writeFrd(const std::string& path, const Scope& mesh, bool userNormals,
               const odb_Instance& instance, ResultFrames& frames, ResultSummary& summary,
-              const std::function<void(double)>& progress) {
+              const std::function<void(double)>& progress, const std::function<void()>& matched) {
   FrdReader reader(path);
   FrdIndex index = indexFrd(reader);
   const auto warn = [&](const std::string& text) {
     summary.warnings.push_back(path + ": " + text);
   };
+  std::vector<std::int32_t>().swap(index.elements.groups);
   if (!index.complete) warn("the solver did not finish this file; what it holds is imported");
   const ResultMesh match(mesh, index, userNormals);
   if (match.nodeLabels().empty() && !index.frames.empty()) {
     throw ResultMismatch(path + ": none of its nodes is one of the deck");
   }
-  index.nodes.coordinates = {};
-  index.elements = {};
+  std::vector<double>().swap(index.nodes.coordinates);
+  index.elements = FrdElements();
+  matched();
   FieldWriter writer(reader, index, match, instance);
   std::map<std::string, std::size_t> unknownSteps;
   for (std::size_t i = 0; i < index.frames.size(); ++i) {
@@ -104,16 +107,21 @@ void writeDat(const std::string& path, const Deck& deck, const Scope& mesh, odb_
 
 }  // namespace
 
-ResultSummary writeResults(const Deck& deck, odb_Odb& odb, const std::string& frdPath,
+ResultSummary writeResults(Deck& deck, odb_Odb& odb, const std::string& frdPath,
                            const std::string& datPath,
                            const std::function<void(double)>& progress) {
   ResultSummary summary;
-  const Instance& instance = onlyInstance(deck);
-  const Scope& mesh = deck.meshOf(instance);
+  Instance& instance = onlyInstance(deck);
+  Scope& mesh = deck.meshOf(instance);
   const odb_Instance written = odb.rootAssembly().instances()[instance.name.c_str()];
+  for (ElementBlock& block : mesh.elements.blocks) std::vector<Place>().swap(block.places);
   ResultFrames frames(deck, odb);
-  if (!frdPath.empty())
-    writeFrd(frdPath, mesh, hasUserNormals(deck), written, frames, summary, progress);
+  const auto matched = [&] {
+    if (datPath.empty()) mesh.releaseGeometry();
+  };
+  if (!frdPath.empty()) {
+    writeFrd(frdPath, mesh, hasUserNormals(deck), written, frames, summary, progress, matched);
+  }
   if (!datPath.empty()) writeDat(datPath, deck, mesh, odb, written, frames, summary);
   summary.nFrames = frames.nFrames();
   return summary;

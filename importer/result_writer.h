@@ -38,9 +38,12 @@ class ResultMismatch : public std::runtime_error {
 // response have conjugate parts. What has no place in the deck is left out and counted in the
 // warnings.
 //
+// The deck is read, and without a print file its mesh keeps its labels alone: a result file needs
+// coordinates and connectivity only until it is matched with the deck.
+//
 // Throws ResultFileError for a broken file, ResultMismatch for one that belongs to another deck,
 // and what the API throws.
-ResultSummary writeResults(const Deck& deck, odb_Odb& odb, const std::string& frdPath,
+ResultSummary writeResults(Deck& deck, odb_Odb& odb, const std::string& frdPath,
                            const std::string& datPath,
                            const std::function<void(double)>& progress = {});
 

@@ -156,6 +156,11 @@ void sleepMs(int milliseconds);
 // Asks for large pages in fresh memory, where the system has them and nothing has been touched yet.
 void preferLargePages(void* memory, std::size_t bytes);
 
+// From now on large blocks of memory go back to the system when they are freed, whatever their
+// order: for programs whose large arrays follow each other. The system's allocator may do so
+// anyway.
+void returnLargeBlocks();
+
 // The largest resident memory of this process so far, in bytes.
 std::int64_t peakMemory();
 

@@ -2,6 +2,7 @@
 // The Linux side of port.h.
 #include <fcntl.h>
 #include <limits.h>
+#include <malloc.h>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
@@ -294,6 +295,14 @@ void preferLargePages(void* memory, std::size_t bytes) {
   const std::uintptr_t first = (address + page - 1) / page * page;
   const std::uintptr_t end = (address + bytes) / page * page;
   if (first < end) ::madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+}
+
+void returnLargeBlocks() {
+#if defined(__GLIBC__)
+  // Left alone, the limit rises to the largest block that was freed, and blocks below it stay in a
+  // heap that shrinks from its end only.
+  ::mallopt(M_MMAP_THRESHOLD, 1 << 20);
+#endif
 }
 
 std::int64_t peakMemory() {

@@ -317,6 +317,8 @@ void sleepMs(int milliseconds) {
 
 void preferLargePages(void*, std::size_t) {}
 
+void returnLargeBlocks() {}  // the heap does so anyway
+
 std::int64_t peakMemory() {
   PROCESS_MEMORY_COUNTERS counters{};
   ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);

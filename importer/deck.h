@@ -258,6 +258,7 @@ struct Scope {
   std::vector<Section> sections;
   std::vector<RigidBody> rigidBodies;
   std::map<std::string, Orientation> orientations;
+  std::vector<std::string> transformedSets;  // of nodes, with a *TRANSFORM
 
   bool hasMesh() const { return nodes.size() + elements.size() > 0; }
   // Gives the memory of coordinates and connectivity back; labels and types stay.
@@ -302,6 +303,7 @@ struct Deck {
   std::vector<Material> materials;
   std::vector<Step> steps;
 
+  bool printsLocally = false;  // some *NODE PRINT has values in the systems of *TRANSFORM
   std::map<std::string, std::int64_t> ignoredKeywords;  // text with its number of occurrences
   std::vector<std::string> warnings;                    // one line each, without a line end
   std::int64_t nUnknownMembers = 0;  // labels in sets and surfaces that name nothing

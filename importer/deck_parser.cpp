@@ -56,6 +56,8 @@ const DeckParser::KeywordRow DeckParser::kKeywords[] = {
     {"FLUIDSECTION", &DeckParser::readOtherSection},
     {"SURFACESECTION", &DeckParser::readOtherSection},
     {"ORIENTATION", &DeckParser::readOrientation},
+    {"TRANSFORM", &DeckParser::readTransform},
+    {"NODEPRINT", &DeckParser::readNodePrint},
     {"MATERIAL", &DeckParser::readMaterial},
     {"GASKETBEHAVIOR", &DeckParser::readMaterial},
     {"DENSITY", &DeckParser::readDensity},

@@ -100,6 +100,8 @@ class DeckParser {
   void readRotaryInertia(const Keyword&);
   void readOtherSection(const Keyword&);
   void readOrientation(const Keyword&);
+  void readTransform(const Keyword&);
+  void readNodePrint(const Keyword&);
   Section startSection(const Keyword&, SectionKind kind, const std::string& word);
   void readLayers(Section& section);
 

@@ -9,28 +9,6 @@
 
 namespace odbs::importer {
 
-namespace {
-
-using Vector = std::array<double, 3>;
-
-double dot(const Vector& a, const Vector& b) {
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-Vector cross(const Vector& a, const Vector& b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-// Makes the length 1; false when there is (nearly) none compared with `size`.
-bool normalize(Vector& v, double size) {
-  const double length = std::sqrt(dot(v, v));
-  if (!(length > 1e-6 * size)) return false;
-  for (double& x : v) x /= length;
-  return true;
-}
-
-}  // namespace
-
 bool hasCorners(const Section& section) {
   return section.kind == SectionKind::beam &&
          (startsWith(section.profile, "RECT") || section.profile == "CIRC");
@@ -81,7 +59,7 @@ bool LineAxes::axesAt(const ElementBlock& block, std::size_t at, double xi, Axes
   // Derivatives of the shape functions.
   const double slopes[2][3] = {{-0.5, 0.5, 0}, {xi - 0.5, -2 * xi, xi + 0.5}};
   if (n != 2 && n != 3) return false;
-  Vector t{};
+  Vector3 t{};
   double size = 0;
   for (std::size_t i = 0; i < n; ++i) {
     const auto node = nodes_.find(block.nodes[first + i]);
@@ -93,7 +71,7 @@ bool LineAxes::axesAt(const ElementBlock& block, std::size_t at, double xi, Axes
     }
   }
   if (!normalize(t, 1e-3 * size)) return false;
-  Vector n1 = {0, 0, -1};
+  Vector3 n1 = {0, 0, -1};
   const std::int32_t section = beamSection(block.labels[at]);
   if (section >= 0) {
     const std::vector<double>& given = mesh_.sections[static_cast<std::size_t>(section)].beamAxis;
@@ -110,7 +88,7 @@ bool LineAxes::axesAt(const ElementBlock& block, std::size_t at, double xi, Axes
 
 void turn(FieldShape shape, const Axes& axes, float* components) {
   if (shape == FieldShape::vector) {
-    const Vector v = {components[0], components[1], components[2]};
+    const Vector3 v = {components[0], components[1], components[2]};
     for (std::size_t i = 0; i < 3; ++i) components[i] = static_cast<float>(dot(axes[i], v));
   }
   if (shape != FieldShape::tensor) return;

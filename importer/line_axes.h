@@ -6,17 +6,14 @@
 // and n2 = t x n1.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <unordered_map>
 
 #include "importer/deck.h"
 #include "importer/result_fields.h"
+#include "importer/vectors.h"
 
 namespace odbs::importer {
-
-// t, n1 and n2, one a row.
-using Axes = std::array<std::array<double, 3>, 3>;
 
 // A point of a cross-section: its place along n1 and n2, from -1 to 1 at the faces of the box
 // around the section.
@@ -41,8 +38,8 @@ class LineAxes {
   // The beam section of an element as an index in the mesh's sections, -1 for one without, or of a
   // profile without corners, or with normals of the user's.
   std::int32_t beamSection(std::int32_t label) const;
-  // The axes of element `at` of a block at `xi`, -1 at its first node to 1 at its last; nothing
-  // known (false) for lines without length and beams along their own n1.
+  // The axes t, n1 and n2 of element `at` of a block at `xi`, -1 at its first node to 1 at its
+  // last; nothing known (false) for lines without length and beams along their own n1.
   bool axesAt(const ElementBlock& block, std::size_t at, double xi, Axes& axes) const;
 
  private:

@@ -273,4 +273,15 @@ void DeckParser::readOrientation(const Keyword& keyword) {
   scope().orientations[orientation.name] = orientation;
 }
 
+// The systems themselves have no place; which nodes have one tells how printed values are meant.
+void DeckParser::readTransform(const Keyword& keyword) {
+  ++deck_.ignoredKeywords[keyword.text];
+  if (!keyword.value("NSET").empty()) scope().transformedSets.push_back(keyword.value("NSET"));
+}
+
+void DeckParser::readNodePrint(const Keyword& keyword) {
+  ++deck_.ignoredKeywords[keyword.text];
+  if (upperCase(keyword.value("GLOBAL")) != "YES") deck_.printsLocally = true;
+}
+
 }  // namespace odbs::importer

@@ -53,11 +53,19 @@ TableWriter::TableWriter(const Deck& deck, const Scope& mesh, odb_Odb& odb,
       odb_(odb),
       instance_(instance),
       frames_(frames),
-      lines_(mesh, hasUserNormals(deck)) {
+      lines_(mesh, hasUserNormals(deck)),
+      systems_(mesh) {
   for (const ElementBlock& block : mesh.elements.blocks) {
     for (const std::int32_t label : block.labels) blockOf_.emplace(label, &block);
   }
   nodes_.insert(mesh.nodes.labels.begin(), mesh.nodes.labels.end());
+  for (const std::string& name : mesh.transformedSets) {
+    const Set* const set = deck.printsLocally ? mesh.nodeSets.find(name) : nullptr;
+    if (set == nullptr) continue;
+    for (const Members& members : set->members) {
+      transformed_.insert(members.labels.begin(), members.labels.end());
+    }
+  }
 }
 
 const ElementBlock* TableWriter::blockOf(std::int32_t label) const {
@@ -225,8 +233,11 @@ void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool i
       region.kind = PointKind::elementSet;
     }
     if (nUnknown > 0) break;
+    const bool local =
+        region.kind == PointKind::node && nColumns == 3 && transformed_.count(region.label) != 0;
     for (std::size_t i = 0; i < nColumns; ++i) {
-      addValue(region, outputName(table, i), moment.x, table.values[row * nColumns + i], imaginary);
+      addValue(region, outputName(table, i) + (local ? " in the system of *TRANSFORM" : ""),
+               moment.x, table.values[row * nColumns + i], imaginary);
     }
   }
   if (nUnknown > 0) ++leftOut_[table.title + " at labels that the deck does not have"];

@@ -14,6 +14,7 @@
 #include "importer/dat_reader.h"
 #include "importer/field_writer.h"
 #include "importer/line_axes.h"
+#include "importer/local_systems.h"
 #include "importer/result_frames.h"
 
 namespace odbs::importer {
@@ -59,11 +60,13 @@ class TableWriter {
   };
   using Outputs = std::map<std::string, Series>;
 
-  // The elements of one type and section category in a table, with the rows of each.
+  // The elements of one type, section category and kind of local system in a table, with the rows
+  // of each.
   struct PointBlock {
     std::vector<std::int32_t> labels;
     std::vector<std::size_t> rows;  // first row of each element
     std::size_t nPoints = 0;        // of each
+    std::vector<Axes> axes;         // of each element; empty: global ones, or not known
   };
 
   void takeModes(const DatTable& table);
@@ -97,8 +100,10 @@ class TableWriter {
   odb_Instance instance_;
   ResultFrames& frames_;
   LineAxes lines_;
+  LocalSystems systems_;
   std::unordered_map<std::int32_t, const ElementBlock*> blockOf_;  // by element label
   std::unordered_set<std::int32_t> nodes_;                         // labels of the deck
+  std::unordered_set<std::int32_t> transformed_;  // nodes that are printed in systems of their own
   std::map<Region, Outputs> histories_;
   std::vector<DatTable> pending_;  // tables of one frequency: real parts, imaginary parts
   Moment pendingMoment_;

@@ -102,11 +102,15 @@ std::vector<float> rowsOf(const DatTable& table, const std::vector<std::size_t>&
 
 }  // namespace
 
-// Elements by type, section category and number of points. Rows of one element stand together and
-// count their points from 1; whatever else an element has been given before is passed over.
+// Elements by type, section category, number of points and whether a local system of theirs is
+// known. Rows of one element stand together and count their points from 1; whatever else an element
+// has been given before is passed over.
 std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& table,
                                                               const std::string& field) {
-  std::map<std::tuple<const ElementBlock*, std::string, std::size_t>, PointBlock> blocks;
+  std::map<std::tuple<const ElementBlock*, std::string, std::size_t, bool>, PointBlock> blocks;
+  const auto noteOf = [&](std::size_t row) {
+    return row < table.notes.size() ? table.notes[row] : std::string();
+  };
   std::unordered_set<std::int32_t>& written = written_[field];
   std::size_t nUnknown = 0;
   for (std::size_t row = 0; row < table.nRows();) {
@@ -121,7 +125,16 @@ std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& ta
       ++nUnknown;
     } else if (written.insert(label).second) {
       const odb_Element element = instance_.getElementFromLabel(label);
-      PointBlock& target = blocks[{block, element.sectionCategory().name().CStr(), n}];
+      const std::string note = noteOf(row);
+      bool one = !note.empty();
+      for (std::size_t i = 1; one && i < n; ++i) one = noteOf(row + i) == note;
+      const auto at = static_cast<std::size_t>(
+          std::lower_bound(block->labels.begin(), block->labels.end(), label) -
+          block->labels.begin());
+      const auto axes = one ? systems_.axesOf(note, *block, at) : std::nullopt;
+      PointBlock& target =
+          blocks[{block, element.sectionCategory().name().CStr(), n, axes.has_value()}];
+      if (axes) target.axes.push_back(*axes);
       target.labels.push_back(label);
       target.rows.push_back(row);
       target.nPoints = n;
@@ -141,6 +154,7 @@ std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& ta
     for (const std::size_t i : order) {
       sorted.labels.push_back(block.labels[i]);
       sorted.rows.push_back(block.rows[i]);
+      if (!block.axes.empty()) sorted.axes.push_back(block.axes[i]);
     }
     result.push_back(std::move(sorted));
   }
@@ -194,6 +208,17 @@ void TableWriter::addPoints(odb_Frame& frame, const PointField& field, const std
   added.data = rows.data();
   added.conjugate = conjugate.empty() ? nullptr : conjugate.data();
   added.sectionPoint = point;
+  std::vector<float> quaternions;
+  if (!block.axes.empty() && field.shape != FieldShape::scalar) {
+    const std::size_t each = static_cast<std::size_t>(added.nRows) / block.labels.size();
+    for (const Axes& axes : block.axes) {
+      const std::array<float, 4> quaternion = quaternionOf(axes);
+      for (std::size_t i = 0; i < each; ++i) {
+        quaternions.insert(quaternions.end(), quaternion.begin(), quaternion.end());
+      }
+    }
+    added.quaternions = quaternions.data();
+  }
   odb_embedded::addData(fieldOf(frame, name, std::string(field.description), field.shape), added);
 }
 

@@ -22,7 +22,7 @@ import tempfile
 sys.dont_write_bytecode = True  # the sources stay as they are
 
 from compare_readers import DAT_HEADING, FrdFile, real  # noqa: E402
-from expanded_mesh import DeckMesh, ExpandedMesh, minus, turned  # noqa: E402
+from expanded_mesh import DeckMesh, ExpandedMesh, minus, same_system, shell_axes, turned  # noqa: E402
 
 TENSOR = (0, 1, 2, 3, 5, 4)  # xx yy zz xy yz zx, as 11 22 33 12 13 23
 VECTOR = (0, 1, 2)
@@ -96,17 +96,18 @@ def printed_values(words):
 
 
 def printed_points(path):
-    """(field, element, values of each point) of the tables at integration points."""
-    last, rows = None, []
+    """(field, element, values of each point, last word) of the tables at integration points."""
+    last, rows, note = None, [], ""
     for name, time, words in printed_rows(
             path, lambda h: h and POINTS.get(h[1].split(" (")[0])):
         if (name, time, words[0]) != last or words[1] == "1":
             if rows:
-                yield last[0], int(last[2]), rows
+                yield last[0], int(last[2]), rows, note
             last, rows = (name, time, words[0]), []
         rows.append(printed_values(words[2:8]))
+        note = words[-1]
     if rows:
-        yield last[0], int(last[2]), rows
+        yield last[0], int(last[2]), rows, note
 
 
 def printed_displacements(path):
@@ -271,16 +272,18 @@ class Comparison:
 
     def points(self, path, steps):
         """Values at integration points, wherever a frame of that value has them."""
-        found = collections.defaultdict(list)
+        found, systems = collections.defaultdict(list), {}
         for frames, _ in steps:
             for _, _, _, fields in frames:
                 for name, blocks in fields.items():
                     for place, _, point, _, rows in blocks:
                         if place == INTEGRATION_POINT:
                             for words in rows:
-                                found[name, int(words[0]), point, int(words[2])].append(
-                                    [float(w) for w in words[3:]])
-        for name, element, rows in printed_points(path):
+                                bar = words.index("@") if "@" in words else len(words)
+                                key = name, int(words[0]), point, int(words[2])
+                                found[key].append([float(w) for w in words[3:bar]])
+                                systems[key] = [float(w) for w in words[bar + 1:]]
+        for name, element, rows, note in printed_points(path):
             if element not in self.mesh.elements:
                 continue
             for point, at, values, scale in self.expected_points(element, rows):
@@ -293,6 +296,11 @@ class Comparison:
                 if not any(near(h, values, scale) for h in halves):
                     self.problems.append("%s of element %d point %d, section point %d: %s is not in"
                                          " the database" % (name, element, at, point, values))
+                if note.startswith("_shell_") and len(values) > 1:
+                    self.n["local systems"] += 1
+                    if not same_system(systems.get((name, element, point, at)),
+                                       shell_axes(self.mesh, element)):
+                        self.problems.append("%s of element %d: local system" % (name, element))
 
     def expected_points(self, label, rows):
         """(section point, integration point, values, scale) of the table's rows of an element."""

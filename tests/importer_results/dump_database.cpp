@@ -27,11 +27,16 @@ void printBlock(const odb_FieldBulkData& block, bool isComplex) {
   const int* const points = block.integrationPoints();
   const float* const data = block.data();
   const float* const conjugate = isComplex ? block.conjugateData() : nullptr;
+  const float* const systems = block.orientationWidth() > 0 ? block.localCoordSystem() : nullptr;
   for (int i = 0; i < n; ++i) {
     std::printf("%d %d %d", elements ? elements[i] : -1, nodes ? nodes[i] : -1,
                 points ? points[i] : -1);
     printNumbers(data + i * width, width);
     if (conjugate) printNumbers(conjugate + i * width, width);
+    if (systems) {
+      std::printf(" @");
+      printNumbers(systems + 4 * i, 4);
+    }
     std::printf("\n");
   }
 }

@@ -62,6 +62,37 @@ def turned(values, axes):
     return [dot(axes[i], rows[j]) for i, j in ((0, 0), (1, 1), (2, 2), (0, 1), (0, 2), (1, 2))]
 
 
+def shell_axes(deck, label):
+    """The system in which the solver prints stresses of a shell: global x projected on its middle."""
+    x = [deck.nodes[n] for n in deck.elements[label].nodes]
+    if len(x) == 8:
+        u, v = minus(x[5], x[7]), minus(x[6], x[4])
+    elif len(x) == 4:
+        u, v = minus(middle(x[1], x[2]), middle(x[0], x[3])), minus(middle(x[2], x[3]), middle(*x[:2]))
+    else:
+        u, v = minus(x[1], x[0]), minus(x[2], x[0])
+        if len(x) == 6:
+            u = [a + 4 * b for a, b in zip(u, minus(x[4], x[5]))]
+            v = [a + 4 * b for a, b in zip(v, minus(x[4], x[3]))]
+    normal = cross(u, v)
+    normal = [a / size(normal) for a in normal]
+    axis = [0, 0, 1] if abs(normal[0]) > 0.99999848 else [1, 0, 0]  # cosine of 0.1 degrees
+    second = cross(normal, axis)
+    second = [a / size(second) for a in second]
+    return [cross(second, normal), second, normal]
+
+
+def same_system(quaternion, axes):
+    """True when the rotation matrix of the quaternion has the axes as rows."""
+    if not quaternion:
+        return False
+    x, y, z, w = quaternion
+    rows = ((1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w)),
+            (2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w)),
+            (2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y)))
+    return all(abs(a - b) < 1e-5 for r, s in zip(rows, axes) for a, b in zip(r, s))
+
+
 Element = collections.namedtuple("Element", "kind nodes category")
 
 

@@ -257,6 +257,29 @@ TEST_F(ResultWriter, FindsStepsOfPrintedTablesByTimeAndHeading) {
   EXPECT_FLOAT_EQ(step(1).frames()[1].frequency(), 9);
 }
 
+TEST_F(ResultWriter, KeepsLocalSystemsWithTheirValues) {
+  const std::string systems =
+      "*ORIENTATION,NAME=OR1\n0.,1.,0.,-1.,0.,0.\n*NSET,NSET=LOW\n1,2,3,4\n*TRANSFORM,NSET=LOW\n"
+      "0.,1.,0.,-1.,0.,0.\n*STEP\n*STATIC\n1.,1.\n*NODE PRINT,NSET=LOW\nU\n*END STEP\n";
+  const std::string dat =
+      " displacements (vx,vy,vz) for set N and time  0.1000000E+01\n\n  1  1. 2. 3.\n  5  1. 2. "
+      "3.\n"
+      "\n stresses (elem, integ.pnt.,sxx,syy,szz,sxy,sxz,syz) for set E and time  0.1000000E+01\n\n"
+      "  1  1  1. 2. 3. 4. 5. 6. OR1\n";
+  const std::string mesh = kDeck.substr(0, kDeck.find("*STEP"));
+  open({files_.write("bar.inp", mesh + systems), "--data", files_.write("bar.dat", dat)});
+  const odb_FieldBulkData s = block(field(0, 0, "S"), odb_Enum::INTEGRATION_POINT);
+  expectNear(valuesAt(s, 1, -1, 1, false), {1, 2, 3, 4, 5, 6});
+  ASSERT_EQ(s.orientationWidth(), 4);
+  // Axes y, -x, z: 90 degrees about z, as rows of the matrix backwards.
+  const float half = std::sqrt(0.5f);
+  expectNear(Floats(s.localCoordSystem(), s.localCoordSystem() + 4), {0, 0, -half, half});
+  const std::string local = history(0, "Node PART-1-1.1", "U1").description().CStr();
+  EXPECT_EQ(local, "Spatial displacement in the system of *TRANSFORM");
+  const std::string global = history(0, "Node PART-1-1.5", "U1").description().CStr();
+  EXPECT_EQ(global, "Spatial displacement");
+}
+
 TEST_F(ResultWriter, LeavesOutWhatTheDeckDoesNotHaveAndSaysSo) {
   std::string nodes = blockHead("2", 9, 1), values;
   for (int i = 1; i <= 9; ++i) {

@@ -36,6 +36,7 @@ constexpr HistoryName kHistoryNames[] = {
     {kDatBuckling, "EIGVAL", "Buckling factor"},
     {kDatParticipation, "PF", "Participation factor"},
     {kDatEffectiveMass, "EM", "Effective mass"},
+    {kDatTotalEffectiveMass, "EMTOTAL", "Effective mass of all modes"},
 };
 
 const HistoryName* historyName(std::string_view quantity) {
@@ -80,7 +81,9 @@ void TableWriter::add(DatTable& table) {
     frames_.enterModes(table.quantity == kDatBuckling);
     return takeModes(table);
   }
-  if (table.rows == DatRows::modes && !table.hasTime) return takeModes(table);
+  if (table.quantity == kDatTurning) return takeTurning(table);
+  const bool ofModes = table.rows == DatRows::modes || table.rows == DatRows::modeTotals;
+  if (ofModes && !table.hasTime) return takeModes(table);
   if (table.quantity == kDatHarmonic) {
     flush();
     return frames_.enterHarmonic();
@@ -144,7 +147,9 @@ void TableWriter::takeModes(const DatTable& table) {
   std::size_t frequency = 0;
   while (frequency < nColumns && table.columns[frequency] != "FREQUENCY") ++frequency;
   for (std::size_t row = 0; row < table.nRows(); ++row) {
-    const std::int32_t mode = table.keys[(row + 1) * nKeys - 1];
+    // Totals of all modes stand at the last one.
+    if (nKeys > 0) lastMode_ = table.keys[(row + 1) * nKeys - 1];
+    const std::int32_t mode = lastMode_;
     Region region{step, PointKind::assembly, 0, {}};
     if (nKeys == 2) region.name = "nodal diameter " + std::to_string(table.keys[row * nKeys]);
     for (std::size_t i = 0; i < nColumns; ++i) {
@@ -156,6 +161,23 @@ void TableWriter::takeModes(const DatTable& table) {
       frames_.addMode(mode, table.values[row * nColumns + frequency],
                       nKeys == 2 ? table.keys[row * nKeys] : -1);
     }
+  }
+}
+
+// Whether modes run with the axis or against it, where they have nodal diameters.
+void TableWriter::takeTurning(const DatTable& table) {
+  const int step = frames_.current();
+  if (step >= frames_.nSteps() || frames_.domain(step) != Domain::modal) {
+    ++leftOut_[table.title];
+    return;
+  }
+  for (std::size_t row = 0; row < table.nRows() && row < table.notes.size(); ++row) {
+    const std::string& direction = table.notes[row];
+    if (direction != "F" && direction != "B") continue;
+    const Region region{step, PointKind::assembly, 0,
+                        "nodal diameter " + std::to_string(table.keys[2 * row])};
+    addValue(region, "TURN\nTurning direction (1 forward, -1 backward)", table.keys[2 * row + 1],
+             direction == "F" ? 1 : -1, false);
   }
 }
 
@@ -192,6 +214,10 @@ void TableWriter::place(const Moment& moment, DatTable& real, const DatTable* im
       addHistory(moment, real, false);
       if (imaginary != nullptr) addHistory(moment, *imaginary, true);
       return;
+    case DatRows::faces:
+      addFaces(moment, real, false);
+      if (imaginary != nullptr) addFaces(moment, *imaginary, true);
+      return;
     default:
       ++leftOut_[real.title];
   }
@@ -207,12 +233,40 @@ std::string TableWriter::outputName(const DatTable& table, std::size_t column) c
             : component == "FREQUENCY" ? "FREQ"
             : component == "OMEGA"     ? "OMEGA"
                                        : "IMAG";
-  } else if (table.quantity == kDatParticipation || table.quantity == kDatEffectiveMass) {
+  } else if (table.quantity == kDatParticipation || table.quantity == kDatEffectiveMass ||
+             table.quantity == kDatTotalEffectiveMass) {
     name += std::to_string(column + 1);
   } else if (table.quantity != kDatBuckling) {
     name += component;
   }
   return name + "\n" + (known != nullptr ? std::string(known->description) : table.title);
+}
+
+// Contact at the faces of elements. The solver prints the points of a face that are in contact,
+// more or fewer at other times: the face gets their mean, of energies their sum.
+void TableWriter::addFaces(const Moment& moment, const DatTable& table, bool imaginary) {
+  const std::size_t nColumns = table.columns.size();
+  bool unknown = false;
+  for (std::size_t row = 0, next = 0; row < table.nRows(); row = next) {
+    std::vector<double> sums(nColumns);
+    const std::int32_t element = table.keys[2 * row], face = table.keys[2 * row + 1];
+    for (next = row; next < table.nRows() && table.keys[2 * next] == element &&
+                     table.keys[2 * next + 1] == face;
+         ++next) {
+      for (std::size_t i = 0; i < nColumns; ++i) sums[i] += table.values[next * nColumns + i];
+    }
+    if (blockOf(element) == nullptr) {
+      unknown = true;
+      continue;
+    }
+    const bool adds = table.quantity == "CELS";
+    const Region region{moment.step, PointKind::face, element, std::to_string(face)};
+    for (std::size_t i = 0; i < nColumns; ++i) {
+      addValue(region, outputName(table, i) + (adds ? "" : ", mean over the face"), moment.x,
+               adds ? sums[i] : sums[i] / static_cast<double>(next - row), imaginary);
+    }
+  }
+  if (unknown) ++leftOut_[table.title + " at labels that the deck does not have"];
 }
 
 void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool imaginary) {
@@ -261,6 +315,9 @@ odb_HistoryPoint TableWriter::pointOf(const Region& region, std::string& name) {
       return odb_HistoryPoint(instance_.getNodeFromLabel(region.label));
     case PointKind::element:
       name = "Element " + owner + "." + std::to_string(region.label);
+      return odb_HistoryPoint(instance_.getElementFromLabel(region.label));
+    case PointKind::face:
+      name = "Element " + owner + "." + std::to_string(region.label) + " face " + region.name;
       return odb_HistoryPoint(instance_.getElementFromLabel(region.label));
     case PointKind::nodeSet:
       name = "NodeSet " + owner + "." + region.name;

@@ -43,12 +43,12 @@ class TableWriter {
  private:
   using Moment = ResultFrames::Moment;
 
-  enum class PointKind { node, element, nodeSet, elementSet, assembly };
+  enum class PointKind { node, element, face, nodeSet, elementSet, assembly };
   struct Region {
     int step = 0;
     PointKind kind = PointKind::assembly;
     std::int32_t label = 0;
-    std::string name;  // of a set; of what the assembly's region is about
+    std::string name;  // of a set; number of a face; of what the assembly's region is about
     bool operator<(const Region& other) const {
       return std::tie(step, kind, label, name) <
              std::tie(other.step, other.kind, other.label, other.name);
@@ -70,6 +70,7 @@ class TableWriter {
   };
 
   void takeModes(const DatTable& table);
+  void takeTurning(const DatTable& table);
   Moment momentOf(const DatTable& table);
   void flush();
   void place(const Moment& moment, DatTable& real, const DatTable* imaginary);
@@ -88,6 +89,7 @@ class TableWriter {
   std::vector<float> lineRows(const DatTable& table, const PointBlock& block,
                               const PointField& field, const std::vector<std::size_t>& sources,
                               int corner, const std::vector<Axes>& axes) const;
+  void addFaces(const Moment& moment, const DatTable& table, bool imaginary);
   void addHistory(const Moment& moment, const DatTable& table, bool imaginary);
   void addValue(const Region& region, const std::string& output, double x, double value,
                 bool imaginary);
@@ -105,6 +107,7 @@ class TableWriter {
   std::unordered_set<std::int32_t> nodes_;                         // labels of the deck
   std::unordered_set<std::int32_t> transformed_;  // nodes that are printed in systems of their own
   std::map<Region, Outputs> histories_;
+  std::int32_t lastMode_ = 0;      // of the tables of modes
   std::vector<DatTable> pending_;  // tables of one frequency: real parts, imaginary parts
   Moment pendingMoment_;
   // What the current frame or mode already has: elements by field, tables by kind and set.

@@ -280,6 +280,38 @@ TEST_F(ResultWriter, KeepsLocalSystemsWithTheirValues) {
   EXPECT_EQ(global, "Spatial displacement");
 }
 
+TEST_F(ResultWriter, GivesFacesTurningsAndTotalsHistories) {
+  const std::string dat =
+      " contact stress (slave element+face,press,tang1,tang2) for all contact elements and time "
+      "0.1000000E+01\n\n  1  2  4. 0. 0.\n  1  2  6. 0. 0.\n  1  3  1. 0. 0.\n\n"
+      " contact print energy (slave element+face,energy)for all contact elements and time "
+      "0.1000000E+01\n\n  1  2  4.\n  1  2  6.\n\n"
+      "     E I G E N V A L U E   O U T P U T\n\n NODAL   MODE NO\n DIAMETER\n\n"
+      "  3  1  0.1E+03  0.1E+02  0.7E+01  0.0E+00\n  3  2  0.2E+03  0.2E+02  0.9E+01  0.0E+00\n\n"
+      "     E I G E N M O D E   T U R N I N G   D I R E C T I O N\n\n"
+      "  NODAL   MODE NO\n DIAMETER\n\n    3          1          B\n    3          2          F\n\n"
+      "     T O T A L   E F F E C T I V E   M A S S\n\nMODE NO.   X-COMPONENT\n\n"
+      "          0.2E-09   0.2E-09   0.2E-09   0.1E-09   0.9E-11   0.9E-10\n";
+  open({files_.write("bar.inp", kDeck), "--data", files_.write("bar.dat", dat)});
+  EXPECT_EQ(err_.find("left out"), std::string::npos) << err_;
+  const struct {
+    int step;
+    const char *region, *output;
+    Floats last;
+  } cases[] = {
+      {0, "Element PART-1-1.1 face 2", "CPRESS", {1, 5}},
+      {0, "Element PART-1-1.1 face 3", "CPRESS", {1, 1}},
+      {0, "Element PART-1-1.1 face 2", "CELS", {1, 10}},
+      {1, "Assembly ASSEMBLY nodal diameter 3", "TURN", {2, 1}},
+      {1, "Assembly ASSEMBLY", "EMTOTAL5", {2, 0.9e-11f}},
+  };
+  for (const auto& c : cases) {
+    const odb_SequenceSequenceFloat& data = history(c.step, c.region, c.output).data();
+    ASSERT_GT(data.size(), 0) << c.output;
+    EXPECT_EQ(data[data.size() - 1].engineItems(), c.last) << c.output;
+  }
+}
+
 TEST_F(ResultWriter, LeavesOutWhatTheDeckDoesNotHaveAndSaysSo) {
   std::string nodes = blockHead("2", 9, 1), values;
   for (int i = 1; i <= 9; ++i) {

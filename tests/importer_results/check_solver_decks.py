@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
 """Solves the solver's own test decks and compares everything it writes: both readings of each file,
-each deck's database with the script's reading, and what a server sends of the decks with contact.
+each deck's database with the script's reading, what a server sends of the decks with contact, and
+every listing of the result catalogue.
 
     check_solver_decks.py PROGRAM_FOLDER [DECK_FOLDER]
 
-PROGRAM_FOLDER has odb_import, odb_server, odb_client, dump_results and dump_database. DECK_FOLDER is that of the Debian
-package calculix-ccx-test by default; the solver itself is `ccx` (package calculix-ccx). Takes some
-minutes, so that it is no part of the test suite.
+PROGRAM_FOLDER has odb_import, odb_server, odb_client, dump_results and dump_database. DECK_FOLDER
+is that of the Debian package calculix-ccx-test by default; the solver itself is `ccx` (package
+calculix-ccx). Takes some minutes, so that it is no part of the test suite.
 """
 import glob
 import gzip
@@ -64,8 +65,11 @@ def main():
                                     os.path.join(programs, "dump_database")] + decks, check=False)
         server = subprocess.run([sys.executable, os.path.join(here, "compare_server.py"),
                                  programs] + decks, check=False)
+        catalogue = subprocess.run([sys.executable, os.path.join(here, "compare_catalogue.py"),
+                                    programs] + decks, check=False)
     # Decks that go on with another analysis have no mesh and are refused.
-    return 1 if readers.returncode or 1 in (databases.returncode, server.returncode) else 0
+    results = (databases.returncode, server.returncode, catalogue.returncode)
+    return 1 if readers.returncode or 1 in results else 0
 
 
 if __name__ == "__main__":

@@ -69,7 +69,8 @@ FieldWriter::Block FieldWriter::read(const FrdField& field) {
     // Mostly the block lists the nodes in the order of the mesh.
     const std::int32_t label = block.result.labels[row];
     const bool sameOrder = row < index_.nodes.labels.size() && index_.nodes.labels[row] == label;
-    const std::int32_t node = sameOrder ? static_cast<std::int32_t>(row) : mesh_.indexOf(label);
+    const std::int32_t node =
+        sameOrder ? static_cast<std::int32_t>(row) : targets_[0].mesh->indexOf(label);
     if (node >= 0) block.rowOf[static_cast<std::size_t>(node)] = static_cast<std::int32_t>(row);
   }
   return block;
@@ -167,8 +168,12 @@ class FieldWriter::Rows {
 
 bool FieldWriter::writeField(odb_Frame& frame, const TargetField& field, const Block& real,
                              const Block* imaginary) {
-  return field.ofElements ? writeOfElements(frame, field, real, imaginary)
-                          : writeNodal(frame, field, real, imaginary);
+  bool any = false;
+  for (const Target& target : targets_) {
+    any |= field.ofElements ? writeOfElements(target, frame, field, real, imaginary)
+                            : writeNodal(target, frame, field, real, imaginary);
+  }
+  return any;
 }
 
 bool FieldWriter::has(const NodeSources& sources, std::size_t target, std::size_t n,
@@ -224,24 +229,24 @@ bool FieldWriter::writeRows(Rows& rows, const TargetField& field, const NodeSour
   return rows.finish();
 }
 
-bool FieldWriter::writeNodal(odb_Frame& frame, const TargetField& field, const Block& real,
-                             const Block* imaginary) {
-  const NodeSources& sources = field.addsUp ? mesh_.sums() : mesh_.means();
-  Rows rows(frame, field, instance_, odb_Enum::NODAL, imaginary != nullptr);
+bool FieldWriter::writeNodal(const Target& target, odb_Frame& frame, const TargetField& field,
+                             const Block& real, const Block* imaginary) {
+  const NodeSources& sources = field.addsUp ? target.mesh->sums() : target.mesh->means();
+  Rows rows(frame, field, target.instance, odb_Enum::NODAL, imaginary != nullptr);
   const auto asTheyAre = [](std::vector<float>&, std::size_t) {};
-  return writeRows(rows, field, sources, mesh_.nodeLabels(), 1, real, imaginary, asTheyAre);
+  return writeRows(rows, field, sources, target.mesh->nodeLabels(), 1, real, imaginary, asTheyAre);
 }
 
-bool FieldWriter::writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
-                                  const Block* imaginary) {
+bool FieldWriter::writeOfElements(const Target& target, odb_Frame& frame, const TargetField& field,
+                                  const Block& real, const Block* imaginary) {
   bool any = false;
-  for (const ElementTargets& targets : mesh_.elements()) {
-    Rows rows(frame, field, instance_, odb_Enum::ELEMENT_NODAL, imaginary != nullptr);
+  for (const ElementTargets& targets : target.mesh->elements()) {
+    Rows rows(frame, field, target.instance, odb_Enum::ELEMENT_NODAL, imaginary != nullptr);
     if (targets.side == Side::corner) {
-      const odb_Element element = instance_.getElementFromLabel(targets.labels[0]);
+      const odb_Element element = target.instance.getElementFromLabel(targets.labels[0]);
       rows.sectionPoint = cornerPoint(element.sectionCategory(), targets.layer);
     } else if (targets.side != Side::whole) {
-      const odb_Element element = instance_.getElementFromLabel(targets.labels[0]);
+      const odb_Element element = target.instance.getElementFromLabel(targets.labels[0]);
       const LayerPoints points = layerPoints(element.sectionCategory(), targets.layer);
       rows.sectionPoint = targets.side == Side::bottom ? points.bottom : points.top;
     }

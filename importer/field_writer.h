@@ -37,9 +37,14 @@ odb_SectionPoint cornerPoint(const odb_SectionCategory& category, int corner);
 
 class FieldWriter {
  public:
-  FieldWriter(FrdReader& reader, const FrdIndex& index, const ResultMesh& mesh,
-              const odb_Instance& instance)
-      : reader_(reader), index_(index), mesh_(mesh), instance_(instance) {}
+  // An instance and what the result file has of its mesh.
+  struct Target {
+    const ResultMesh* mesh;
+    odb_Instance instance;
+  };
+  // Everything must outlive this; there is one target at least.
+  FieldWriter(FrdReader& reader, const FrdIndex& index, std::vector<Target> targets)
+      : reader_(reader), index_(index), targets_(std::move(targets)) {}
 
   // Writes all fields of `frame` to `target`. Returns their number.
   std::size_t write(const FrdFrame& frame, odb_Frame& target);
@@ -56,10 +61,10 @@ class FieldWriter {
   Block read(const FrdField& field);
   bool writeField(odb_Frame& frame, const TargetField& field, const Block& real,
                   const Block* imaginary);
-  bool writeNodal(odb_Frame& frame, const TargetField& field, const Block& real,
-                  const Block* imaginary);
-  bool writeOfElements(odb_Frame& frame, const TargetField& field, const Block& real,
-                       const Block* imaginary);
+  bool writeNodal(const Target& target, odb_Frame& frame, const TargetField& field,
+                  const Block& real, const Block* imaginary);
+  bool writeOfElements(const Target& target, odb_Frame& frame, const TargetField& field,
+                       const Block& real, const Block* imaginary);
   class Rows;
   // Writes those of `labels` whose `nEach` targets all have values. finish(values, row) has the
   // last say on what was appended for a target.
@@ -76,8 +81,7 @@ class FieldWriter {
 
   FrdReader& reader_;
   const FrdIndex& index_;
-  const ResultMesh& mesh_;
-  odb_Instance instance_;
+  std::vector<Target> targets_;
   std::map<std::string, std::size_t> leftOut_;
 };
 

@@ -93,6 +93,15 @@ int nLayers(const Section& section) {
   return static_cast<int>(section.layers.size()) * (section.symmetric ? 2 : 1);
 }
 
+void include(const Scope& mesh, MatchOptions& options) {
+  for (const ElementBlock& block : mesh.elements.blocks) {
+    options.axisymmetric = options.axisymmetric || isAxisymmetric(block);
+    if (!block.labels.empty()) {
+      options.lastElement = std::max(options.lastElement, block.labels.back());
+    }
+  }
+}
+
 LabelIndex::LabelIndex(const std::vector<std::int32_t>& labels) : labels_(&labels) {
   if (std::is_sorted(labels.begin(), labels.end())) return;
   order_.resize(labels.size());
@@ -116,13 +125,14 @@ std::int32_t LabelIndex::find(std::int32_t label) const {
   return is ? *found : -1;
 }
 
-ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index, bool userNormals)
+ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index, const MatchOptions& options)
     : mesh_(mesh),
       index_(index),
+      options_(options),
       frdNodes_(index.nodes.labels),
       frdElements_(index.elements.labels),
       deckNodes_(mesh.nodes.labels),
-      lines_(mesh, userNormals) {
+      lines_(mesh, options.userNormals) {
   const FrdElements& elements = index.elements;
   std::uint32_t at = 0;
   firstNode_.reserve(elements.labels.size());
@@ -131,9 +141,6 @@ ResultMesh::ResultMesh(const Scope& mesh, const FrdIndex& index, bool userNormal
     at += static_cast<std::uint32_t>(frdNodesPerElement(elements.types[i]));
   }
   used_.resize(elements.labels.size());
-  for (const ElementBlock& block : mesh.elements.blocks) {
-    hasAxisymmetric_ = hasAxisymmetric_ || isAxisymmetric(block);
-  }
   matchEqualNodes();
   findLayers();
   for (const ElementBlock& block : mesh.elements.blocks) matchElements(block);
@@ -160,7 +167,11 @@ void ResultMesh::matchEqualNodes() {
   equalNode_.assign(mesh_.nodes.size(), -1);
   for (std::size_t i = 0; i < mesh_.nodes.size(); ++i) {
     const std::int32_t node = indexOf(mesh_.nodes.labels[i]);
-    if (node >= 0 && isSamePlace(i, node)) equalNode_[i] = node;
+    if (node < 0) continue;
+    ++nLabels_;
+    if (!isSamePlace(i, node)) continue;
+    ++nInPlace_;
+    equalNode_[i] = node;
   }
 }
 
@@ -181,10 +192,7 @@ void ResultMesh::findLayers() {
       }
     }
   }
-  std::int32_t next = 0;
-  for (const ElementBlock& block : mesh_.elements.blocks) {
-    if (!block.labels.empty()) next = std::max(next, block.labels.back());
-  }
+  std::int32_t next = options_.lastElement;
   std::sort(composite.begin(), composite.end());
   composite.erase(std::unique(composite.begin(), composite.end()), composite.end());
   for (const std::int32_t label : composite) {
@@ -395,7 +403,7 @@ void ResultMesh::takeExpanded(const ElementBlock& block, std::size_t at, const S
   const Expansion* const expansion = expansionOf(nDeckNodes, frdType);
   if (expansion == nullptr) return;
   const bool layered = firstLayer_.count(block.labels[at]) != 0;
-  const float factor = hasAxisymmetric_ && family == Family::planar ? kWedges : 1;
+  const float factor = options_.axisymmetric && family == Family::planar ? kWedges : 1;
   for (int i = 0; i < nDeckNodes; ++i) {
     standFor(block.nodes[first + static_cast<std::size_t>(i)], solids, *expansion, i, layered,
              factor);

@@ -65,11 +65,21 @@ struct ElementTargets {
   std::vector<Axes> axes;            // of each row, in trusses and beams; else the global ones
 };
 
+// What a mesh must know of the deck around it.
+struct MatchOptions {
+  bool userNormals = false;   // the deck gives normals (see LineAxes)
+  bool axisymmetric = false;  // some element of the deck is axisymmetric
+  // The largest element label of the deck: the solver counts on from there.
+  std::int32_t lastElement = 0;
+};
+// Adds a mesh to them.
+void include(const Scope& mesh, MatchOptions& options);
+
 class ResultMesh {
  public:
   // Matches what `index` holds with a mesh of the deck; both must outlive this. Of `index`, only
-  // nodes.labels are needed later. `userNormals`: the deck gives normals (see LineAxes).
-  ResultMesh(const Scope& mesh, const FrdIndex& index, bool userNormals = false);
+  // nodes.labels are needed later.
+  ResultMesh(const Scope& mesh, const FrdIndex& index, const MatchOptions& options);
 
   // The deck's nodes that have values, ascending, each with the nodes whose weighted mean is its
   // value, and those that make it up where values add up (forces): none for nodes of composite
@@ -84,6 +94,9 @@ class ResultMesh {
 
   // Index in FrdIndex::nodes of a node of the result file, or -1.
   std::int32_t indexOf(std::int32_t frdLabel) const { return frdNodes_.find(frdLabel); }
+
+  // Of the labels that both have, whether most are at one place.
+  bool isInPlace() const { return 2 * nInPlace_ >= nLabels_; }
 
   // Nodes and elements of the result file that nothing of the deck takes, and elements of the deck
   // whose nodes take values but which take none of their own (some beams).
@@ -127,6 +140,7 @@ class ResultMesh {
 
   const Scope& mesh_;
   const FrdIndex& index_;
+  MatchOptions options_;
   LabelIndex frdNodes_, frdElements_, deckNodes_;
   LineAxes lines_;
   std::vector<std::uint32_t> firstNode_;  // of each element of the result file
@@ -140,7 +154,7 @@ class ResultMesh {
   std::vector<std::int32_t> nodeLabels_;
   NodeSources means_, sums_;
   bool sumsDiffer_ = false;
-  bool hasAxisymmetric_ = false;  // the deck has axisymmetric elements
+  std::size_t nLabels_ = 0, nInPlace_ = 0;  // of nodes in both
   std::vector<ElementTargets> elements_;
   std::size_t nUnusedNodes_ = 0, nUnusedElements_ = 0, nElementsWithout_ = 0;
 };

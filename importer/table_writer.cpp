@@ -48,30 +48,34 @@ const HistoryName* historyName(std::string_view quantity) {
 
 }  // namespace
 
-TableWriter::TableWriter(const Deck& deck, const Scope& mesh, odb_Odb& odb,
-                         const odb_Instance& instance, ResultFrames& frames)
-    : deck_(deck),
-      odb_(odb),
-      instance_(instance),
-      frames_(frames),
-      lines_(mesh, hasUserNormals(deck)),
-      systems_(mesh) {
-  for (const ElementBlock& block : mesh.elements.blocks) {
-    for (const std::int32_t label : block.labels) blockOf_.emplace(label, &block);
-  }
-  nodes_.insert(mesh.nodes.labels.begin(), mesh.nodes.labels.end());
-  for (const std::string& name : mesh.transformedSets) {
-    const Set* const set = deck.printsLocally ? mesh.nodeSets.find(name) : nullptr;
-    if (set == nullptr) continue;
-    for (const Members& members : set->members) {
-      transformed_.insert(members.labels.begin(), members.labels.end());
+TableWriter::TableWriter(const Deck& deck, odb_Odb& odb, const std::vector<Target>& targets,
+                         ResultFrames& frames)
+    : deck_(deck), odb_(odb), frames_(frames) {
+  for (const Target& target : targets) {
+    const Part& part = parts_.emplace_back(target, hasUserNormals(deck));
+    for (const ElementBlock& block : target.mesh->elements.blocks) {
+      for (const std::int32_t label : block.labels) placeOf_.emplace(label, Place{&block, &part});
+    }
+    for (const std::string& name : target.mesh->transformedSets) {
+      const Set* const set = deck.printsLocally ? target.mesh->nodeSets.find(name) : nullptr;
+      if (set == nullptr) continue;
+      for (const Members& members : set->members) {
+        transformed_.insert(members.labels.begin(), members.labels.end());
+      }
     }
   }
 }
 
-const ElementBlock* TableWriter::blockOf(std::int32_t label) const {
-  const auto found = blockOf_.find(label);
-  return found == blockOf_.end() ? nullptr : found->second;
+TableWriter::Place TableWriter::placeOf(std::int32_t element) const {
+  const auto found = placeOf_.find(element);
+  return found == placeOf_.end() ? Place{} : found->second;
+}
+
+const TableWriter::Part* TableWriter::partOfNode(std::int32_t label) const {
+  for (const Part& part : parts_) {
+    if (part.nodes.count(label) != 0) return &part;
+  }
+  return nullptr;
 }
 
 void TableWriter::add(DatTable& table) {
@@ -255,7 +259,7 @@ void TableWriter::addFaces(const Moment& moment, const DatTable& table, bool ima
          ++next) {
       for (std::size_t i = 0; i < nColumns; ++i) sums[i] += table.values[next * nColumns + i];
     }
-    if (blockOf(element) == nullptr) {
+    if (placeOf(element).block == nullptr) {
       unknown = true;
       continue;
     }
@@ -269,6 +273,22 @@ void TableWriter::addFaces(const Moment& moment, const DatTable& table, bool ima
   if (unknown) ++leftOut_[table.title + " at labels that the deck does not have"];
 }
 
+// Totals belong to a set of the table's name that one instance alone has.
+void TableWriter::takeSet(const DatTable& table, Region& region) const {
+  const bool ofNodes = table.quantity == "RF" || table.quantity == "RFL";
+  int nFound = 0;
+  for (std::size_t i = 0; i < parts_.size(); ++i) {
+    const odb_Instance& instance = parts_[i].instance;
+    const bool nodes = ofNodes && instance.nodeSets().isMember(table.set.c_str());
+    if (!nodes && !instance.elementSets().isMember(table.set.c_str())) continue;
+    region.kind = nodes ? PointKind::nodeSet : PointKind::elementSet;
+    region.label = static_cast<std::int32_t>(i);
+    ++nFound;
+  }
+  if (nFound > 1) region.kind = PointKind::assembly;
+  if (region.kind == PointKind::assembly) region.label = 0;
+}
+
 void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool imaginary) {
   const std::size_t nColumns = table.columns.size();
   Region region{moment.step, PointKind::assembly, 0, table.set};
@@ -276,15 +296,12 @@ void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool i
   for (std::size_t row = 0; row < table.nRows(); ++row) {
     if (table.rows == DatRows::nodes) {
       region = {moment.step, PointKind::node, table.keys[row], {}};
-      if (nodes_.count(region.label) == 0) ++nUnknown;
+      if (partOfNode(region.label) == nullptr) ++nUnknown;
     } else if (table.rows == DatRows::elements) {
       region = {moment.step, PointKind::element, table.keys[row], {}};
-      if (blockOf(region.label) == nullptr) ++nUnknown;
-    } else if (instance_.nodeSets().isMember(table.set.c_str()) &&
-               (table.quantity == "RF" || table.quantity == "RFL")) {
-      region.kind = PointKind::nodeSet;
-    } else if (instance_.elementSets().isMember(table.set.c_str())) {
-      region.kind = PointKind::elementSet;
+      if (placeOf(region.label).block == nullptr) ++nUnknown;
+    } else {
+      takeSet(table, region);
     }
     if (nUnknown > 0) break;
     const bool local =
@@ -308,23 +325,31 @@ void TableWriter::addValue(const Region& region, const std::string& output, doub
 }
 
 odb_HistoryPoint TableWriter::pointOf(const Region& region, std::string& name) {
-  const std::string owner = instance_.name().CStr();
+  const std::string label = std::to_string(region.label);
+  const auto named = [&](const char* kind, const Part& part, const std::string& what) {
+    name = std::string(kind) + " " + part.instance.name().CStr() + "." + what;
+  };
   switch (region.kind) {
-    case PointKind::node:
-      name = "Node " + owner + "." + std::to_string(region.label);
-      return odb_HistoryPoint(instance_.getNodeFromLabel(region.label));
+    case PointKind::node: {
+      const Part& part = *partOfNode(region.label);
+      named("Node", part, label);
+      return odb_HistoryPoint(part.instance.getNodeFromLabel(region.label));
+    }
     case PointKind::element:
-      name = "Element " + owner + "." + std::to_string(region.label);
-      return odb_HistoryPoint(instance_.getElementFromLabel(region.label));
-    case PointKind::face:
-      name = "Element " + owner + "." + std::to_string(region.label) + " face " + region.name;
-      return odb_HistoryPoint(instance_.getElementFromLabel(region.label));
+    case PointKind::face: {
+      const Part& part = *placeOf(region.label).part;
+      named("Element", part, label);
+      if (region.kind == PointKind::face) name += " face " + region.name;
+      return odb_HistoryPoint(part.instance.getElementFromLabel(region.label));
+    }
     case PointKind::nodeSet:
-      name = "NodeSet " + owner + "." + region.name;
-      return odb_HistoryPoint(instance_.nodeSets()[region.name.c_str()]);
-    case PointKind::elementSet:
-      name = "ElementSet " + owner + "." + region.name;
-      return odb_HistoryPoint(instance_.elementSets()[region.name.c_str()]);
+    case PointKind::elementSet: {
+      const Part& part = parts_[static_cast<std::size_t>(region.label)];
+      const bool ofNodes = region.kind == PointKind::nodeSet;
+      named(ofNodes ? "NodeSet" : "ElementSet", part, region.name);
+      return odb_HistoryPoint(ofNodes ? part.instance.nodeSets()[region.name.c_str()]
+                                      : part.instance.elementSets()[region.name.c_str()]);
+    }
     default:
       name = "Assembly " + deck_.assemblyName + (region.name.empty() ? "" : " " + region.name);
       return odb_HistoryPoint(odb_.rootAssembly());

@@ -4,6 +4,7 @@
 
 #include <odb_API.h>
 
+#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -27,7 +28,13 @@ class TableWriter {
     FieldShape shape;
   };
 
-  TableWriter(const Deck& deck, const Scope& mesh, odb_Odb& odb, const odb_Instance& instance,
+  // An instance and its mesh in the deck.
+  struct Target {
+    const Scope* mesh;
+    odb_Instance instance;
+  };
+  // Everything must outlive this. No label is in two targets.
+  TableWriter(const Deck& deck, odb_Odb& odb, const std::vector<Target>& targets,
               ResultFrames& frames);
 
   // Takes the tables in the file's order.
@@ -47,8 +54,8 @@ class TableWriter {
   struct Region {
     int step = 0;
     PointKind kind = PointKind::assembly;
-    std::int32_t label = 0;
-    std::string name;  // of a set; number of a face; of what the assembly's region is about
+    std::int32_t label = 0;  // of a set the position of its instance
+    std::string name;        // of a set; number of a face; of what the assembly's region is about
     bool operator<(const Region& other) const {
       return std::tie(step, kind, label, name) <
              std::tie(other.step, other.kind, other.label, other.name);
@@ -89,22 +96,36 @@ class TableWriter {
   std::vector<float> lineRows(const DatTable& table, const PointBlock& block,
                               const PointField& field, const std::vector<std::size_t>& sources,
                               int corner, const std::vector<Axes>& axes) const;
+  void takeSet(const DatTable& table, Region& region) const;
   void addFaces(const Moment& moment, const DatTable& table, bool imaginary);
   void addHistory(const Moment& moment, const DatTable& table, bool imaginary);
   void addValue(const Region& region, const std::string& output, double x, double value,
                 bool imaginary);
   std::string outputName(const DatTable& table, std::size_t column) const;
   odb_HistoryPoint pointOf(const Region& region, std::string& name);
-  const ElementBlock* blockOf(std::int32_t label) const;
+  struct Part {
+    explicit Part(const Target& target, bool userNormals)
+        : instance(target.instance),
+          lines(*target.mesh, userNormals),
+          systems(*target.mesh),
+          nodes(target.mesh->nodes.labels.begin(), target.mesh->nodes.labels.end()) {}
+    odb_Instance instance;
+    LineAxes lines;
+    LocalSystems systems;
+    std::unordered_set<std::int32_t> nodes;
+  };
+  struct Place {
+    const ElementBlock* block = nullptr;  // null: no element of the deck
+    const Part* part = nullptr;
+  };
+  Place placeOf(std::int32_t element) const;
+  const Part* partOfNode(std::int32_t label) const;  // null: no node of the deck
 
   const Deck& deck_;
   odb_Odb& odb_;
-  odb_Instance instance_;
   ResultFrames& frames_;
-  LineAxes lines_;
-  LocalSystems systems_;
-  std::unordered_map<std::int32_t, const ElementBlock*> blockOf_;  // by element label
-  std::unordered_set<std::int32_t> nodes_;                         // labels of the deck
+  std::deque<Part> parts_;
+  std::unordered_map<std::int32_t, Place> placeOf_;  // by element label
   std::unordered_set<std::int32_t> transformed_;  // nodes that are printed in systems of their own
   std::map<Region, Outputs> histories_;
   std::int32_t lastMode_ = 0;      // of the tables of modes

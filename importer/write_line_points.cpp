@@ -64,12 +64,14 @@ std::vector<float> TableWriter::lineRows(const DatTable& table, const PointBlock
 
 bool TableWriter::addLines(odb_Frame& frame, const PointField& field, const DatTable& real,
                            const DatTable* imaginary, const PointBlock& block) {
-  const ElementBlock& of = *blockOf(block.labels[0]);
+  const Place place = placeOf(block.labels[0]);
+  const ElementBlock& of = *place.block;
+  const LineAxes& lines = place.part->lines;
   const bool truss = isTruss(of.type);
   const odb_SectionCategory category =
-      instance_.getElementFromLabel(block.labels[0]).sectionCategory();
+      place.part->instance.getElementFromLabel(block.labels[0]).sectionCategory();
   if (block.nPoints != 8 && block.nPoints != 27) return false;
-  if (!truss && (lines_.beamSection(block.labels[0]) < 0 || cornerPoint(category, 0).number() < 0))
+  if (!truss && (lines.beamSection(block.labels[0]) < 0 || cornerPoint(category, 0).number() < 0))
     return false;
   const std::size_t n = block.nPoints == 8 ? 2 : 3;
   std::vector<Axes> axes(block.labels.size() * n);
@@ -77,7 +79,7 @@ bool TableWriter::addLines(odb_Frame& frame, const PointField& field, const DatT
     const auto at = static_cast<std::size_t>(
         std::lower_bound(of.labels.begin(), of.labels.end(), block.labels[e]) - of.labels.begin());
     for (std::size_t i = 0; i < n; ++i) {
-      if (!lines_.axesAt(of, at, gaussPoint(n, i), axes[e * n + i])) return false;
+      if (!lines.axesAt(of, at, gaussPoint(n, i), axes[e * n + i])) return false;
     }
   }
   for (const auto& [name, sources] : fieldsOf(field, real)) {

@@ -120,18 +120,18 @@ std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& ta
            table.keys[2 * (row + n) + 1] == static_cast<std::int32_t>(n + 1)) {
       ++n;
     }
-    const ElementBlock* const block = blockOf(label);
+    const auto [block, part] = placeOf(label);
     if (n == 0 || block == nullptr) {
       ++nUnknown;
     } else if (written.insert(label).second) {
-      const odb_Element element = instance_.getElementFromLabel(label);
+      const odb_Element element = part->instance.getElementFromLabel(label);
       const std::string note = noteOf(row);
       bool one = !note.empty();
       for (std::size_t i = 1; one && i < n; ++i) one = noteOf(row + i) == note;
       const auto at = static_cast<std::size_t>(
           std::lower_bound(block->labels.begin(), block->labels.end(), label) -
           block->labels.begin());
-      const auto axes = one ? systems_.axesOf(note, *block, at) : std::nullopt;
+      const auto axes = one ? part->systems.axesOf(note, *block, at) : std::nullopt;
       PointBlock& target =
           blocks[{block, element.sectionCategory().name().CStr(), n, axes.has_value()}];
       if (axes) target.axes.push_back(*axes);
@@ -200,7 +200,7 @@ void TableWriter::addPoints(odb_Frame& frame, const PointField& field, const std
                             const odb_SectionPoint& point) {
   odb_embedded::FieldValues<float> added;
   added.position = odb_Enum::INTEGRATION_POINT;
-  added.instance = instance_;
+  added.instance = placeOf(block.labels[0]).part->instance;
   added.labels = block.labels.data();
   added.nLabels = static_cast<int>(block.labels.size());
   added.nRows = static_cast<int>(rows.size() / width);
@@ -228,11 +228,12 @@ bool TableWriter::addBlock(odb_Frame& frame, const DatTable& real, const DatTabl
   for (const PointField& field : kPointFields) {
     if (field.quantity == real.quantity) known = &field;
   }
-  const Layout layout = layoutOf(blockOf(block.labels[0])->type);
+  const Layout layout = layoutOf(placeOf(block.labels[0]).block->type);
   if (known == nullptr || layout == Layout::unknown) return false;
   if (layout == Layout::line) return addLines(frame, *known, real, imaginary, block);
-  const odb_SectionCategory category =
-      instance_.getElementFromLabel(block.labels[0]).sectionCategory();
+  const odb_SectionCategory category = placeOf(block.labels[0])
+                                           .part->instance.getElementFromLabel(block.labels[0])
+                                           .sectionCategory();
   // Layers that have section points; none: the mean over the planes has to do.
   std::vector<LayerPoints> layers;
   while (layout == Layout::shell &&

@@ -57,7 +57,9 @@ Matched match(const std::string& deckPath, const std::string& frdPath) {
   m.deck = readDeck(deckPath);
   FrdReader reader(frdPath);
   m.index = indexFrd(reader);
-  m.mesh = std::make_unique<ResultMesh>(m.deck.meshOf(m.deck.instances[0]), m.index);
+  MatchOptions options;
+  include(m.content(), options);
+  m.mesh = std::make_unique<ResultMesh>(m.content(), m.index, options);
   return m;
 }
 

@@ -337,6 +337,51 @@ TEST_F(ResultWriter, LeavesOutWhatTheDeckDoesNotHaveAndSaysSo) {
   EXPECT_EQ(block(ResultWriter::field(0, 0, "U"), odb_Enum::NODAL).length(), 8);
 }
 
+// The bar of kDeck in two parts; the second one, with other labels, is turned and moved.
+TEST_F(ResultWriter, DistributesResultsOverInstancesByLabel) {
+  const std::string deck =
+      "*PART,NAME=P\n*NODE\n1,0,0,0\n2,1,0,0\n3,0,1,0\n4,0,0,1\n*ELEMENT,TYPE=C3D4\n1,1,2,3,4\n"
+      "*END PART\n*PART,NAME=Q\n*NODE\n11,0,0,0\n12,1,0,0\n13,0,1,0\n14,0,0,1\n"
+      "*ELEMENT,TYPE=C3D4\n11,11,12,13,14\n*END PART\n*ASSEMBLY,NAME=A\n*INSTANCE,NAME=I,PART=P\n"
+      "*END INSTANCE\n*INSTANCE,NAME=J,PART=Q\n5.,0.,0.\n5.,0.,0.,5.,0.,1.,90.\n*END INSTANCE\n"
+      "*END ASSEMBLY\n*STEP\n*STATIC\n1.,1.\n*END STEP\n";
+  const int places[8][3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1},
+                            {5, 0, 0}, {5, 1, 0}, {4, 0, 0}, {5, 0, 1}};
+  const auto resultFile = [&](double shift) {
+    std::string nodes = blockHead("2", 8, 1), values;
+    for (int i = 0; i < 8; ++i) {
+      char line[80];
+      const int label = i < 4 ? i + 1 : i + 7;
+      std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", label,
+                    places[i][0] + (i < 4 ? 0 : shift), 1. * places[i][1], 1. * places[i][2]);
+      nodes += line;
+      std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", label, 1. * label, 0., 0.);
+      values += line;
+    }
+    return nodes + " -3\n    1PSTEP                         1           1           1\n" +
+           resultHead(1, 8, 0, 1, "", 1) + importer::field("DISP", {"D1", "D2", "D3"}, true) +
+           values + " -3\n 9999\n";
+  };
+  const std::string path = files_.write("two.inp", deck);
+  EXPECT_EQ(run({path, "--results", files_.write("elsewhere.frd", resultFile(3))}), 1);
+  EXPECT_NE(err_.find("nodes of instance J are elsewhere"), std::string::npos) << err_;
+  const std::string dat = files_.write(
+      "two.dat", printed("0.1000000E+01", "2.000000E+00") +
+                     " temperatures for set N and time  0.1000000E+01\n\n  13  7.\n\n");
+  open({path, "--results", files_.write("two.frd", resultFile(0)), "--data", dat});
+  EXPECT_FLOAT_EQ(history(0, "Node I.1", "U1").data()[0][1], 2);
+  EXPECT_FLOAT_EQ(history(0, "Node J.13", "NT11").data()[0][1], 7);
+  EXPECT_EQ(block(field(0, 0, "ENER"), odb_Enum::INTEGRATION_POINT).length(), 1);
+  const odb_FieldOutput u = field(0, 0, "U");
+  ASSERT_EQ(u.bulkDataBlocks().size(), 2);
+  for (const int i : {0, 1}) {
+    const odb_FieldBulkData& b = u.bulkDataBlocks()[i];
+    EXPECT_EQ(std::string(b.instance().name().CStr()), i == 0 ? "I" : "J");
+    EXPECT_EQ(b.length(), 4);
+    expectNear(valuesAt(b, -1, i == 0 ? 3 : 13, -1, false), {i == 0 ? 3.f : 13.f, 0, 0});
+  }
+}
+
 TEST_F(ResultWriter, RefusesBrokenAndForeignResults) {
   const std::string deck = files_.write("bar.inp", kDeck);
   const std::string broken = files_.write("broken.frd", "    2C\n -1 x\n");

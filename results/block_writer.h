@@ -6,12 +6,14 @@
 #include <odb_API.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include "results/value_records.h"
+#include "server/sdk_adapter.h"
 #include "server/sdk_value_slices.h"
 #include "server/server_state.h"
 
@@ -65,6 +67,25 @@ class ValueKeys {
   bool hasNodes_;
   bool hasFaces_;
 };
+
+// Calls use(block) for each block of the field, in order. What the blocks load meanwhile is dropped
+// whenever it may have become much, and at the end: after each block would be a walk over all of
+// them each time, and there are thousands where a model has thousands of instances.
+template <typename Use>
+void forEachBlock(const odb_FieldOutput& field, Use use) {
+  constexpr std::int64_t kMuch = 4 << 20;  // numbers
+  const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
+  const int nBlocks = blocks.size();
+  std::int64_t nNumbers = 0;
+  for (int i = 0; i < nBlocks; ++i) {
+    const odb_FieldBulkData& block = blocks[i];
+    use(block);
+    nNumbers += std::int64_t{block.length()} * block.width();
+    if (nNumbers < kMuch && i + 1 < nBlocks) continue;
+    sdk::clearBulkBlocks(blocks);
+    nNumbers = 0;
+  }
+}
 
 // Keeps every value of a block.
 struct KeepAll {};

@@ -45,18 +45,13 @@ std::vector<FailedElement> findFailed(const odb_Step& step) {
     odb_FieldOutputRepository& fields = frame.fieldOutputs();
     if (!fields.isMember("STATUS")) continue;
     const double time = start + static_cast<double>(frame.frameValue());
-    const odb_FieldOutput status = fields.get("STATUS");
-    const odb_SequenceFieldBulkData& blocks = status.bulkDataBlocks();
-    const int nBlocks = blocks.size();
-    for (int b = 0; b < nBlocks; ++b) {
-      const odb_FieldBulkData& block = blocks[b];
+    forEachBlock(fields.get("STATUS"), [&](const odb_FieldBulkData& block) {
       const std::string instance = block.instance().name().CStr();
       LabelSet& known = seen[instance];
       for (const int label : failedLabels(block)) {
         if (known.add(label)) found.push_back({instance, label, time});
       }
-    }
-    sdk::clearBulkBlocks(blocks);
+    });
   }
   std::stable_sort(found.begin(), found.end(),
                    [](const auto& a, const auto& b) { return a.time < b.time; });

@@ -6,7 +6,6 @@
 #include "results/modal_stress.h"
 #include "results/section_point_choice.h"
 #include "results/value_records.h"
-#include "server/sdk_adapter.h"
 
 namespace odbs {
 
@@ -23,14 +22,9 @@ class FieldWalk {
         writer_(odb, outputFd, complex, request.sendOrientations, request.selected) {}
 
   void run(const odb_FieldOutput& field) {
-    const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
-    const int nBlocks = blocks.size();
-    for (int i = 0; i < nBlocks; ++i) {
-      const odb_FieldBulkData& block = blocks[i];
-      if (!isWanted(block.sectionPoint().number())) continue;
-      sendBlock(block);
-      sdk::clearBulkBlocks(blocks);
-    }
+    forEachBlock(field, [this](const odb_FieldBulkData& block) {
+      if (isWanted(block.sectionPoint().number())) sendBlock(block);
+    });
     flushOutput(outputFd_);
   }
 

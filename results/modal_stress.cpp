@@ -143,16 +143,14 @@ class ModalStress {
     const PackedMatrix matrix{entries_.data(), order_};
     const StressSlots slots = slotsOf(field_);
     BlockWriter writer(odb, outputFd, false, false, request_.selected);
-    const odb_SequenceFieldBulkData& blocks = field_.bulkDataBlocks();
-    const int nBlocks = blocks.size();
     std::vector<double> squares;
     std::vector<float> values;
     std::vector<int> chosen;
-    for (int i = 0; i < nBlocks; ++i) {
-      const odb_FieldBulkData& block = blocks[i];
-      if (!isSent(block)) continue;
-      ModeStresses stresses{cache[static_cast<std::size_t>(i)].data(), block.length(),
-                            block.width(), slotsOf(block, slots)};
+    std::size_t index = 0;
+    forEachBlock(field_, [&](const odb_FieldBulkData& block) {
+      const std::vector<float>& gathered = cache[index++];
+      if (!isSent(block)) return;
+      ModeStresses stresses{gathered.data(), block.length(), block.width(), slotsOf(block, slots)};
       if (writer.isRestricted()) {
         chosen = writer.selectedValues(block);
         stresses.chosen = &chosen;
@@ -166,8 +164,7 @@ class ModalStress {
         values[v] = static_cast<float>(value);
       }
       writer.sendNumbersOf(block, sectionPointField(request_, kNoSectionPoint), values.data());
-      sdk::clearBulkBlocks(blocks);
-    }
+    });
     flushOutput(outputFd);
   }
 

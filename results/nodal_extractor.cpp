@@ -106,16 +106,6 @@ class NodalWalk {
   }
 
  private:
-  template <typename Use>
-  void forEachBlock(const odb_FieldOutput& field, Use use) {
-    const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
-    const int nBlocks = blocks.size();
-    for (int i = 0; i < nBlocks; ++i) {
-      use(blocks[i]);
-      sdk::clearBulkBlocks(blocks);
-    }
-  }
-
   void announce(const std::string& instance) {
     if (!severalInstances_ || instance == instance_) return;
     instance_ = instance;

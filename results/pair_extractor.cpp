@@ -8,7 +8,6 @@
 
 #include "registry/section_layups.h"
 #include "results/block_writer.h"
-#include "server/sdk_adapter.h"
 
 namespace odbs {
 
@@ -94,12 +93,7 @@ class PairWalk {
   bool allKnown() const { return allKnown_; }
 
   void run(const odb_FieldOutput& field) {
-    const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
-    const int nBlocks = blocks.size();
-    for (int i = 0; i < nBlocks; ++i) {
-      sendBlock(blocks[i]);
-      sdk::clearBulkBlocks(blocks);
-    }
+    forEachBlock(field, [this](const odb_FieldBulkData& block) { sendBlock(block); });
     flushOutput(outputFd_);
   }
 

@@ -87,6 +87,30 @@ void forEachBlock(const odb_FieldOutput& field, Use use) {
   }
 }
 
+// The conjugate components of the values of a slice. A complex field may have blocks without any:
+// theirs are zeros, since the parent halves every value of such a field.
+template <typename Real>
+class Conjugates {
+ public:
+  Conjugates(bool complexField, const sdk::ValueSlice<Real>& slice, int width)
+      : first_(complexField ? slice.conjugateData : nullptr), step_(width) {
+    if (!complexField || first_) return;
+    zeros_.resize(static_cast<std::size_t>(width));
+    first_ = zeros_.data();
+    step_ = 0;
+  }
+  Conjugates(const Conjugates&) = delete;
+  Conjugates& operator=(const Conjugates&) = delete;
+
+  // Those of value `i`; null in a real field.
+  const Real* of(int i) const { return first_ ? first_ + std::ptrdiff_t{i} * step_ : nullptr; }
+
+ private:
+  const Real* first_;
+  int step_;
+  std::vector<Real> zeros_;
+};
+
 // Keeps every value of a block.
 struct KeepAll {};
 
@@ -192,13 +216,13 @@ class BlockWriter {
   template <typename Real>
   void sendOneByOne(const sdk::ValueSlice<Real>& slice, const ValueKeys& keys, int width, int begin,
                     int end, int orientationWidth) {
-    const Real* const conjugate = complex_ ? slice.conjugateData : nullptr;
+    const Conjugates<Real> conjugates(complex_, slice, width);
     for (int i = begin; i < end; ++i) {
       if (orientationWidth > 0 && slice.localCoordSystem) {
         sendDirections(slice.localCoordSystem, i, orientationWidth);
       }
       const std::ptrdiff_t at = std::ptrdiff_t{i} * width;
-      writer_.send(keys.of(slice, i), slice.data + at, conjugate ? conjugate + at : nullptr, width);
+      writer_.send(keys.of(slice, i), slice.data + at, conjugates.of(i), width);
     }
   }
 

@@ -75,10 +75,11 @@ void extractField(odb_Odb& odb, int outputFd, const FieldRequest& request) {
     extractModalStress(odb, outputFd, request, field);
     return;
   }
+  const bool complex = field.isComplex();  // of a subset it may be another
   if (request.extraction != Extraction::kAsStored) {
     field = atPosition(field, request.selection->position);
   }
-  FieldWalk(odb, outputFd, request, field.isComplex()).run(field);
+  FieldWalk(odb, outputFd, request, complex).run(field);
 }
 
 }  // namespace odbs

@@ -122,17 +122,17 @@ class NodalWalk {
     const int width = block.width();
     sdk::forEachValueSlice<Real>(block, complex, [&](const sdk::ValueSlice<Real>& slice) {
       if (!slice.nodeLabels) return;
-      const bool both = complex && slice.conjugateData;
-      const int kept = std::min(width, both ? kMostNumbers / 2 : kMostNumbers);
-      const auto nBytes = static_cast<std::uint32_t>(5 + 4 * (both ? 2 * kept : kept));
+      const Conjugates<Real> conjugates(complex, slice, width);
+      const int kept = std::min(width, complex ? kMostNumbers / 2 : kMostNumbers);
+      const auto nBytes = static_cast<std::uint32_t>(5 + 4 * (complex ? 2 * kept : kept));
       RecordCursor cursor(outputFd_);
       for (int i = 0; i < slice.n; ++i) {
         const std::ptrdiff_t at = std::ptrdiff_t{i} * width;
         unsigned char* p = cursor.reserveRecord(nBytes);
-        *p = both ? tags.complex : tags.real;
+        *p = complex ? tags.complex : tags.real;
         putI32(p + 1, slice.nodeLabels[i]);
         p = putReals(p + 5, slice.data + at, kept);
-        if (both) putReals(p, slice.conjugateData + at, kept);
+        if (complex) putReals(p, conjugates.of(i), kept);
       }
     });
   }

@@ -97,6 +97,24 @@ TEST_F(FieldValues, ComplexValuesAreFollowedByTheirConjugates) {
             values("rs ").back());
 }
 
+TEST_F(FieldValues, BlocksOfAComplexFieldWithoutConjugatesHaveZeros) {
+  odb_Instance& second = odb_->rootAssembly().Instance("J", odb_->parts()["P"]);
+  odb_FieldOutput& field = frame_.FieldOutput("U", "", odb_Enum::VECTOR);
+  field.addData(odb_Enum::NODAL, instance(), ints({1}), floatRows({{1, 2}}), odb_SectionPoint(),
+                odb_SequenceSequenceFloat(), floatRows({{-1, -2}}));
+  field.addData(odb_Enum::NODAL, second, ints({1}), floatRows({{5, 6}}));
+  field.addData(odb_Enum::CENTROID, second, ints({10}), floatRows({{7, 8}}));
+  select(1, 0, kStored, "U");
+  EXPECT_EQ((Records{Payload(0x15).f32(5).f32(6).zeros(2)}), withTag(values("rs "), 0x15));
+  EXPECT_EQ((Records{Payload(0x12).i32(1).f32(1).f32(2).f32(-1).f32(-2),
+                     Payload(0x12).i32(1).f32(5).f32(6).zeros(2)}),
+            withTag(ask("rd "), 0x12));
+  select(1, 0, kCentroid, "U");
+  EXPECT_EQ(Payload(0x1F).i32(10).i32(-1).i32(0).f32(7).f32(8).zeros(2).operator std::string(),
+            values("rs ").back())
+      << "a subset has the form of its field";
+}
+
 TEST_F(FieldValues, NodalFieldsAsStoredNameTheirNodes) {
   nodalScalar(frame_, "NT11", 5);
   select(1, 0, kStored, "NT11");

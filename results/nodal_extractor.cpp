@@ -3,6 +3,7 @@
 #include "results/nodal_extractor.h"
 
 #include <algorithm>
+#include <map>
 
 #include "results/block_writer.h"
 #include "results/failure_times.h"
@@ -93,9 +94,13 @@ class NodalWalk {
   }
 
   void sendStatus(const odb_FieldOutput& status) {
+    std::map<std::string, LabelSet> sent;  // layered elements have a status at each section point
     forEachBlock(status, [&](const odb_FieldBulkData& block) {
       const std::string instance = block.instance().name().CStr();
-      for (const int label : failedLabels(block)) sendFailed(instance, label);
+      LabelSet& known = sent[instance];
+      for (const int label : failedLabels(block)) {
+        if (known.add(label)) sendFailed(instance, label);
+      }
     });
   }
 

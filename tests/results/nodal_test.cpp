@@ -190,6 +190,18 @@ TEST_F(Failures, RecordedTimesComeBeforeThoseOfTheFrames) {
             behindValues(3, kCentroid));
 }
 
+TEST_F(Failures, AStatusAtSeveralSectionPointsIsSentOnce) {
+  odb_SectionCategory& category = odb_->SectionCategory("shell", "");
+  odb_Frame frame = step_.Frame(3, 3.0F);
+  vectors(frame, "U", {{1, 0, 0}, {2, 0, 0}});
+  odb_FieldOutput& status = frame.FieldOutput("STATUS", "", odb_Enum::SCALAR);
+  for (const int point : {1, 5}) {
+    status.addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{0}}),
+                   category.SectionPoint(point, "p"));
+  }
+  EXPECT_EQ(Records{failed(10)}, behindValues(3, kStored));
+}
+
 TEST_F(Failures, ALabelListRestrictsThem) {
   save();
   server_ = std::make_unique<ServerProcess>();

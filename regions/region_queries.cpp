@@ -2,6 +2,7 @@
 // Records of the region queries, and the selection set.
 #include "regions/region_queries.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -66,6 +67,25 @@ void addNodesOfElements(odb_Odb& odb, SelectionSet& selection) {
   }
 }
 
+// The same for elements of the assembly, whose nodes may be those of instances.
+void addNodesOfAssemblyElements(odb_Assembly& assembly, SelectionSet& selection) {
+  const std::string own = assembly.name().CStr();
+  const LabelSet chosen = selection.elementsAtAnyPoint(own);
+  if (chosen.empty() || assembly.instances().isMember(own.c_str())) return;
+  const odb_SequenceElement& elements = assembly.elements();
+  const int n = elements.size();
+  for (int i = 0; i < n; ++i) {
+    const odb_Element& element = elements[i];
+    if (!chosen.has(element.label())) continue;
+    const odb_SequenceString names = element.instanceNames();
+    int nNodes = 0;
+    const int* const labels = element.connectivity(nNodes);
+    for (int k = 0; k < std::min(nNodes, names.size()); ++k) {
+      selection.nodes(names[k].empty() ? own : names[k].CStr()).add(labels[k]);
+    }
+  }
+}
+
 void sendShare(const RegionRequest& request, const RegionShare& share, bool grouped, int outputFd) {
   unsigned char tag = kElementSetTag;
   if (request.kind == static_cast<int>(RegionKind::kSurface)) tag = kSurfaceTag;
@@ -107,6 +127,7 @@ void answerRegionRequests(odb_Odb& odb, int outputFd, const std::vector<RegionRe
     sendRegion(request, nElements, nNodes, outputFd);
   }
   addNodesOfElements(odb, fresh);
+  addNodesOfAssemblyElements(odb.rootAssembly(), fresh);
   selection = std::move(fresh);
   flushOutput(outputFd);
 }
@@ -115,7 +136,9 @@ void sendRegionsAsSets(odb_Odb& odb, int outputFd, const std::vector<RegionReque
   const bool grouped = odb.rootAssembly().instances().size() > 1;
   for (const RegionRequest& request : requests) {
     for (const RegionShare& share : resolveRegion(odb, request).shares) {
-      sendShare(request, share, grouped, outputFd);
+      // As in the model: what the assembly has of its own belongs to models of several instances.
+      const bool isThere = grouped && !(share.elements.empty() && share.nodes.empty());
+      if (!share.ofAssembly || isThere) sendShare(request, share, grouped, outputFd);
     }
   }
   flushOutput(outputFd);

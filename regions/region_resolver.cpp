@@ -32,11 +32,20 @@ class OrderedLabels {
   LabelSet known_;
 };
 
-// A region's name and the instances it is looked for in.
+// A region's name and the instances, or the assembly, it is looked for in.
 struct Scope {
-  std::vector<std::string> instances;
+  std::vector<std::string> owners;
   std::string name;
 };
+
+// The instances in the order of their names, then the assembly, which has connectors and reference
+// nodes of its own.
+std::vector<std::string> allOwners(odb_Assembly& assembly) {
+  std::vector<std::string> owners = sortedInstanceNames(assembly);
+  const odb_String name = assembly.name();
+  if (!assembly.instances().isMember(name)) owners.emplace_back(name.CStr());
+  return owners;
+}
 
 class Resolver {
  public:
@@ -51,12 +60,12 @@ class Resolver {
     region = {};
     bool found = false;
     const std::vector<std::string> sections = sectionsOf(scope.name);
-    for (const std::string& instanceName : scope.instances) {
-      const odb_Instance& instance = assembly_.instances()[instanceName.c_str()];
+    for (const std::string& owner : scope.owners) {
       region.shares.emplace_back();
       RegionShare& share = region.shares.back();
-      share.instance = instanceName;
-      found |= takeShare(instance, scope.name, sections, share);
+      share.instance = owner;
+      share.ofAssembly = !assembly_.instances().isMember(owner.c_str());
+      found |= takeShare(scope.name, sections, share);
     }
     if (kind_ == RegionKind::kSection && value_ > 0) region.points = {value_};
     if (isOneLayer()) region.points = pointsOfLayer(sections);
@@ -64,38 +73,45 @@ class Resolver {
   }
 
  private:
-  bool takeShare(const odb_Instance& instance, const std::string& name,
-                 const std::vector<std::string>& sections, RegionShare& share) {
+  const odb_DiscreteEntity& ownerOf(const RegionShare& share) const {
+    if (share.ofAssembly) return assembly_;
+    return assembly_.instances()[share.instance.c_str()];
+  }
+
+  bool takeShare(const std::string& name, const std::vector<std::string>& sections,
+                 RegionShare& share) {
+    const odb_DiscreteEntity& owner = ownerOf(share);
     switch (kind_) {
       case RegionKind::kElementSet:
-        return takeSets(assembly_.elementSets(), instance.elementSets(), name, share);
+        return takeSets(assembly_.elementSets(), owner.elementSets(), name, share);
       case RegionKind::kNodeSet:
-        return takeSets(assembly_.nodeSets(), instance.nodeSets(), name, share);
+        return takeSets(assembly_.nodeSets(), owner.nodeSets(), name, share);
       case RegionKind::kSurface:
-        return takeSets(assembly_.surfaces(), instance.surfaces(), name, share);
+        return takeSets(assembly_.surfaces(), owner.surfaces(), name, share);
       case RegionKind::kInstance:
         if (share.instance != name) return false;
-        return takeElements(instance, share, [](const sdk::ElementRun&) { return true; });
+        return takeElements(owner, share, [](const sdk::ElementRun&) { return true; });
       case RegionKind::kElementType:
-        return takeElements(instance, share, [&](const sdk::ElementRun& run) {
+        return takeElements(owner, share, [&](const sdk::ElementRun& run) {
           return name == run.first.type().CStr();
         });
       default:
-        return takeSections(instance, sections, share);
+        return takeSections(owner, sections, share);
     }
   }
 
   // The assembly's set of that name, as far as it lies in the instance, and the instance's own.
-  bool takeSets(const odb_SetRepository& ofAssembly, const odb_SetRepository& ofInstance,
+  bool takeSets(const odb_SetRepository& ofAssembly, const odb_SetRepository& ofOwner,
                 const std::string& name, RegionShare& share) {
     bool found = false;
     OrderedLabels elements(share.elements);
     OrderedLabels nodes(share.nodes);
-    for (const odb_SetRepository* sets : {&ofAssembly, &ofInstance}) {
-      if (!sets->isMember(name.c_str())) continue;
+    // The assembly's own members go by an empty name.
+    const odb_String instance(share.ofAssembly ? "" : share.instance.c_str());
+    for (const odb_SetRepository* sets : {&ofAssembly, share.ofAssembly ? nullptr : &ofOwner}) {
+      if (!sets || !sets->isMember(name.c_str())) continue;
       found = true;
       const odb_Set set = (*sets)[name.c_str()];
-      const odb_String instance(share.instance.c_str());
       if (kind_ == RegionKind::kSurface) {
         takeSurface(set, instance, share, nodes);
       } else if (kind_ == RegionKind::kElementSet) {
@@ -126,8 +142,8 @@ class Resolver {
   }
 
   template <typename IsMeant>
-  static bool takeElements(const odb_Instance& instance, RegionShare& share, IsMeant isMeant) {
-    sdk::forEachElementRun(instance.elements(), [&](const sdk::ElementRun& run) {
+  static bool takeElements(const odb_DiscreteEntity& owner, RegionShare& share, IsMeant isMeant) {
+    sdk::forEachElementRun(owner.elements(), [&](const sdk::ElementRun& run) {
       if (isMeant(run)) {
         share.elements.insert(share.elements.end(), run.labels, run.labels + run.n);
       }
@@ -136,13 +152,16 @@ class Resolver {
   }
 
   // Elements by section assignment; by section category for a section that is assigned nowhere.
-  bool takeSections(const odb_Instance& instance, const std::vector<std::string>& sections,
+  bool takeSections(const odb_DiscreteEntity& owner, const std::vector<std::string>& sections,
                     RegionShare& share) {
     for (const std::string& section : sections) {
-      const std::vector<int> assigned = elementsOfSection(assembly_, instance, section);
+      const std::vector<int> assigned =
+          share.ofAssembly ? elementsOfSection(assembly_, section)
+                           : elementsOfSection(
+                                 assembly_, assembly_.instances()[share.instance.c_str()], section);
       share.elements.insert(share.elements.end(), assigned.begin(), assigned.end());
       if (isAssigned(section)) continue;
-      sdk::forEachElementRun(instance.elements(), [&](const sdk::ElementRun& run) {
+      sdk::forEachElementRun(owner.elements(), [&](const sdk::ElementRun& run) {
         const std::string category = run.first.sectionCategory().name().CStr();
         if (sectionNameOfCategory(category).value_or(category) != section) return;
         share.elements.insert(share.elements.end(), run.labels, run.labels + run.n);
@@ -223,22 +242,22 @@ class Resolver {
 
 Region resolveRegion(odb_Odb& odb, const RegionRequest& request) {
   Resolver resolver(odb, request);
-  const std::vector<std::string> instances = sortedInstanceNames(odb.rootAssembly());
+  const std::vector<std::string> owners = allOwners(odb.rootAssembly());
   Region region;
-  const Scope everywhere{instances, request.name};
+  const Scope everywhere{owners, request.name};
   if (request.kind == static_cast<int>(RegionKind::kInstance)) {
-    const bool known = std::count(instances.begin(), instances.end(), request.name) != 0;
+    const bool known = std::count(owners.begin(), owners.end(), request.name) != 0;
     resolver.resolve(known ? Scope{{request.name}, request.name} : everywhere, region);
     return region;
   }
   if (resolver.resolve(everywhere, region)) return region;
-  for (const std::string& instance : instances) {
+  for (const std::string& owner : owners) {
     // Instance names hold dots too, so that any of them may be the prefix.
-    const std::size_t dot = instance.size();
+    const std::size_t dot = owner.size();
     if (request.name.size() <= dot + 1 || request.name[dot] != '.') continue;
-    if (request.name.compare(0, dot, instance) != 0) continue;
+    if (request.name.compare(0, dot, owner) != 0) continue;
     Region within;
-    const bool found = resolver.resolve({{instance}, request.name.substr(dot + 1)}, within);
+    const bool found = resolver.resolve({{owner}, request.name.substr(dot + 1)}, within);
     region = std::move(within);
     if (found) break;
   }

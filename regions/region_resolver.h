@@ -23,16 +23,17 @@ enum class RegionKind {
   kLayer = 8,
 };
 
-// A region's share of one instance.
+// A region's share of one instance, or of what the assembly has of its own.
 struct RegionShare {
-  std::string instance;
+  std::string instance;  // or the assembly's name
+  bool ofAssembly = false;
   std::vector<int> elements;  // labels; of a surface one for each face, so that labels repeat
   std::vector<int> faces;     // of a surface: the library's face numbers, parallel to elements
   std::vector<int> nodes;     // labels, of node sets and of surfaces made of nodes
 };
 
 struct Region {
-  std::vector<RegionShare> shares;  // of the instances in question, in order of their names
+  std::vector<RegionShare> shares;  // of what is in question: by name, the assembly's last
   std::vector<int> points;          // section points that the region is restricted to; empty: any
 };
 

@@ -3,6 +3,7 @@
 #include "registry/section_elements.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace odbs {
 
@@ -21,6 +22,13 @@ void collectLabels(const Assignments& assignments, const std::string& sectionNam
   }
 }
 
+// Sorted, each once.
+std::vector<int> ascending(std::vector<int> labels) {
+  std::sort(labels.begin(), labels.end());
+  labels.erase(std::unique(labels.begin(), labels.end()), labels.end());
+  return labels;
+}
+
 }  // namespace
 
 std::vector<int> elementsOfSection(odb_Assembly& assembly, const odb_Instance& instance,
@@ -35,9 +43,17 @@ std::vector<int> elementsOfSection(odb_Assembly& assembly, const odb_Instance& i
   };
   collectLabels(instance.sectionAssignments(), sectionName, own, labels);
   collectLabels(assembly.sectionAssignments(), sectionName, within, labels);
-  std::sort(labels.begin(), labels.end());
-  labels.erase(std::unique(labels.begin(), labels.end()), labels.end());
-  return labels;
+  return ascending(std::move(labels));
+}
+
+std::vector<int> elementsOfSection(odb_Assembly& assembly, const std::string& sectionName) {
+  std::vector<int> labels;
+  const odb_String none;
+  const auto own = [&](const odb_Set& region) -> const odb_SequenceElement& {
+    return region.elements(none);
+  };
+  collectLabels(assembly.sectionAssignments(), sectionName, own, labels);
+  return ascending(std::move(labels));
 }
 
 }  // namespace odbs

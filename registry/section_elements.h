@@ -14,4 +14,7 @@ namespace odbs {
 std::vector<int> elementsOfSection(odb_Assembly& assembly, const odb_Instance& instance,
                                    const std::string& sectionName);
 
+// The same for the assembly's own elements.
+std::vector<int> elementsOfSection(odb_Assembly& assembly, const std::string& sectionName);
+
 }  // namespace odbs

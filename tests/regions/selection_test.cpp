@@ -78,6 +78,34 @@ TEST_F(Selected, AnotherInstanceIsNotMeant) {
   EXPECT_EQ(10u, sent("rv ").size());
 }
 
+TEST_F(Selected, SoAreConnectorsAndNodesOfTheAssembly) {
+  addInstance();
+  odb_Assembly& assembly = odb_->rootAssembly();
+  odb_embedded::addNodes(assembly, 1, std::vector<int>{90}.data(), std::vector<float>(3).data());
+  odb_SequenceString owners;
+  for (const char* owner : {"A", ""}) owners.append(owner);
+  assembly.addElements(ints({50}), rows({{4, 90}}), owners, "CONN3D2", "CONNS");
+  assembly.NodeSet("MIXED", owners, rows({{5}, {90}}));
+  frame_.fieldOutputs()["SE"].addData(odb_Enum::WHOLE_ELEMENT, assembly.elementSets()["CONNS"],
+                                      floatRows({{500}}));
+  odb_SequenceString none;
+  none.append("");
+  frame_.fieldOutputs()["NT"].addData(odb_Enum::NODAL, assembly.NodeSet("OWN", none, rows({{90}})),
+                                      floatRows({{90}}));
+  for (const char* request : {"1 0 CONNS", "1 0 ASSEMBLY.CONNS", "7 0 CONN3D2", "4 0 ASSEMBLY"}) {
+    choose({request});
+    EXPECT_EQ(Texts{"50/-1:500"}, sent("rv ")) << request;
+    EXPECT_EQ((Texts{"4/-1:4", "90/-1:90"}), sent("rs ", 'D', "NT")) << request;
+  }
+  choose({"2 0 MIXED"});
+  EXPECT_EQ((Texts{"5/-1:5", "90/-1:90"}), sent("rs ", 'D', "NT"));
+  tell("irc 2 0 MIXED");
+  const Records sets = ask("irs 0 ");
+  ASSERT_EQ(14u, sets.size());
+  EXPECT_EQ(name("ASSEMBLY"), sets[10]);
+  EXPECT_EQ(Payload(8).i32(90).operator std::string(), sets[11]);
+}
+
 TEST_F(Selected, ItOutlivesTheQueriesThatOnlyAsk) {
   choose({"7 0 C3D8"});
   tell("irc 7 0 S4R");

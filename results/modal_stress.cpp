@@ -3,7 +3,6 @@
 #include "results/modal_stress.h"
 
 #include <cmath>
-#include <new>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -11,7 +10,6 @@
 
 #include "results/block_writer.h"
 #include "results/modal_kernel.h"
-#include "server/allocation.h"
 #include "server/sdk_adapter.h"
 
 namespace odbs {
@@ -217,14 +215,9 @@ void extractModalStress(odb_Odb& odb, int outputFd, const FieldRequest& request,
   if (matrix.bulkDataBlocks().size() == 0) return;
   const Modes modes = findModes(odb, request.selection->stepNumber);
   if (modes.first < 0) return;
-  try {
-    const ModalStress stress(request, matrix, modes);
-    stress.gather(serverState.modeStress.blocks);
-    stress.send(odb, outputFd, serverState.modeStress.blocks);
-  } catch (const std::bad_alloc&) {
-    reportAllocationFailure(kServerSourceName, __LINE__);
-    throw;
-  }
+  const ModalStress stress(request, matrix, modes);
+  stress.gather(serverState.modeStress.blocks);
+  stress.send(odb, outputFd, serverState.modeStress.blocks);
 }
 
 }  // namespace odbs

@@ -2,6 +2,7 @@
 // Finds matrix and modes, gathers the modes' stresses and sends what the kernel makes of them.
 #include "results/modal_stress.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -49,22 +50,14 @@ std::size_t nNumbersOf(const odb_FieldBulkData& block) {
   return static_cast<std::size_t>(block.length()) * static_cast<std::size_t>(block.width());
 }
 
-StressSlots slotsOf(const odb_FieldOutput& field) {
-  const odb_SequenceString& labels = field.componentLabels();
+// By the block's own labels: the third component of a membrane is S12, that of a solid S33.
+StressSlots slotsOf(const odb_FieldBulkData& block) {
+  const odb_SequenceString& labels = block.componentLabels();
   StressSlots slots;
-  for (int c = 0; c < labels.size(); ++c) {
+  for (int c = 0; c < std::min(labels.size(), block.width()); ++c) {
     for (int k = 0; k < 6; ++k) {
       if (labels[c] == kSlotLabels[k]) slots.of[k] = c;
     }
-  }
-  return slots;
-}
-
-// Slots of a block that is narrower than its field: components that it lacks are missing.
-StressSlots slotsOf(const odb_FieldBulkData& block, const StressSlots& ofField) {
-  StressSlots slots = ofField;
-  for (int& slot : slots.of) {
-    if (slot >= block.width()) slot = -1;
   }
   return slots;
 }
@@ -139,7 +132,6 @@ class ModalStress {
   void send(odb_Odb& odb, int outputFd, const std::vector<std::vector<float>>& cache) const {
     const bool roots = request_.selection->variableName == kRoots;
     const PackedMatrix matrix{entries_.data(), order_};
-    const StressSlots slots = slotsOf(field_);
     BlockWriter writer(odb, outputFd, false, false, request_.selected);
     std::vector<double> squares;
     std::vector<float> values;
@@ -148,7 +140,7 @@ class ModalStress {
     forEachBlock(field_, [&](const odb_FieldBulkData& block) {
       const std::vector<float>& gathered = cache[index++];
       if (!isSent(block)) return;
-      ModeStresses stresses{gathered.data(), block.length(), block.width(), slotsOf(block, slots)};
+      ModeStresses stresses{gathered.data(), block.length(), block.width(), slotsOf(block)};
       if (writer.isRestricted()) {
         chosen = writer.selectedValues(block);
         stresses.chosen = &chosen;

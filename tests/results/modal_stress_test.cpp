@@ -94,6 +94,16 @@ TEST_F(ModalStresses, ComponentsAreFoundByLabelAndMissingShearsCountAsZero) {
   }
 }
 
+TEST_F(ModalStresses, MembranesBesideSolidsHaveTheirShearThird) {
+  odb_Instance& second = odb_->rootAssembly().Instance("J", odb_->parts()["P"]);
+  odb_Step& modes = frequencyStep("Modes");
+  mode(modes, 1, {2, 0, 0, 1, 0, 0});
+  modes.frames()[0].fieldOutputs()["S"].addData(odb_Enum::CENTROID, second, ints({10}),
+                                                floatRows({{4, 0, 1}}));
+  matrix(responseStep(), 1, {1});
+  EXPECT_EQ(Payload(0x15).f32(16 + 3).operator std::string(), values(2, "MATRIX^Sqq").back());
+}
+
 TEST_F(ModalStresses, TheModesAreThoseOfTheNearestEarlierFrequencyStep) {
   mode(frequencyStep("First"), 1, {1, 0, 0, 0, 0, 0});
   odb_Step& nearest = frequencyStep("Second");

@@ -2,8 +2,11 @@
 // Node tables and polynomial spaces of the shapes. A shape's functions are the one polynomial of
 // its space per node that is 1 there and 0 at the other nodes. Sources: O.C. Zienkiewicz, R.L.
 // Taylor, "The Finite Element Method", vol. 1, chapters on standard and mapped shape functions
-// (Lagrange and serendipity families, tetrahedra, prisms); node order of quadratic elements as in
-// input decks: corners, then mid-edge nodes base, top, uprights, then the centre and face centres.
+// (Lagrange and serendipity families, tetrahedra, prisms); pyramids: G. Bedrosian, "Shape functions
+// and integration formulas for three-dimensional finite element analysis", Int. J. Numer. Meth.
+// Eng. 35 (1992), whose rational functions are polynomials in the coordinates used here. Node order
+// of quadratic elements as in input decks: corners, then mid-edge nodes base, top, uprights, then
+// the centre and face centres.
 #include "odb/src/element_shape.h"
 
 #include <algorithm>
@@ -24,10 +27,17 @@ const std::vector<Point> kQuadNodes = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0},  {-1,
 const std::vector<Point> kTetNodes = {{0, 0, 0},     {1, 0, 0},     {0, 1, 0},   {0, 0, 1},
                                       {0.5, 0, 0},   {0.5, 0.5, 0}, {0, 0.5, 0}, {0, 0, 0.5},
                                       {0.5, 0, 0.5}, {0, 0.5, 0.5}};
-const std::vector<Point> kWedgeNodes = {{0, 0, -1},   {1, 0, -1},  {0, 1, -1},    {0, 0, 1},
-                                        {1, 0, 1},    {0, 1, 1},   {0.5, 0, -1},  {0.5, 0.5, -1},
-                                        {0, 0.5, -1}, {0.5, 0, 1}, {0.5, 0.5, 1}, {0, 0.5, 1},
-                                        {0, 0, 0},    {1, 0, 0},   {0, 1, 0}};
+const std::vector<Point> kWedgeNodes = {
+    {0, 0, -1},   {1, 0, -1},     {0, 1, -1},   {0, 0, 1},   {1, 0, 1},     {0, 1, 1},
+    {0.5, 0, -1}, {0.5, 0.5, -1}, {0, 0.5, -1}, {0.5, 0, 1}, {0.5, 0.5, 1}, {0, 0.5, 1},
+    {0, 0, 0},    {1, 0, 0},      {0, 1, 0},    {0.5, 0, 0}, {0.5, 0.5, 0}, {0, 0.5, 0}};
+const std::vector<Point> kPyramidNodes = {
+    {-1, -1, 1}, {1, -1, 1}, {1, 1, 1},     {-1, 1, 1},   {0, 0, 0},   {0, -1, 1},  {1, 0, 1},
+    {0, 1, 1},   {-1, 0, 1}, {-1, -1, 0.5}, {1, -1, 0.5}, {1, 1, 0.5}, {-1, 1, 0.5}};
+const std::vector<Point> kLayerNodes = {
+    {-1, -1, -1}, {1, -1, -1}, {1, 1, -1},  {-1, 1, -1}, {-1, -1, 1}, {1, -1, 1},
+    {1, 1, 1},    {-1, 1, 1},  {0, -1, -1}, {1, 0, -1},  {0, 1, -1},  {-1, 0, -1},
+    {0, -1, 1},   {1, 0, 1},   {0, 1, 1},   {-1, 0, 1},  {0, 0, -1},  {0, 0, 1}};
 const std::vector<Point> kHexNodes = {
     {-1, -1, -1}, {1, -1, -1}, {1, 1, -1},  {-1, 1, -1}, {-1, -1, 1}, {1, -1, 1}, {1, 1, 1},
     {-1, 1, 1},   {0, -1, -1}, {1, 0, -1},  {0, 1, -1},  {-1, 0, -1}, {0, -1, 1}, {1, 0, 1},
@@ -44,7 +54,21 @@ const std::vector<Monomial> kTetSpace = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0,
                                          {0, 2, 0}, {0, 0, 2}, {1, 1, 0}, {1, 0, 1}, {0, 1, 1}};
 const std::vector<Monomial> kWedgeSpace = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1},
                                            {0, 1, 1}, {2, 0, 0}, {1, 1, 0}, {0, 2, 0}, {2, 0, 1},
-                                           {1, 1, 1}, {0, 2, 1}, {0, 0, 2}, {1, 0, 2}, {0, 1, 2}};
+                                           {1, 1, 1}, {0, 2, 1}, {0, 0, 2}, {1, 0, 2}, {0, 1, 2},
+                                           {2, 0, 2}, {1, 1, 2}, {0, 2, 2}};
+// x = r t and y = s t are Cartesian; with t they make the polynomials, and r s t = x y / t, r r s t
+// t = x x y / t, r s s t t the functions that the base needs besides.
+const std::vector<Monomial> kPyramidSpace = {{0, 0, 0}, {1, 0, 1}, {0, 1, 1}, {0, 0, 1}, {1, 1, 1},
+                                             {2, 0, 2}, {0, 2, 2}, {0, 0, 2}, {1, 1, 2}, {1, 0, 2},
+                                             {0, 1, 2}, {2, 1, 2}, {1, 2, 2}};
+const std::vector<Monomial> kLayerSpace = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {2, 0, 0},
+                                           {0, 2, 0}, {2, 1, 0}, {1, 2, 0}, {2, 2, 0}, {0, 0, 1},
+                                           {1, 0, 1}, {0, 1, 1}, {1, 1, 1}, {2, 0, 1}, {0, 2, 1},
+                                           {2, 1, 1}, {1, 2, 1}, {2, 2, 1}};
+const std::vector<Monomial> kHex21Space = {
+    {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {1, 0, 1}, {0, 1, 1},
+    {1, 1, 1}, {2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {2, 1, 0}, {2, 0, 1}, {1, 2, 0},
+    {0, 2, 1}, {1, 0, 2}, {0, 1, 2}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}, {2, 2, 2}};
 const std::vector<Monomial> kHexSpace = {
     {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {1, 0, 1}, {0, 1, 1},
     {1, 1, 1}, {2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {2, 1, 0}, {2, 0, 1}, {1, 2, 0},
@@ -69,10 +93,15 @@ const ShapeRow kShapes[] = {
     {Shape::Quad9, Solid::Quadrilateral, 9, &kQuadNodes, &kQuadSpace},
     {Shape::Tet4, Solid::Tetrahedron, 4, &kTetNodes, &kTetSpace},
     {Shape::Tet10, Solid::Tetrahedron, 10, &kTetNodes, &kTetSpace},
+    {Shape::Pyramid5, Solid::Pyramid, 5, &kPyramidNodes, &kPyramidSpace},
+    {Shape::Pyramid13, Solid::Pyramid, 13, &kPyramidNodes, &kPyramidSpace},
     {Shape::Wedge6, Solid::Wedge, 6, &kWedgeNodes, &kWedgeSpace},
     {Shape::Wedge15, Solid::Wedge, 15, &kWedgeNodes, &kWedgeSpace},
+    {Shape::Wedge18, Solid::Wedge, 18, &kWedgeNodes, &kWedgeSpace},
     {Shape::Hex8, Solid::Hexahedron, 8, &kHexNodes, &kHexSpace},
+    {Shape::Layer18, Solid::Hexahedron, 18, &kLayerNodes, &kLayerSpace},
     {Shape::Hex20, Solid::Hexahedron, 20, &kHexNodes, &kHexSpace},
+    {Shape::Hex21, Solid::Hexahedron, 21, &kHexNodes, &kHex21Space},
     {Shape::Hex27, Solid::Hexahedron, 27, &kHexNodes, &kHexSpace},
 };
 
@@ -113,6 +142,24 @@ Matrix inverse(Matrix a) {
         result.at(i, j) -= factor * result.at(column, j);
       }
     }
+  }
+  return result;
+}
+
+Matrix product(const Matrix& a, const Matrix& b) {
+  Matrix result(a.rows, b.columns);
+  for (int i = 0; i < a.rows; ++i) {
+    for (int k = 0; k < a.columns; ++k) {
+      for (int j = 0; j < b.columns; ++j) result.at(i, j) += a.at(i, k) * b.at(k, j);
+    }
+  }
+  return result;
+}
+
+Matrix transposed(const Matrix& a) {
+  Matrix result(a.columns, a.rows);
+  for (int i = 0; i < a.rows; ++i) {
+    for (int j = 0; j < a.columns; ++j) result.at(j, i) = a.at(i, j);
   }
   return result;
 }
@@ -178,6 +225,8 @@ Point shapeCentre(Shape shape) {
       return {1.0 / 3, 1.0 / 3, 0};
     case Solid::Tetrahedron:
       return {0.25, 0.25, 0.25};
+    case Solid::Pyramid:
+      return {0, 0, 0.75};
     default:
       return {0, 0, 0};
   }
@@ -197,17 +246,14 @@ std::vector<double> shapeFunctions(Shape shape, const Point& at) {
 
 Matrix interpolationWeights(const std::vector<Monomial>& basis, const std::vector<Point>& from,
                             const std::vector<Point>& to) {
-  const Matrix coefficients = inverse(basisValues(basis, from));
+  const Matrix values = basisValues(basis, from);
   const Matrix target = basisValues(basis, to);
-  Matrix weights(target.rows, coefficients.columns);
-  for (int i = 0; i < weights.rows; ++i) {
-    for (int j = 0; j < weights.columns; ++j) {
-      for (int k = 0; k < coefficients.rows; ++k) {
-        weights.at(i, j) += target.at(i, k) * coefficients.at(k, j);
-      }
-    }
-  }
-  return weights;
+  // As many points as functions: the inverse. More: the normal equations.
+  const bool square = values.rows == values.columns;
+  const Matrix coefficients =
+      square ? inverse(values)
+             : product(inverse(product(transposed(values), values)), transposed(values));
+  return product(target, coefficients);
 }
 
 }  // namespace odbs::engine

@@ -3,6 +3,8 @@
 // connectivity, and its shape functions. Natural coordinates (r, s, t) run from -1 to 1 along lines
 // and across quadrilaterals and hexahedra; in triangles and tetrahedra they are the area or volume
 // coordinates of nodes 2, 3 (and 4), from 0 to 1; a wedge is a triangle in (r, s) and a line in t.
+// In pyramids (r, s) run from -1 to 1 across each section parallel to the base, and t from 0 at the
+// apex to 1 in the base.
 #pragma once
 
 #include <array>
@@ -22,15 +24,29 @@ enum class Shape {
   Quad9,
   Tet4,
   Tet10,
+  Pyramid5,
+  Pyramid13,
   Wedge6,
   Wedge15,
+  Wedge18,
   Hex8,
+  Layer18,  // quadratic in (r, s), linear in t
   Hex20,
+  Hex21,  // a node in the middle
   Hex27
 };
 
 // What the points of a rule are laid out on: the shape without its mid nodes.
-enum class Solid { Unknown, Line, Triangle, Quadrilateral, Tetrahedron, Wedge, Hexahedron };
+enum class Solid {
+  Unknown,
+  Line,
+  Triangle,
+  Quadrilateral,
+  Tetrahedron,
+  Pyramid,
+  Wedge,
+  Hexahedron
+};
 
 using Point = std::array<double, 3>;
 
@@ -65,7 +81,8 @@ struct Matrix {
 };
 
 // Weights W with sum over j of W(i, j) f(from[j]) = f(to[i]) for every f spanned by `basis`, which
-// has as many members as `from`. The points `from` must determine f.
+// the points `from` must determine. With more points than members of the basis the weights give the
+// f of least squares.
 Matrix interpolationWeights(const std::vector<Monomial>& basis, const std::vector<Point>& from,
                             const std::vector<Point>& to);
 
@@ -78,5 +95,9 @@ struct ElementType {
 // Looks up a type such as "C3D20R" or "CPS4"; letter case does not matter. Shape::Unknown for types
 // without integration points or of a shape that is not known here.
 ElementType elementType(const std::string& name);
+
+// The shape of an element that leaves out nodes of its type (C3D15V, C3D27): that of its number of
+// nodes where this says which are there, else the type's own.
+Shape shapeWithNodes(Shape ofType, int nNodes);
 
 }  // namespace odbs::engine

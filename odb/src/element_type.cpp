@@ -75,6 +75,8 @@ struct Row {
 const Row kRows[] = {
     {Group::Solid, 4, Shape::Tet4, 1, 1},
     {Group::Solid, 10, Shape::Tet10, 4, 4},
+    {Group::Solid, 5, Shape::Pyramid5, 5, 5},
+    {Group::Solid, 13, Shape::Pyramid13, 8, 8},
     {Group::Solid, 6, Shape::Wedge6, 2, 2},
     {Group::Solid, 15, Shape::Wedge15, 9, 9},
     {Group::Solid, 8, Shape::Hex8, 8, 1},
@@ -100,11 +102,17 @@ const Row kRows[] = {
     {Group::ContinuumShell, 8, Shape::Hex8, 1, 1},
     {Group::Layer3D, 6, Shape::Wedge6, 3, 3},
     {Group::Layer3D, 8, Shape::Hex8, 4, 4},
+    {Group::Layer3D, 18, Shape::Layer18, 9, 9},
     {Group::Layer2D, 4, Shape::Quad4, 2, 2},
 };
 
 ElementType typeIn(Group group, const std::string& prefix, int number, const char* variant) {
   if (prefix == "STRI" && number == 3) return {Shape::Tri3, 3};
+  const std::string letters = variant;
+  if (group == Group::Solid && number == 15 && letters[0] == 'V') return {Shape::Wedge18, 9};
+  // Points at the nodes and in the middle, for stresses at the surface.
+  const bool atNodes = letters[0] == 'I' || letters.compare(0, 2, "HS") == 0;
+  if (group == Group::Solid && number == 10 && atNodes) return {Shape::Tet10, 11};
   for (const Row& row : kRows) {
     if (row.group != group || row.number != number) continue;
     return {row.shape, std::strchr(variant, 'R') ? row.reduced : row.full};
@@ -129,6 +137,13 @@ ElementType elementType(const std::string& name) {
     if (end > length) return typeIn(family.group, family.prefix, number, upper.c_str() + end);
   }
   return {};
+}
+
+Shape shapeWithNodes(Shape ofType, int nNodes) {
+  if (ofType == Shape::Wedge18 && nNodes == 15) return Shape::Wedge15;
+  if (ofType == Shape::Hex27 && nNodes == 20) return Shape::Hex20;
+  if (ofType == Shape::Hex27 && nNodes == 21) return Shape::Hex21;
+  return ofType;
 }
 
 }  // namespace odbs::engine

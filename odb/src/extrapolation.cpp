@@ -1,8 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The integration rules. Sources: Gauss-Legendre abscissae and products of them: K.J. Bathe,
 // "Finite Element Procedures", tables 5.6 and 5.7; triangle and tetrahedron rules of degree 2:
-// T.J.R. Hughes, "The Finite Element Method", tables 3.I.1 and 3.I.2. Points are numbered with r
-// running fastest, then s, then t; in triangles and tetrahedra point i lies nearest to node i.
+// T.J.R. Hughes, "The Finite Element Method", tables 3.I.1 and 3.I.2 (after P.C. Hammer and A.H.
+// Stroud); triangle with 6 points: G.R. Cowper, "Gaussian quadrature formulas for triangles", Int.
+// J. Numer. Meth. Eng. 7 (1973); hexahedron with 14 points: B.M. Irons, "Quadrature rules for brick
+// based finite elements", Int. J. Numer. Meth. Eng. 3 (1971); pyramid with 5 points: C.A. Felippa,
+// "A compendium of FEM integration formulas for symbolic work", Eng. Comput. 21 (2004); pyramid
+// with 8 points: A.H. Stroud, "Approximate Calculation of Multiple Integrals" (1971), conical
+// products.
+//
+// Points are numbered with r running fastest, then s, then t (in pyramids levels from the base up);
+// in triangles and tetrahedra point i lies nearest to node i. Of Irons' points the corners come
+// first, then those towards the faces -r, +r, -s, +s, -t, +t; 11 points of tetrahedra are the nodes
+// and the middle.
 #include "odb/src/extrapolation.h"
 
 #include "odb/src/tensor.h"
@@ -35,6 +45,49 @@ const std::vector<Point> kTetPoints = {{kTetFar, kTetFar, kTetFar},
                                        {kTetNear, kTetFar, kTetFar},
                                        {kTetFar, kTetNear, kTetFar},
                                        {kTetFar, kTetFar, kTetNear}};
+// Irons: points towards the faces at sqrt(19 / 30), towards the corners at sqrt(19 / 33).
+constexpr double kIronsFace = 0.79582242575422147, kIronsCorner = 0.75878691063932815;
+const std::vector<Point> kIronsPoints = {{-kIronsCorner, -kIronsCorner, -kIronsCorner},
+                                         {kIronsCorner, -kIronsCorner, -kIronsCorner},
+                                         {-kIronsCorner, kIronsCorner, -kIronsCorner},
+                                         {kIronsCorner, kIronsCorner, -kIronsCorner},
+                                         {-kIronsCorner, -kIronsCorner, kIronsCorner},
+                                         {kIronsCorner, -kIronsCorner, kIronsCorner},
+                                         {-kIronsCorner, kIronsCorner, kIronsCorner},
+                                         {kIronsCorner, kIronsCorner, kIronsCorner},
+                                         {-kIronsFace, 0, 0},
+                                         {kIronsFace, 0, 0},
+                                         {0, -kIronsFace, 0},
+                                         {0, kIronsFace, 0},
+                                         {0, 0, -kIronsFace},
+                                         {0, 0, kIronsFace}};
+// All quadratic functions and r s t, which hexahedra with straight edges need: fitted.
+const std::vector<Monomial> kIronsBasis = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1},
+                                           {1, 1, 0}, {1, 0, 1}, {0, 1, 1}, {1, 1, 1},
+                                           {2, 0, 0}, {0, 2, 0}, {0, 0, 2}};
+
+// Cowper: near the corners, then near the middles of the edges.
+constexpr double kCowperNear = 0.091576213509770743, kCowperFar = 0.44594849091596489;
+const std::vector<Point> kCowperPoints = {
+    {kCowperNear, kCowperNear, 0},         {1 - 2 * kCowperNear, kCowperNear, 0},
+    {kCowperNear, 1 - 2 * kCowperNear, 0}, {kCowperFar, 1 - 2 * kCowperFar, 0},
+    {kCowperFar, kCowperFar, 0},           {1 - 2 * kCowperFar, kCowperFar, 0}};
+const std::vector<Monomial> kTriQuadratic = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0},
+                                             {2, 0, 0}, {1, 1, 0}, {0, 2, 0}};
+
+// Felippa: 8 sqrt(2 / 15) / 5 in a sixth of the height, and one point at seven tenths.
+constexpr double kFelippa = 0.58423739467217719;
+const std::vector<Point> kPyramidPoints = {{-kFelippa, -kFelippa, 5.0 / 6},
+                                           {kFelippa, -kFelippa, 5.0 / 6},
+                                           {-kFelippa, kFelippa, 5.0 / 6},
+                                           {kFelippa, kFelippa, 5.0 / 6},
+                                           {0, 0, 0.3}};
+const std::vector<Monomial> kPyramidBasis = {{0, 0, 0}, {1, 0, 1}, {0, 1, 1}, {0, 0, 1}, {1, 1, 1}};
+// Gauss-Jacobi abscissae for the weight t t on 0 to 1: roots of t t - 4 t / 3 + 2 / 5.
+constexpr double kJacobiBase = 0.87748517734455863, kJacobiTop = 0.45584815598877473;
+const std::vector<Monomial> kConicalBasis = {{0, 0, 0}, {1, 0, 1}, {0, 1, 1}, {1, 1, 1},
+                                             {0, 0, 1}, {1, 0, 2}, {0, 1, 2}, {1, 1, 2}};
+
 const std::vector<Monomial> kConstant = {{0, 0, 0}};
 const std::vector<Monomial> kLinear = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 
@@ -68,7 +121,32 @@ Layout lines(int nR, int nS, int nT) {
 
 Layout triangle(int n) {
   if (n == 1) return {kTriPoint, kConstant};
+  if (n == 6) return {kCowperPoints, kTriQuadratic};
   return {kTriPoints, {kLinear.begin(), kLinear.begin() + 3}};
+}
+
+// The nodes and the middle, where r s t is the function that vanishes at the nodes.
+Layout tetrahedronNodes() {
+  Layout layout = {shapeNodes(Shape::Tet10), kLinear};
+  layout.points.push_back(shapeCentre(Shape::Tet10));
+  for (const Monomial& m :
+       {Monomial{2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {1, 1, 0}, {1, 0, 1}, {0, 1, 1}, {1, 1, 1}}) {
+    layout.basis.push_back(m);
+  }
+  return layout;
+}
+
+Layout pyramid(int n) {
+  if (n == 1) return {{shapeCentre(Shape::Pyramid5)}, kConstant};
+  if (n == 5) return {kPyramidPoints, kPyramidBasis};
+  Layout layout = {{}, kConicalBasis};
+  for (const double t : {kJacobiBase, kJacobiTop}) {
+    for (Point p : lines(2, 2, 1).points) {
+      p[2] = t;
+      layout.points.push_back(p);
+    }
+  }
+  return layout;
 }
 
 // Empty when there is no such rule.
@@ -87,14 +165,21 @@ Layout layoutOf(Solid solid, int n) {
     case Solid::Tetrahedron:
       if (n == 1) return {kTetPoint, kConstant};
       if (n == 4) return {kTetPoints, kLinear};
+      if (n == 11) return tetrahedronNodes();
+      break;
+    case Solid::Pyramid:
+      if (n == 1 || n == 5 || n == 8) return pyramid(n);
       break;
     case Solid::Wedge:
       if (n <= 2) return timesLine(triangle(1), n, 2);
       if (n % 3 == 0 && n <= 9) return timesLine(triangle(3), n / 3, 2);
+      if (n == 18) return timesLine(triangle(6), 3, 2);
       break;
     case Solid::Hexahedron:
       if (n == 1) return lines(1, 1, 1);
       if (n == 4) return lines(2, 2, 1);  // the mid-surface of a layer element
+      if (n == 9) return lines(3, 3, 1);
+      if (n == 14) return {kIronsPoints, kIronsBasis};
       if (n == 8 || n == 27) return lines(n == 8 ? 2 : 3, n == 8 ? 2 : 3, n == 8 ? 2 : 3);
       break;
     default:

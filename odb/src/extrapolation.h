@@ -5,12 +5,16 @@
 // functions of x, y, z; then the smallest correction (least sum of squares of the changed weights)
 // is added that makes these exact as far as the points determine them. So:
 //   hexahedra and quadrilaterals, 2 or 3 points a side   linear fields exact, any geometry
-//   triangles with 3 points, tetrahedra with 4           linear fields exact, any geometry
-//   wedges with 9 or 6 points, lines with 2 or 3         linear fields exact, any geometry
+//   hexahedra with 14 points                             linear fields exact, any geometry
+//   triangles with 3 points, tetrahedra with 4 or 11     linear fields exact, any geometry
+//   pyramids with 5 or 8 points                          linear fields exact, any geometry
+//   wedges with 18, 9 or 6 points, lines with 2 or 3     linear fields exact, any geometry
 //   wedges with 2 points                                 exact along the axis, constant across
 //   one point                                            constant
 //   layers (cohesive, gasket) with mid-surface points    exact along the surface, constant across
 //   unknown shape, or another number of points           the mean, everywhere
+// Quadratic fields are exact too in elements with straight edges and 3 points a side, 14
+// (hexahedra), 11 (tetrahedra) or 18 points (wedges).
 #pragma once
 
 #include "odb/src/element_shape.h"

@@ -179,10 +179,11 @@ class Extrapolator {
     first_ = plan_.starts[e] - sliceStart_;
     nPoints_ = plan_.starts[e + 1] - plan_.starts[e];
     const int* numbers = &points_[static_cast<std::size_t>(first_)];
-    const ExtrapolationRule* rule = extrapolationRule(plan_.shape, nPoints_);
+    const Element element = elementOf(entity_, plan_.labels[e]);
+    const Shape shape = shapeWithNodes(plan_.shape, element.nNodes);
+    const ExtrapolationRule* rule = extrapolationRule(shape, nPoints_);
     weights_ = nullptr;
     if (rule && orderPoints(numbers, nPoints_, order_)) {
-      const Element element = elementOf(entity_, plan_.labels[e]);
       const bool whole = element.nNodes >= rule->nNodes;
       if (rule->exactForShape) {
         weights_ = plan_.centroid ? &rule->toCentre : &rule->toNodes;

@@ -160,16 +160,17 @@ class Places {
   // Weights of the element's nodes for value i: the shape functions at its integration point, or at
   // the centre.
   std::vector<double> weightsAt(int i, int nConnected) const {
-    const int nShape = static_cast<int>(shapeNodes(shape_).size());
+    const Shape shape = shapeWithNodes(shape_, nConnected);
+    const int nShape = static_cast<int>(shapeNodes(shape).size());
     if (nShape == 0 || nShape > nConnected) {
       return std::vector<double>(static_cast<std::size_t>(nConnected), 1.0 / nConnected);
     }
     const ExtrapolationRule* rule =
-        points_ ? extrapolationRule(shape_, layout_.valuesPerElement) : nullptr;
+        points_ ? extrapolationRule(shape, layout_.valuesPerElement) : nullptr;
     if (rule && points_[i] >= 1 && points_[i] <= rule->nPoints) {
-      return shapeFunctions(shape_, rule->points[static_cast<std::size_t>(points_[i] - 1)]);
+      return shapeFunctions(shape, rule->points[static_cast<std::size_t>(points_[i] - 1)]);
     }
-    return shapeFunctions(shape_, shapeCentre(shape_));
+    return shapeFunctions(shape, shapeCentre(shape));
   }
 
   BlockLayout& layout_;

@@ -10,9 +10,11 @@ namespace {
 
 using namespace odbs::engine;
 
-const Shape kAll[] = {Shape::Line2,   Shape::Line3, Shape::Tri3,  Shape::Tri6,  Shape::Quad4,
-                      Shape::Quad8,   Shape::Quad9, Shape::Tet4,  Shape::Tet10, Shape::Wedge6,
-                      Shape::Wedge15, Shape::Hex8,  Shape::Hex20, Shape::Hex27};
+const Shape kAll[] = {Shape::Line2,    Shape::Line3,     Shape::Tri3,    Shape::Tri6,
+                      Shape::Quad4,    Shape::Quad8,     Shape::Quad9,   Shape::Tet4,
+                      Shape::Tet10,    Shape::Wedge6,    Shape::Wedge15, Shape::Wedge18,
+                      Shape::Pyramid5, Shape::Pyramid13, Shape::Hex8,    Shape::Layer18,
+                      Shape::Hex20,    Shape::Hex21,     Shape::Hex27};
 
 TEST(ElementShape, FunctionsSumToOneEverywhereAndTakeOneAtTheirNode) {
   for (Shape shape : kAll) {
@@ -57,6 +59,24 @@ TEST(ElementShape, QuadraticWedgeMatchesTheTextbook) {
   }
 }
 
+TEST(ElementShape, QuadraticPyramidMatchesThePaper) {
+  // Bedrosian's functions, in x and y across a pyramid of height 1, z from the base up.
+  const double x = 0.3, y = -0.2, z = 0.4, w = 1 - z;
+  const auto n = shapeFunctions(Shape::Pyramid13, {x / w, y / w, w});
+  EXPECT_NEAR(n[4], z * (2 * z - 1), 1e-12);
+  EXPECT_NEAR(n[6], (w - y) * (w + y) * (w + x) / (2 * w), 1e-12);
+  EXPECT_NEAR(n[11], z * (w + x) * (w + y) / w, 1e-12);
+  EXPECT_NEAR(n[2], (x + y - 1) * (w + x) * (w + y) / (4 * w), 1e-12);
+}
+
+TEST(ElementShape, ElementsThatLeaveOutNodesHaveTheShapeOfTheRest) {
+  EXPECT_EQ(shapeWithNodes(Shape::Wedge18, 15), Shape::Wedge15);
+  EXPECT_EQ(shapeWithNodes(Shape::Wedge18, 17), Shape::Wedge18);
+  EXPECT_EQ(shapeWithNodes(Shape::Hex27, 20), Shape::Hex20);
+  EXPECT_EQ(shapeWithNodes(Shape::Hex27, 21), Shape::Hex21);
+  EXPECT_EQ(shapeWithNodes(Shape::Hex8, 8), Shape::Hex8);
+}
+
 struct NamedType {
   const char* name;
   Shape shape;
@@ -86,6 +106,9 @@ TEST(ElementShape, NamesGiveShapeAndNumberOfPoints) {
                              {"COH3D6", Shape::Wedge6, 3},   {"COH2D4", Shape::Quad4, 2},
                              {"GK3D8", Shape::Hex8, 4},      {"DC3D20", Shape::Hex20, 27},
                              {"DC2D8", Shape::Quad8, 9},     {"AC3D10", Shape::Tet10, 4},
+                             {"C3D5", Shape::Pyramid5, 5},   {"C3D10I", Shape::Tet10, 11},
+                             {"C3D10HS", Shape::Tet10, 11},  {"C3D15V", Shape::Wedge18, 9},
+                             {"C3D27R", Shape::Hex27, 14},   {"GK3D18", Shape::Layer18, 9},
                              {"CONN3D2", Shape::Unknown, 0}, {"MASS", Shape::Unknown, 0},
                              {"SPRINGA", Shape::Unknown, 0}, {"", Shape::Unknown, 0},
                              {"C3D", Shape::Unknown, 0},     {"S99999999999", Shape::Unknown, 0}};

@@ -132,7 +132,9 @@ class odb_FieldOutput {
                const odb_SequenceSequenceFloat& data,
                const odb_SectionPoint& sectionPoint = odb_SectionPoint(),
                const odb_SequenceSequenceFloat& conjugate = odb_SequenceSequenceFloat());
-  // The values of another field, which may be a computed one.
+  // The values of another field, which may be a computed one, or of another database: then they go
+  // to the instance of the same name and the section point of the same number in the category of
+  // the same name. Throws odb_Exception where there is none.
   void addData(const odb_FieldOutput& field);
 
   // Same field, not same content.

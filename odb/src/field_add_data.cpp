@@ -165,6 +165,21 @@ const odb_Instance& instanceIn(Database& database, const odb_Instance& other) {
   return instances.get(other.name());
 }
 
+// The point of the same number in the category of that name in another database.
+odb_SectionPoint pointIn(Database& database, BlockLayout& layout) {
+  const int number = layout.sectionPoint().number();
+  const odb_String& name =
+      layout.database->model().categories[static_cast<std::size_t>(layout.category)].name;
+  for (CategoryData& category : database.model().categories) {
+    if (!(category.name == name)) continue;
+    for (SectionPointData& point : category.points) {
+      if (point.number == number) return odb_SectionPoint(&point);
+    }
+  }
+  failUsage("the database has no section point " + std::to_string(number) +
+            " in a section category " + name.CStr());
+}
+
 template <class Real>
 void addBlock(FieldData& field, FieldBlock& block) {
   BlockLayout& layout = *block.layout;
@@ -191,10 +206,8 @@ void addBlock(FieldData& field, FieldBlock& block) {
     request.faces = faces.data();
   }
   if (layout.category >= 0) {
-    if (layout.database != field.database) {
-      failUsage("values at section points cannot be copied between databases");
-    }
-    request.sectionPoint = layout.sectionPoint();
+    request.sectionPoint = layout.database == field.database ? layout.sectionPoint()
+                                                             : pointIn(*field.database, layout);
   }
   addValues(field, request);
 }

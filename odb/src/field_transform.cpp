@@ -48,20 +48,23 @@ class System {
 
   bool dependsOnPlace() const { return type_ != odb_Enum::CARTESIAN; }
 
-  // Directions at a place, as rows. On the axis, where radial directions don't exist, the
-  // system's own.
+  // Directions at a place, as rows. On the axis of a cylindrical system and in the origin of a
+  // spherical one radial directions don't exist: there, the system's own. On the axis of a
+  // spherical system the circumferential direction is that of the plane of x and z.
   Matrix3 at(const Vector& place) const {
     if (!dependsOnPlace()) return axes_;
     Vector local{};
     for (std::size_t i = 0; i < 3; ++i) {
       for (std::size_t k = 0; k < 3; ++k) local[i] += axes_[i][k] * (place[k] - origin_[k]);
     }
+    const bool spherical = type_ == odb_Enum::SPHERICAL;
     const double radius = std::hypot(local[0], local[1]);
     const double length = std::hypot(radius, local[2]);
-    if (radius <= 1e-12 * (length + 1e-300)) return axes_;
-    const double c = local[0] / radius, s = local[1] / radius;
+    const bool onAxis = radius <= 1e-12 * (length + 1e-300);
+    if (onAxis && (!spherical || length == 0)) return axes_;
+    const double c = onAxis ? 1 : local[0] / radius, s = onAxis ? 0 : local[1] / radius;
     Matrix3 turn = {{{c, s, 0}, {-s, c, 0}, {0, 0, 1}}};
-    if (type_ == odb_Enum::SPHERICAL) {
+    if (spherical) {
       // Radial, circumferential, meridional.
       const double u = radius / length, w = local[2] / length;
       turn = {{{u * c, u * s, w}, {-s, c, 0}, {-w * c, -w * s, u}}};

@@ -334,6 +334,49 @@ TEST_F(FieldRoundTrip, UpdatedDatabasesShowNewFramesAndKeepOldValues) {
   reader.close();
 }
 
+// Another database, whose section categories and points have other places.
+class FieldCopy : public FieldRoundTrip {
+ protected:
+  FieldCopy() : other_(Odb("other", "", "", model_.folder.file("other.odb").c_str())) {
+    other_.SectionCategory("before", "");
+    odb_SectionCategory& shell = other_.SectionCategory("shell", "");
+    shell.SectionPoint(7, "fraction = 0.5, Layer = 1");
+    shell.SectionPoint(5, "fraction = 1.0, Layer = 1");
+    odb_Part& part = other_.Part("P", E::THREE_D, E::DEFORMABLE_BODY);
+    part.addNodes(ints({1, 2, 3, 4}), rows({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}));
+    odb_SequenceSequenceInt nodes;
+    nodes.append(ints({1, 2, 3, 4}));
+    part.addElements(ints({40}), nodes, "S4R", "", shell);
+    other_.rootAssembly().Instance("P-1", part);
+    target_ =
+        other_.Step("Step-1", "", E::TIME).Frame(1, 1.0F).FieldOutput("S", "", E::TENSOR_3D_PLANAR);
+  }
+  ~FieldCopy() override { other_.close(); }
+  odb_FieldOutput shellField(int point) {
+    odb_FieldOutput s = addFrame().FieldOutput("S", "", E::TENSOR_3D_PLANAR);
+    s.addData(E::INTEGRATION_POINT, model_.instance(), ints({40}), rows({{1, 2, 3, 4}}),
+              model_.point(point));
+    return s;
+  }
+  odb_Odb& other_;
+  odb_FieldOutput target_;
+};
+
+TEST_F(FieldCopy, FindsTheSectionPointOfTheOtherDatabase) {
+  target_.addData(shellField(5));
+  other_.save();
+  ASSERT_EQ(target_.bulkDataBlocks().size(), 1);
+  const odb_FieldBulkData& block = target_.bulkDataBlocks(0);
+  EXPECT_STREQ(block.sectionPoint().description().CStr(), "fraction = 1.0, Layer = 1");
+  EXPECT_EQ(numbers(block.data(), 4), (std::vector<float>{1, 2, 3, 4}));
+}
+
+TEST_F(FieldCopy, RefusesSectionPointsThatTheOtherDatabaseLacks) {
+  const odb_FieldOutput source = shellField(1);
+  EXPECT_THROW(target_.addData(source), odb_Exception);
+  EXPECT_EQ(target_.bulkDataBlocks().size(), 0);
+}
+
 TEST_F(FieldRoundTrip, CompressedDatabasesKeepTheirFields) {
   odb_embedded::setCompression(*model_.odb, true);
   addFrame()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Where the values of a field sit: a position and, for shells, beams and layered solids, the
-// section points at which there are values.
+// Where values of a field sit: a position and, for shells, beams and layered solids, the section
+// points of one section category at which there are values.
 #pragma once
 
 #include <odb_SectionCategory.h>

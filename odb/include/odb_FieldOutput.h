@@ -41,7 +41,8 @@ class odb_FieldOutput {
   const odb_SequenceString& componentLabels() const;
   // The element types that have values, each once.
   const odb_SequenceString& baseElementTypes() const;
-  // One per position.
+  // One per position and section category; values without a section point have one of their own.
+  // The subsets of a field at its locations make up the whole of it.
   const odb_SequenceFieldLocation& locations() const;
   const odb_FieldLocation& locations(int i) const;
 

@@ -5,6 +5,8 @@
 #include "odb/src/tensor.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 namespace odbs::engine {
 
@@ -29,25 +31,18 @@ odb_SequenceString defaultLabels(const odb_String& name, odb_Enum::odb_DataTypeE
   return labels;
 }
 
-void addLocation(odb_SequenceFieldLocation& locations, BlockLayout& layout) {
-  odb_SequenceSectionPoint points;
-  int place = -1;
-  for (int i = 0; i < locations.size(); ++i) {
-    if (locations[i].position() != layout.position) continue;
-    place = i;
-    points = locations[i].sectionPoint();
-  }
-  if (layout.category >= 0 && !points.isMember(layout.sectionPoint())) {
-    points.append(layout.sectionPoint());
-  } else if (place >= 0) {
-    return;
-  }
-  const odb_FieldLocation location(layout.position, points);
-  if (place >= 0) {
-    locations[place] = location;
-  } else {
-    locations.append(location);
-  }
+// Adds the location of a block's values. `places` says where in `locations` the one of a position
+// and section category is.
+void addLocation(odb_SequenceFieldLocation& locations, std::map<std::pair<int, int>, int>& places,
+                 BlockLayout& layout) {
+  const auto [at, isNew] =
+      places.emplace(std::make_pair(layout.position, layout.category), locations.size());
+  if (isNew) locations.append(odb_FieldLocation(layout.position));
+  if (layout.category < 0) return;
+  odb_SequenceSectionPoint points = locations[at->second].sectionPoint();
+  if (points.isMember(layout.sectionPoint())) return;
+  points.append(layout.sectionPoint());
+  locations[at->second] = odb_FieldLocation(layout.position, points);
 }
 
 odb_FieldOutput& addField(FrameData& frame, const FieldDescriptor& descriptor) {
@@ -115,9 +110,10 @@ void makeViews(FieldData& field) {
   field.bulk = odb_SequenceFieldBulkData();
   field.locations = odb_SequenceFieldLocation();
   field.elementTypes = odb_SequenceString();
+  std::map<std::pair<int, int>, int> places;
   for (const Block& block : field.blocks) {
     field.bulk.append(odb_FieldBulkData(block));
-    addLocation(field.locations, *block->layout);
+    addLocation(field.locations, places, *block->layout);
     const odb_String& type = block->layout->elementType;
     if (!type.empty() && !field.elementTypes.isMember(type)) field.elementTypes.append(type);
   }

@@ -266,7 +266,8 @@ odb_FieldOutput odb_FieldOutput::getSubset(const odb_FieldLocation& location) co
   const odb_SequenceSectionPoint& points = location.sectionPoint();
   return filtered(*this, [&](FieldBlock& block, std::vector<int>&) {
     return wholeIf(block.layout->position == location.position() &&
-                   (points.size() == 0 || points.isMember(block.layout->sectionPoint())));
+                   (points.size() == 0 ? block.layout->category < 0
+                                       : points.isMember(block.layout->sectionPoint())));
   });
 }
 

@@ -108,8 +108,8 @@ TEST_F(FieldRoundTrip, SectionPointsMakeBlocksAndPlanarTensorsOfTheirOwn) {
   EXPECT_EQ(f.bulkDataBlocks(2).sectionPoint().number(), 5);
   EXPECT_FLOAT_EQ(f.bulkDataBlocks(2).data()[0], 100);
   EXPECT_EQ(f.bulkDataBlocks(1).componentLabels().size(), 4);
-  ASSERT_EQ(f.locations().size(), 1);
-  EXPECT_EQ(f.locations(0).sectionPoint().size(), 2);
+  ASSERT_EQ(f.locations().size(), 2);
+  EXPECT_EQ(f.locations(1).sectionPoint().size(), 2);
 }
 
 TEST_F(FieldRoundTrip, ElementNodalValuesGetTheNodesOfTheConnectivity) {

@@ -68,7 +68,14 @@ TEST_F(FieldSubset, OfALocationHasItsPositionAndSectionPoints) {
   points.append(model_.point(1));
   EXPECT_EQ(s_.getSubset(odb_FieldLocation(E::INTEGRATION_POINT, points)).values().size(), 4);
   EXPECT_EQ(s_.getSubset(odb_FieldLocation(E::NODAL)).values().size(), 0);
-  EXPECT_EQ(s_.getSubset(s_.locations(0)).values().size(), 8);
+}
+
+TEST_F(FieldSubset, ItsLocationsMakeUpAField) {
+  ASSERT_EQ(s_.locations().size(), 2);
+  EXPECT_EQ(s_.locations(0).sectionPoint().size(), 0);
+  EXPECT_EQ(elementsOf(s_.getSubset(s_.locations(0))), (std::vector<int>{10, 20, 30, 10, 20, 30}));
+  EXPECT_EQ(s_.locations(1).sectionPoint().size(), 2);
+  EXPECT_EQ(s_.getSubset(s_.locations(1)).values().size(), 8);
 }
 
 TEST_F(FieldSubset, OfAnElementOrNodeHasItsValues) {

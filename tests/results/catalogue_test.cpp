@@ -138,6 +138,16 @@ TEST_F(Catalogue, ComplexFieldsAndSectionPointsAreFlagged) {
   EXPECT_EQ(frameRecord(0, 1, {2, 0, 1, 1}, "", 1), ask("fs ").back());
 }
 
+TEST_F(Catalogue, OnePointInEachOfTwoSectionsIsNotFlagged) {
+  odb_Frame frame = step("Step-1").Frame(1, 1);
+  odb_FieldOutput& field = frame.FieldOutput("SE", "", odb_Enum::SCALAR);
+  for (const char* name : {"membrane", "truss"}) {
+    const odb_SectionPoint only = odb_->SectionCategory(name, "").SectionPoint(1, "");
+    field.addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{1}}), only);
+  }
+  EXPECT_EQ(frameRecord(0, 1, {2, 0, 1, 0}, ""), ask("fs ").back());
+}
+
 TEST_F(Catalogue, LongStepTextsAreCut) {
   odb_Frame frame =
       odb_->Step(std::string(150, 'n').c_str(), std::string(150, 'd').c_str(), odb_Enum::TIME)

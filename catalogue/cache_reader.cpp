@@ -18,9 +18,9 @@ constexpr std::size_t kPieceBytes = 1u << 18;
 
 }  // namespace
 
-// Some systems open a folder like a file and refuse to read it.
+// Some systems open a folder like a file and refuse to read it; opening a pipe waits for a writer.
 CacheReader::CacheReader(const std::string& path)
-    : stream_(port::fileStatus(path).isDirectory ? nullptr : gzopen(path.c_str(), "rb")),
+    : stream_(port::fileStatus(path).isRegular ? gzopen(path.c_str(), "rb") : nullptr),
       bytes_(kPieceBytes + kLongestLine + 1) {
   if (stream_) gzbuffer(stream_, kInflateBytes);
 }

@@ -53,7 +53,7 @@ bool isTerminal(int fd);
 // What is compared to tell whether a file changed.
 struct FileStatus {
   bool exists = false;                // false: everything else is 0
-  bool isDirectory = false;           //
+  bool isRegular = false;             // an ordinary file: no folder, pipe or device
   std::int64_t modificationTime = 0;  // opaque unit, as fine as the file system gives; comparable
   std::int64_t size = 0;              // bytes
   std::uint16_t inode = 0;            // low 16 bits of the inode number; always 0 on Windows

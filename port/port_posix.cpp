@@ -81,7 +81,7 @@ FileStatus fileStatus(const std::string& path) {
   struct stat s;
   if (::stat(path.c_str(), &s) != 0) return status;
   status.exists = true;
-  status.isDirectory = S_ISDIR(s.st_mode);
+  status.isRegular = S_ISREG(s.st_mode);
   status.modificationTime = std::int64_t{s.st_mtim.tv_sec} * 1000000000 + s.st_mtim.tv_nsec;
   status.size = s.st_size;
   status.inode = static_cast<std::uint16_t>(s.st_ino);

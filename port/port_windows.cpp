@@ -90,7 +90,7 @@ FileStatus fileStatus(const std::string& path) {
   struct _stat64 s;
   if (::_stat64(path.c_str(), &s) != 0) return status;
   status.exists = true;
-  status.isDirectory = (s.st_mode & _S_IFDIR) != 0;
+  status.isRegular = (s.st_mode & _S_IFMT) == _S_IFREG;
   status.modificationTime = s.st_mtime;
   status.size = s.st_size;
   status.inode = static_cast<std::uint16_t>(s.st_ino);

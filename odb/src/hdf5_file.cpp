@@ -116,7 +116,8 @@ void Hdf5File::failCall(const char* call, const std::string& object) const {
 Hdf5File Hdf5File::openForReading(const std::string& path) {
   const port::FileStatus status = port::fileStatus(path);
   if (!status.exists) fail(odb_ERROR_CANNOT_OPEN, "cannot open " + path + ": no such file");
-  if (status.isDirectory) fail(odb_ERROR_CANNOT_OPEN, "cannot open " + path + ": a directory");
+  // Opening a pipe would wait for a writer.
+  if (!status.isRegular) fail(odb_ERROR_CANNOT_OPEN, "cannot open " + path + ": not a file");
   Hdf5File file;
   file.path_ = path;
   file.fileSize_ = status.size;

@@ -42,10 +42,10 @@ TEST_F(Files, StatusTellsSizeKindAndAbsence) {
   write("a", "12345");
   const FileStatus file = fileStatus(path("a"));
   EXPECT_TRUE(file.exists);
-  EXPECT_FALSE(file.isDirectory);
+  EXPECT_TRUE(file.isRegular);
   EXPECT_EQ(5, file.size);
   EXPECT_GT(file.modificationTime, 0);
-  EXPECT_TRUE(fileStatus(folder_.string()).isDirectory);
+  EXPECT_FALSE(fileStatus(folder_.string()).isRegular);
   const FileStatus absent = fileStatus(path("none"));
   EXPECT_FALSE(absent.exists);
   EXPECT_EQ(0, absent.modificationTime);

@@ -2,6 +2,7 @@
 // The commands o, l, c and u against a real server, byte by byte.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "tests/support/databases.h"
@@ -89,11 +90,15 @@ TEST_F(RegistryCommands, BadFilesGetTheAcknowledgementFromEveryCommand) {
   writeFile(folder.file("text.odb"), "no database");
   makeFutureDatabase(folder.file("future.odb"));
   fs::create_directory(folder.file("folder.odb"));
+  const std::string pipe = folder.file("pipe.odb");
+#if !defined(_WIN32)
+  ASSERT_EQ(0, std::system(("mkfifo '" + pipe + "'").c_str()));
+#endif
   std::string longPath = folder.file("x");
   longPath.resize(4000, 'x');
   for (const std::string& path :
        {folder.file("missing.odb"), folder.file("empty.odb"), folder.file("text.odb"),
-        folder.file("future.odb"), folder.file("folder.odb"), longPath}) {
+        folder.file("future.odb"), folder.file("folder.odb"), pipe, longPath}) {
     for (const char* command : {"o ", "c ", "u ", "g ", "G ", "S 0 0 ", "s 1 1 ", "fd ", "hi ",
                                 "irf ", "irs 0 ", "is   ", "rs "}) {
       EXPECT_EQ(server.reply(command + path), kAckHex) << command << path.substr(0, 200);

@@ -74,7 +74,7 @@ void sendProcedure(int outputFd, const CatalogueEntry& entry) {
 //   5+n     4+m   text: description
 void sendField(int outputFd, const CatalogueEntry& entry) {
   beginRecord(kFieldTag);
-  putText(entry.fieldName);
+  putText(entry.fieldName, 4);
   putText(entry.fieldDescription);
   appendRecord(outputFd);
 }

@@ -77,7 +77,7 @@ void sendStep(int outputFd, const odb_Step& step, int stepNumber) {
   putI32(stepNumber);
   putI32(static_cast<int>(step.domain()));
   putF64(static_cast<double>(step.totalTime()));
-  putText(step.name().CStr());
+  putText(step.name().CStr(), 4);
   putText(step.description().CStr());
   sendDirect(outputFd);
 }
@@ -93,8 +93,8 @@ void sendRegion(int outputFd, const odb_HistoryRegion& region) {
   const odb_HistoryPoint point = sdk::historyPointOf(region);
   const PointNumbers numbers = pointNumbers(point);
   beginRecord(kRegionTag);
-  putText(region.name().CStr());
-  putText(point.region().name().CStr());
+  putText(region.name().CStr(), 20);
+  putText(point.region().name().CStr(), 16);
   putI32(positionCode(static_cast<int>(point.position())));
   putI32(numbers.first);
   putI32(numbers.second);
@@ -111,8 +111,8 @@ void sendRegion(int outputFd, const odb_HistoryRegion& region) {
 //   13+n+m  4     conjugate flag
 void sendOutput(int outputFd, const odb_HistoryOutput& output, bool conjugate) {
   beginRecord(kOutputTag);
-  putText(output.name().CStr());
-  putText(output.description().CStr());
+  putText(output.name().CStr(), 12);
+  putText(output.description().CStr(), 8);
   putI32(static_cast<int>(output.type()));
   putI32(conjugate ? 1 : 0);
   sendDirect(outputFd);

@@ -21,9 +21,9 @@ bool isForSection(const std::string& regionName, std::string_view sectionName) {
 
 // Region name and the two coordinate systems, empty where the orientation has none.
 void putOrientation(const odb_ConnectorOrientation& orientation, const std::string& regionName) {
-  putText(regionName);
-  putString(sdk::hasCsys1(orientation) ? orientation.csys1().name() : odb_String());
-  putString(sdk::hasCsys2(orientation) ? orientation.csys2().name() : odb_String());
+  putText(regionName, 12);
+  putString(sdk::hasCsys1(orientation) ? orientation.csys1().name() : odb_String(), 8);
+  putString(sdk::hasCsys2(orientation) ? orientation.csys2().name() : odb_String(), 4);
 }
 
 }  // namespace

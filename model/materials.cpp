@@ -20,6 +20,12 @@ constexpr int kElasticValues = 6;
 constexpr int kFailStrainValues = 5;
 constexpr int kFailStressValues = 7;
 
+// What the elastic type may need: cut to nothing it would say that there is no elastic behaviour.
+constexpr std::size_t kTypeRoom = 64;
+// What follows the elastic type, to the end of the record.
+constexpr std::size_t kLongestElastic =
+    4 * (kElasticValues + (1 + kFailStrainValues) + (1 + kFailStressValues) + 1 + 1);
+
 // Puts the first `nValues` values of the table's first row as singles, 0 for what is missing.
 void putFirstRow(const odb_SequenceSequenceDouble& table, int nValues) {
   const int nGiven = table.size() > 0 ? table[0].size() : 0;
@@ -36,7 +42,7 @@ void putFirstRow(const odb_SequenceSequenceDouble& table, int nValues) {
 //   32    fail stress: u32 1, 7 values       when the material has it
 //   4     -1
 void putElastic(const odb_Elastic& elastic) {
-  putString(elastic.type());
+  putString(elastic.type(), kLongestElastic);
   putFirstRow(elastic.table(), kElasticValues);
   const odb_FailStrain failStrain = elastic.failStrain();
   if (failStrain.hasValue()) {
@@ -60,7 +66,7 @@ void putElastic(const odb_Elastic& elastic) {
 //   end-4   4     1 when the material is an acoustic medium, else 0
 void sendMaterial(const odb_Material& material, int outputFd) {
   beginRecord(kMaterialTag);
-  putString(material.name());
+  putString(material.name(), 4 + kTypeRoom + kLongestElastic);
   const odb_Density density = material.density();
   if (density.hasValue()) {
     putFirstRow(density.table(), 1);

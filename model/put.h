@@ -16,9 +16,9 @@ inline std::string_view viewOf(const odb_String& text) {
   return {text.CStr(), static_cast<std::size_t>(text.Length())};
 }
 
-// A text: byte count and bytes.
-inline void putString(const odb_String& text) {
-  putText(viewOf(text));
+// A text: byte count and bytes, cut so that `reserved` bytes behind it stay free.
+inline void putString(const odb_String& text, std::size_t reserved = 0) {
+  putText(viewOf(text), reserved);
 }
 
 // Bytes that the record being built can still take.

@@ -24,10 +24,10 @@ std::size_t sizeOfTable(const odb_SequenceSequenceFloat& table) {
   return size;
 }
 
-// Row count, then each row as its value count and values. Rows past the end of the record are left
-// out and not counted.
-void putTable(const odb_SequenceSequenceFloat& table) {
-  std::size_t size = 4;
+// Row count, then each row as its value count and values. Rows that would not leave `reserved`
+// bytes of the record free are left out and not counted.
+void putTable(const odb_SequenceSequenceFloat& table, std::size_t reserved = 0) {
+  std::size_t size = 4 + reserved;
   int nRows = 0;
   while (nRows < table.size() && size + sizeOfRow(table[nRows]) <= recordRoom()) {
     size += sizeOfRow(table[nRows++]);
@@ -71,10 +71,10 @@ void putSegments(const odb_SequenceAnalyticSurfaceSegment& segments) {
 //   ...    per segment: type text, then its data as a table
 void sendAnalyticSurface(const odb_AnalyticSurface& surface, int outputFd) {
   beginRecord(kAnalyticSurfaceTag);
-  putString(surface.name());
-  putString(surface.type());
+  putString(surface.name(), 4 + 4 + 4 + 4);
+  putString(surface.type(), 4 + 4 + 4);
   putF32(static_cast<float>(surface.filletRadius()));
-  putTable(surface.localCoordData());
+  putTable(surface.localCoordData(), 4);
   putSegments(surface.segments());
   appendRecord(outputFd);
 }

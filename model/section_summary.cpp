@@ -45,7 +45,7 @@ void sendSummary(const odb_Section& section, const std::string& name, const Sect
   const auto number = numbers.find(name);
   beginRecord(kSectionTag);
   putI32(number == numbers.end() ? 0 : number->second);
-  putText(sentSectionName(name));
+  putText(sentSectionName(name), 4);
   putU32(kindCode(section));
   appendRecord(outputFd);
 }

@@ -27,6 +27,9 @@ constexpr std::int32_t kMembraneCode = -9;
 constexpr std::int32_t kGasketCode = -10;
 constexpr std::int32_t kCohesiveCode = -11;
 
+// What a connector's data take when its texts are cut to nothing; no other kind needs more.
+constexpr std::size_t kLeastKindData = 20;
+
 // ---- Composite layers ----
 
 // Consecutive section points of one layer.
@@ -117,7 +120,7 @@ void putCompositeSection(const SectionContext& context) {
 template <class Section, std::int32_t code>
 void putMaterialSection(const SectionContext& context) {
   putI32(code);
-  putString(odb_dynamicCast(Section, context.section).material());
+  putString(odb_dynamicCast(Section, context.section).material(), 4);
   putU32(0);
 }
 
@@ -126,7 +129,7 @@ void putHomogeneousShell(const SectionContext& context) {
       odb_dynamicCast(odb_HomogeneousShellSection, context.section);
   putI32(kHomogeneousShellCode);
   putF32(static_cast<float>(shell.thickness()));
-  putString(shell.material());
+  putString(shell.material(), 4);
   putU32(0);
 }
 
@@ -175,7 +178,7 @@ constexpr SectionKind kSectionKinds[] = {
 void sendSection(const SectionContext& context, std::int32_t number, int outputFd) {
   beginRecord(kSectionTag);
   putI32(number);
-  putText(sentSectionName(context.name));
+  putText(sentSectionName(context.name), kLeastKindData);
   void (*put)(const SectionContext&) = nullptr;
   for (const SectionKind& kind : kSectionKinds) {
     if (put == nullptr && kind.matches(context.section)) put = kind.put;

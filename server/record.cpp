@@ -69,9 +69,10 @@ void putBytes(const void* bytes, std::size_t n) {
   if (kept > 0) std::memcpy(stage(kept), bytes, kept);
 }
 
-void putText(std::string_view text) {
+void putText(std::string_view text, std::size_t reserved) {
   if (roomLeft() < 4) return;
-  const std::size_t kept = std::min<std::size_t>(text.size(), roomLeft() - 4);
+  const std::size_t room = roomLeft() - 4;
+  const std::size_t kept = std::min(text.size(), room - std::min(room, reserved));
   putU32(static_cast<std::uint32_t>(kept));
   putBytes(text.data(), kept);
 }

@@ -20,13 +20,14 @@ void beginRecord(unsigned char tag);
 
 // Append to the staging area. What does not fit its 10240 bytes is left out: a number as a whole,
 // bytes and texts by their end. A text is its byte count (u32, of what is kept) and its bytes,
-// without a NUL. Numbers that do not fit return false.
+// without a NUL; `reserved` bytes behind it stay free for what the record must bring after the
+// text. Numbers that do not fit return false.
 bool putU32(std::uint32_t value);
 bool putI32(std::int32_t value);
 bool putF32(float value);
 bool putF64(double value);
 void putBytes(const void* bytes, std::size_t n);
-void putText(std::string_view text);
+void putText(std::string_view text, std::size_t reserved = 0);
 
 // Payload bytes staged so far.
 std::uint32_t recordLength();

@@ -95,6 +95,16 @@ TEST_F(Materials, FailureDataListsStrainBeforeStress) {
             streamed(kMaterialTag));
 }
 
+TEST_F(Materials, ANameThatARecordCannotHoldIsCutAndTheRestFollows) {
+  const std::string longName(12000, 'N');
+  odb_Material& material = materials_.Material(longName.c_str());
+  material.Elastic(doubleRows({{1}}), "LAMINA");
+  const std::string record = streamed(kMaterialTag).at(0);
+  const std::string tail =
+      Payload(0).f32(0).text("LAMINA").f32(1).zeros(5).i32(-1).i32(0).operator std::string();
+  EXPECT_EQ(tail.substr(1), record.substr(record.size() - (tail.size() - 1)));
+}
+
 TEST_F(Materials, AnAcousticMediumIsFlagged) {
   materials_.Material("AIR").AcousticMedium(doubleRows({{0.142}}));
   EXPECT_EQ((Records{Payload(0x11).text("AIR").f32(0).i32(0).i32(1)}), streamed(kMaterialTag));

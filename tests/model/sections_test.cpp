@@ -109,6 +109,19 @@ TEST_F(Sections, AKindWithoutACodeSendsZero) {
   EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(0)}), sentFor(sections_.BeamSection("A")));
 }
 
+TEST_F(Sections, TextsThatARecordCannotHoldAreCutAndTheRestFollows) {
+  const std::string longText(12000, 'N');
+  materials_.Material(longText.c_str());
+  odb_Instance& bar = instance("BAR", bars("BAR", 2, "truss"));
+  assign(bar, "E1", sections_.TrussSection(("A" + longText).c_str(), "STEEL"));
+  assign(bar, "E2", sections_.TrussSection("B", longText.c_str()));
+  const std::string name = "A" + longText.substr(0, 10240 - 1 - 4 - 4 - 20 - 1);
+  const std::string material = longText.substr(0, 10240 - 1 - 4 - 5 - 4 - 4 - 4);
+  EXPECT_EQ((Records{Payload('$').i32(1).text(name).i32(-7).text("STEEL").i32(0),
+                     Payload('$').i32(2).text("B").i32(-7).text(material).i32(0)}),
+            streamed(kSectionTag));
+}
+
 TEST_F(Sections, ASectionThatNoElementHasIsNotSent) {
   solid("UNUSED");
   odb_Instance& instance = cube();

@@ -92,6 +92,17 @@ TEST_F(Records, NumbersThatDoNotFitAreLeftOutWhole) {
   EXPECT_EQ(flushed().substr(2 + 10234), std::string("\1\0\0\0ab", 6));
 }
 
+TEST_F(Records, ATextIsCutForWhatFollowsIt) {
+  beginRecord('x');
+  putText(std::string(20000, 'n'), 4 + 4);
+  putText("cut to nothing", 4);
+  EXPECT_TRUE(putU32(7));
+  appendRecord(fd_);
+  const std::string bytes = flushed();
+  EXPECT_EQ(bytes.size(), 2u + 10240);
+  EXPECT_EQ(hexOf(bytes.substr(2 + 10232)), "00 00 00 00 07 00 00 00");
+}
+
 TEST_F(Records, TheBufferIsWrittenFirstWhenFillAndPayloadReach40950) {
   for (int i = 0; i < 4; ++i) append(10198);  // 40800 bytes with their frames
   append(40949 - 40800);

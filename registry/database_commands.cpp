@@ -33,6 +33,7 @@ void walkOpenDatabases(sdk::Repository& repository) {
 
 void closeCommand(sdk::Repository& repository, const std::string& path, int outputFd) {
   try {
+    closeChangedDatabases(repository);
     std::string key = path;
     if (upgradeRequired(path)) {
       announceUpgradedCopy(path, outputFd);
@@ -45,8 +46,9 @@ void closeCommand(sdk::Repository& repository, const std::string& path, int outp
   }
 }
 
-bool checkUpgradeCommand(const std::string& path, int outputFd) {
+bool checkUpgradeCommand(sdk::Repository& repository, const std::string& path, int outputFd) {
   try {
+    closeChangedDatabases(repository);
     if (!upgradeRequired(path)) return false;
     if (!upgradedCopyIsStale(path) && !upgradeRequired(upgradedCopyOf(path))) return false;
   } catch (...) {

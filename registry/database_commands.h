@@ -18,6 +18,6 @@ void closeCommand(sdk::Repository& repository, const std::string& path, int outp
 
 // `u`: sends the direct upgrade-needed record and returns true when opening `path` would run an
 // upgrade; otherwise sends nothing and returns false. Opens nothing.
-bool checkUpgradeCommand(const std::string& path, int outputFd);
+bool checkUpgradeCommand(sdk::Repository& repository, const std::string& path, int outputFd);
 
 }  // namespace odbs

@@ -92,23 +92,28 @@ std::string currentRelease(sdk::Repository& repository, const std::string& path,
   return copy;
 }
 
-// The key under which `path` is open, perhaps written in another way, or an empty text.
-std::string openKeyOf(sdk::Repository& repository, const std::string& path) {
+// The key under which `path` is open, or was until now, perhaps written in another way; or `path`.
+std::string keyFor(sdk::Repository& repository, const std::string& path,
+                   const std::vector<std::string>& justClosed) {
   if (sdk::isOpen(repository, path)) return path;
   const std::string canonical = canonicalPath(path);
-  for (const std::string& key : sdk::openKeys(repository)) {
+  std::vector<std::string> keys = sdk::openKeys(repository);
+  keys.insert(keys.end(), justClosed.begin(), justClosed.end());
+  for (const std::string& key : keys) {
     if (canonicalPath(key) == canonical) return key;
   }
-  return {};
+  return path;
 }
 
 }  // namespace
 
 odb_Odb& openDatabase(sdk::Repository& repository, const std::string& path, int outputFd) {
   try {
+    const std::vector<std::string> justClosed = closeChangedDatabases(repository);
     const std::string current = currentRelease(repository, path, outputFd);
-    const std::string key = openKeyOf(repository, current);
-    return key.empty() ? openNew(repository, current) : revalidate(repository, key, path);
+    const std::string key = keyFor(repository, current, justClosed);
+    return sdk::isOpen(repository, key) ? revalidate(repository, key, path)
+                                        : openNew(repository, key);
   } catch (...) {
     throw OpenError();
   }
@@ -118,6 +123,18 @@ void closeDatabase(sdk::Repository& repository, const std::string& key) {
   resetDatabaseCaches(key);
   sdk::close(repository, sdk::database(repository, key));
   openFiles.erase(key);
+}
+
+std::vector<std::string> closeChangedDatabases(sdk::Repository& repository) {
+  std::vector<std::string> closed;
+  for (const std::string& key : sdk::openKeys(repository)) {
+    const auto record = openFiles.find(key);
+    if (record == openFiles.end()) continue;
+    if (sameFileState(port::fileStatus(key), record->second.status)) continue;
+    closeDatabase(repository, key);
+    closed.push_back(key);
+  }
+  return closed;
 }
 
 void setDatabaseFlag(const odb_Odb& odb, bool flag) {

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "server/sdk_adapter.h"
 
@@ -25,6 +26,11 @@ odb_Odb& openDatabase(sdk::Repository& repository, const std::string& path, int 
 
 // Closes the database that is open under `key`, with its caches and its record.
 void closeDatabase(sdk::Repository& repository, const std::string& key);
+
+// Closes the databases whose files have changed, and returns their keys. To be called before a file
+// is looked into: as long as one that was rewritten in place is open under another path, the
+// library shows the old file's structure under every path.
+std::vector<std::string> closeChangedDatabases(sdk::Repository& repository);
 
 // A flag that the parent sets per open database; false until set, and again after a reopening.
 void setDatabaseFlag(const odb_Odb& odb, bool flag);

@@ -118,7 +118,7 @@ void sendResults(Call& call) {
 }
 
 void checkUpgradeOf(Call& call) {
-  call.answered = checkUpgradeCommand(call.arguments, call.outputFd);
+  call.answered = checkUpgradeCommand(sdk::openDatabases(), call.arguments, call.outputFd);
 }
 
 }  // namespace odbs

@@ -90,6 +90,21 @@ TEST_F(OpenDatabases, AreReopenedWhenTheirFileChanged) {
   EXPECT_EQ(sdk::nOpen(repository), 1);
 }
 
+TEST_F(OpenDatabases, AreReopenedUnderEachPathWhenTheirFileWasRewrittenInPlace) {
+  open("a.odb");
+  open("./a.odb");
+  open("b.odb");
+  tests::makeNodesDatabase(folder.file("new.odb"), 9);
+  tests::writeFile(folder.file("a.odb"), tests::readFile(folder.file("new.odb")));
+  tests::shiftModificationTime(folder.file("a.odb"), 5);
+  for (const char* name : {"a.odb", "./a.odb"}) {
+    odb_InstanceRepository& instances = open(name).rootAssembly().instances();
+    ASSERT_EQ(instances.size(), 1) << name;
+    EXPECT_EQ(instances["P-1"].nodes().size(), 9) << name;
+  }
+  EXPECT_EQ(sdk::nOpen(repository), 3);
+}
+
 TEST_F(OpenDatabases, AreClosedWhenTheirChangedFileDoesNotOpen) {
   open("a.odb");
   tests::writeFile(folder.file("a.odb"), "gone bad");
@@ -183,6 +198,13 @@ TEST_F(OldDatabases, AreUpgradedAgainWhenTheyAreNewerThanTheirOpenCopy) {
   output.news();
   EXPECT_STREQ(openOld().analysisTitle().CStr(), "newer");
   EXPECT_EQ(output.news(), upgrading);
+}
+
+TEST_F(OldDatabases, AreUpgradedAtOnceWhenTheyReplaceOpenOnesInPlace) {
+  open("a.odb");
+  tests::writeFile(folder.file("a.odb"), tests::readFile(old));
+  tests::shiftModificationTime(folder.file("a.odb"), 5);
+  EXPECT_STREQ(open("a.odb").analysisTitle().CStr(), "of old");
 }
 
 TEST_F(OldDatabases, AreAnnouncedEvenWhenTheUpgradeFails) {

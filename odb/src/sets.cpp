@@ -70,8 +70,9 @@ void fillViews(SetViews& views, SetData& set, const odb_String* only) {
   std::vector<SetSegment*> shown;
   for (const auto& segment : segmentsOf(set)) {
     EntityData& entity = shownEntity(set, *segment);
-    const bool own = entity.kind == EntityKind::kAssembly && only && only->empty();
-    if (!only || own || entity.name == *only) shown.push_back(segment.get());
+    // The assembly's own members go by the empty name; an instance may have the assembly's.
+    const odb_String& name = entity.kind == EntityKind::kAssembly ? odb_String() : entity.name;
+    if (!only || name == *only) shown.push_back(segment.get());
   }
   const bool single = shown.size() == 1;
   for (SetSegment* segment : shown) {

@@ -123,6 +123,18 @@ TEST_F(Sets, SeveralInstancesGroupTheirSetsByName) {
   EXPECT_EQ(expected, withoutTitle(streamLine("S 1 0 ")));
 }
 
+TEST_F(Sets, AnInstanceNamedLikeTheAssemblyHasItsOwnMembersAlone) {
+  odb_Part& body = rod("P", 2);
+  odb_Assembly& assembly = odb_->rootAssembly();
+  instance(assembly.name().CStr(), body);
+  instance("Z", body);
+  assembly.addNodes(ints({7}), floatRows({{0, 0, 0}}));
+  odb_SequenceString names;
+  for (const char* owner : {"", "Z", assembly.name().CStr()}) names.append(owner);
+  assembly.NodeSet("N", names, rows({{7}, {1}, {2}}));
+  EXPECT_EQ((Records{members(8, {2}), members(8, {1})}), withTag(streamLine("S 0 0 "), 8));
+}
+
 // Puts `after` in the place of the labels `before`, which stand in the file once.
 void replaceLabels(const std::string& path, const std::vector<int>& before,
                    const std::vector<int>& after) {

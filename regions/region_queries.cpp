@@ -86,11 +86,13 @@ void addNodesOfAssemblyElements(odb_Assembly& assembly, SelectionSet& selection)
   }
 }
 
-void sendShare(const RegionRequest& request, const RegionShare& share, bool grouped, int outputFd) {
+void sendShare(const RegionRequest& request, const RegionShare& share, bool ofNodes, bool grouped,
+               int outputFd) {
   unsigned char tag = kElementSetTag;
   if (request.kind == static_cast<int>(RegionKind::kSurface)) tag = kSurfaceTag;
-  if (request.kind == static_cast<int>(RegionKind::kNodeSet) || !share.nodes.empty()) {
-    tag = kNodeSetTag;  // surfaces made of nodes, too
+  if (request.kind == static_cast<int>(RegionKind::kNodeSet) ||
+      (ofNodes && share.elements.empty())) {
+    tag = kNodeSetTag;  // surfaces made of nodes, too, also where an owner has none of them
   }
   sendTextRecord(outputFd, tag, request.name);
   if (grouped) sendNameRecord(outputFd, share.instance);
@@ -135,10 +137,15 @@ void answerRegionRequests(odb_Odb& odb, int outputFd, const std::vector<RegionRe
 void sendRegionsAsSets(odb_Odb& odb, int outputFd, const std::vector<RegionRequest>& requests) {
   const bool grouped = odb.rootAssembly().instances().size() > 1;
   for (const RegionRequest& request : requests) {
-    for (const RegionShare& share : resolveRegion(odb, request).shares) {
+    const Region region = resolveRegion(odb, request);
+    const bool ofNodes = std::any_of(region.shares.begin(), region.shares.end(),
+                                     [](const RegionShare& share) { return !share.nodes.empty(); });
+    for (const RegionShare& share : region.shares) {
       // As in the model: what the assembly has of its own belongs to models of several instances.
       const bool isThere = grouped && !(share.elements.empty() && share.nodes.empty());
-      if (!share.ofAssembly || isThere) sendShare(request, share, grouped, outputFd);
+      if (!share.ofAssembly || isThere) {
+        sendShare(request, share, ofNodes, grouped, outputFd);
+      }
     }
   }
   flushOutput(outputFd);

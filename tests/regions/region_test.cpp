@@ -93,6 +93,17 @@ TEST_F(Regions, AsSetsOfOneInstanceHaveNoNames) {
   EXPECT_EQ(expected, ask("irs 1 ")) << "the list is kept";
 }
 
+TEST_F(Regions, ASurfaceMadeOfNodesIsANodeSetAlsoWhereItHasNone) {
+  addInstance();
+  odb_SequenceString names;
+  names.append("B");
+  odb_embedded::addNodeSurface(odb_->rootAssembly(), "DOTS", names, rows({{2}}));
+  tell("irc 3 0 DOTS");
+  EXPECT_EQ((Records{header(5, "DOTS"), name("A"), kEndOfSet, kMarker, header(5, "DOTS"), name("B"),
+                     members(8, {2}), kEndOfSet, kMarker}),
+            ask("irs 0 "));
+}
+
 TEST_F(Regions, OfSeveralInstancesComeByInstance) {
   addInstance().ElementSet("OWN", ints({12}));
   odb_SequenceString names;

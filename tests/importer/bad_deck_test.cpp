@@ -100,9 +100,9 @@ TEST_F(DeckTest, WhatIsNoDeckIsRefused) {
   EXPECT_NE(std::string::npos, refusal("*HEADING\n").find("defines no nodes"));
   EXPECT_EQ("model.inp:2: a line of 5000000 characters is too long",
             refusal("*NODE\n" + std::string(5000000, '1') + "\n"));
-  EXPECT_THROW(readDeck(files_.path("absent.inp")), DeckError);
-  EXPECT_THROW(readDeck(files_.path(".")), DeckError);
-  EXPECT_THROW(readDeck(files_.path(std::string(4000, 'x'))), DeckError);
+  EXPECT_THROW(readDeck(files_.file("absent.inp")), DeckError);
+  EXPECT_THROW(readDeck(files_.file(".")), DeckError);
+  EXPECT_THROW(readDeck(files_.file(std::string(4000, 'x'))), DeckError);
 }
 
 TEST_F(DeckTest, PartsWithoutInstancesAndUnknownPartsAreRefused) {

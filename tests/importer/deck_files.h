@@ -4,45 +4,14 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "importer/deck_reader.h"
-#include "port/port.h"
+#include "tests/support/temporary_folder.h"
 
 namespace odbs::importer {
 
-// A folder that lives as long as the object.
-class DeckFolder {
- public:
-  DeckFolder() {
-    static int n = 0;
-    folder_ =
-        std::filesystem::temp_directory_path() /
-        ("odbs_importer_" + std::to_string(port::currentProcessId()) + "_" + std::to_string(++n));
-    std::filesystem::create_directories(folder_);
-  }
-  ~DeckFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  DeckFolder(const DeckFolder&) = delete;
-  DeckFolder& operator=(const DeckFolder&) = delete;
-
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-  std::string write(const std::string& name, const std::string& text) const {
-    const std::filesystem::path file = folder_ / name;
-    std::filesystem::create_directories(file.parent_path());
-    // A fresh file: some file systems flush a file that is cut and written again.
-    std::filesystem::remove(file);
-    std::ofstream(file, std::ios::binary) << text;
-    return file.string();
-  }
-
- private:
-  std::filesystem::path folder_;
-};
+using DeckFolder = tests::TemporaryFolder;
 
 class DeckTest : public ::testing::Test {
  protected:

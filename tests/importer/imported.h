@@ -24,7 +24,7 @@ class ImportTest : public ::testing::Test {
   odb_Odb& import(const std::string& text) { return importFile(files_.write("model.inp", text)); }
   odb_Odb& importFile(const std::string& deck) {
     if (odb_ && !odb_->isClosed()) odb_->close();
-    const std::string path = files_.path("model.odb");
+    const std::string path = files_.file("model.odb");
     EXPECT_EQ(0, runImport({deck, "-o", path, "--quiet"}));
     odb_ = &openOdb(path.c_str(), true);
     return *odb_;

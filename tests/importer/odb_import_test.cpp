@@ -2,6 +2,8 @@
 // The program: exit status, what it leaves behind, what it prints.
 #include "tests/importer/imported.h"
 
+#include "port/port.h"
+
 namespace odbs::importer {
 namespace {
 
@@ -24,7 +26,7 @@ class OdbImport : public ::testing::Test {
 };
 
 TEST_F(OdbImport, SaysWhatWasImportedAndWhatWasIgnored) {
-  const std::string deck = files_.write("bar.inp", kBar), odb = files_.path("bar.odb");
+  const std::string deck = files_.write("bar.inp", kBar), odb = files_.file("bar.odb");
   EXPECT_EQ(0, run({deck}));
   EXPECT_TRUE(port::fileStatus(odb).exists);
   EXPECT_NE(
@@ -35,13 +37,13 @@ TEST_F(OdbImport, SaysWhatWasImportedAndWhatWasIgnored) {
 }
 
 TEST_F(OdbImport, QuietSaysNothing) {
-  EXPECT_EQ(0, run({"--quiet", files_.write("bar.inp", kBar), "--output=" + files_.path("x.odb")}));
+  EXPECT_EQ(0, run({"--quiet", files_.write("bar.inp", kBar), "--output=" + files_.file("x.odb")}));
   EXPECT_EQ("", out_ + err_);
 }
 
 TEST_F(OdbImport, ABrokenDeckLeavesNoFileAndAnOldOneAlone) {
   const std::string deck = files_.write("bad.inp", kBar + "*NODE\nx\n"),
-                    odb = files_.path("bad.odb");
+                    odb = files_.file("bad.odb");
   EXPECT_EQ(1, run({deck, "-o", odb}));
   EXPECT_FALSE(port::fileStatus(odb).exists);
   EXPECT_EQ(deck + ":11: \"x\" is not a whole number\n", err_);
@@ -52,7 +54,7 @@ TEST_F(OdbImport, ABrokenDeckLeavesNoFileAndAnOldOneAlone) {
 
 TEST_F(OdbImport, AnOutputThatCannotBeWrittenIsAnError) {
   const std::string deck = files_.write("bar.inp", kBar);
-  EXPECT_EQ(1, run({deck, "-o", files_.path("no/such/folder/bar.odb")}));
+  EXPECT_EQ(1, run({deck, "-o", files_.file("no/such/folder/bar.odb")}));
   EXPECT_NE("", err_);
   EXPECT_EQ(2, run({deck, "-o", deck}));
   EXPECT_EQ(static_cast<std::int64_t>(kBar.size()), port::fileStatus(deck).size);
@@ -63,7 +65,7 @@ TEST_F(OdbImport, ArgumentsAreChecked) {
   EXPECT_EQ(2, run({"a.inp", "b.inp"}));
   EXPECT_EQ(2, run({"--frobnicate"}));
   EXPECT_EQ(2, run({"a.inp", "-o"}));
-  EXPECT_EQ(1, run({files_.path("absent.inp")}));
+  EXPECT_EQ(1, run({files_.file("absent.inp")}));
   EXPECT_EQ(0, run({"--version"}));
   EXPECT_EQ(0, out_.find("odb_import "));
   EXPECT_EQ(0, run({"--help"}));

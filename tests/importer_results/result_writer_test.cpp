@@ -36,7 +36,7 @@ class ResultWriter : public testing::Test {
   int run(std::vector<std::string> arguments) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    arguments.insert(arguments.end(), {"-o", files_.path("model.odb")});
+    arguments.insert(arguments.end(), {"-o", files_.file("model.odb")});
     const int status = runImport(arguments);
     out_ = testing::internal::GetCapturedStdout();
     err_ = testing::internal::GetCapturedStderr();
@@ -45,7 +45,7 @@ class ResultWriter : public testing::Test {
 
   void open(std::vector<std::string> arguments) {
     ASSERT_EQ(run(std::move(arguments)), 0) << err_;
-    odb_ = &openOdb(files_.path("model.odb").c_str(), true);
+    odb_ = &openOdb(files_.file("model.odb").c_str(), true);
   }
 
   void openSample(const std::string& name) {
@@ -391,7 +391,7 @@ TEST_F(ResultWriter, RefusesBrokenAndForeignResults) {
       std::string(ODBS_SOURCE_DIR) + "/samples/composite_plate/composite_plate";
   EXPECT_EQ(run({deck, "--results", other + ".frd"}), 1);
   EXPECT_NE(err_.find("none of its nodes"), std::string::npos) << err_;
-  EXPECT_EQ(run({deck, "--data", files_.path("absent.dat")}), 1);
+  EXPECT_EQ(run({deck, "--data", files_.file("absent.dat")}), 1);
   EXPECT_EQ(run({deck, "--results"}), 2);
   const std::string twice = files_.write(
       "twice.inp",
@@ -400,7 +400,7 @@ TEST_F(ResultWriter, RefusesBrokenAndForeignResults) {
       "*END INSTANCE\n*END ASSEMBLY\n");
   EXPECT_EQ(run({twice, "--results", other + ".frd"}), 1);
   EXPECT_NE(err_.find("several instances"), std::string::npos) << err_;
-  EXPECT_FALSE(std::filesystem::exists(files_.path("model.odb")));
+  EXPECT_FALSE(std::filesystem::exists(files_.file("model.odb")));
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 // Sets, surfaces and the section summary.
 #include "tests/model/model_fixture.h"
 
-#include <fstream>
-#include <iterator>
 #include <numeric>
 
 namespace odbs::tests {
@@ -138,15 +136,13 @@ TEST_F(Sets, AnInstanceNamedLikeTheAssemblyHasItsOwnMembersAlone) {
 // Puts `after` in the place of the labels `before`, which stand in the file once.
 void replaceLabels(const std::string& path, const std::vector<int>& before,
                    const std::vector<int>& after) {
-  std::ifstream in(path, std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(in)), {});
-  in.close();
+  std::string bytes = readFile(path);
   const std::string from = members(0, before).substr(1), to = members(0, after).substr(1);
   const std::size_t at = bytes.find(from);
   ASSERT_NE(std::string::npos, at);
   ASSERT_EQ(std::string::npos, bytes.find(from, at + 1));
   bytes.replace(at, to.size(), to);
-  std::ofstream(path, std::ios::binary) << bytes;
+  writeFile(path, bytes);
 }
 
 TEST_F(Sets, MembersThatCannotBeReadEndTheirSetAlone) {

@@ -8,25 +8,15 @@
 #include <hdf5.h>
 
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <vector>
 
 namespace odbs::test {
 namespace {
 
-using Bytes = std::vector<char>;
-
-Bytes readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(in), {});
-}
-
-void writeFile(const std::string& path, const Bytes& bytes) {
-  std::ofstream out(path, std::ios::binary);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+using Bytes = std::string;
+using tests::readFile;
+using tests::writeFile;
 
 // Runs `use`; true when it ran through, false when the library refused. Anything else escapes.
 template <class Use>

@@ -70,7 +70,7 @@ TEST_F(Model, SetsGrowWithTheirPartAndShowInInstances) {
   odb_Part& block = odb_.parts()["BLOCK"];
   const odb_SequenceNode& seen = instance("B-1").nodeSets()["ALL"].nodes();
   EXPECT_EQ(seen.size(), 9);
-  block.addNodes(ints({200}), points({{1, 0, 0}}), "ALL");
+  block.addNodes(ints({200}), floatRows({{1, 0, 0}}), "ALL");
   EXPECT_EQ(seen.size(), 10);
   EXPECT_EQ(seen[9].coordinates()[1], 21.0f);
   EXPECT_EQ(instance("A-1").nodes().size(), 10);
@@ -104,16 +104,16 @@ TEST_F(Model, FramesAreFoundByValue) {
 TEST_F(Model, RefusesWhatDoesNotFitAndStaysAsItWas) {
   odb_Part& block = odb_.parts()["BLOCK"];
   odb_Assembly& root = odb_.rootAssembly();
-  EXPECT_THROW(block.addNodes(ints({1}), points({{0, 0, 0}})), odb_Exception);
-  EXPECT_THROW(block.addNodes(ints({300, 300}), points({{0, 0, 0}, {1, 1, 1}})), odb_Exception);
-  EXPECT_THROW(block.addNodes(ints({300}), points({})), odb_Exception);
+  EXPECT_THROW(block.addNodes(ints({1}), floatRows({{0, 0, 0}})), odb_Exception);
+  EXPECT_THROW(block.addNodes(ints({300, 300}), floatRows({{0, 0, 0}, {1, 1, 1}})), odb_Exception);
+  EXPECT_THROW(block.addNodes(ints({300}), floatRows({})), odb_Exception);
   EXPECT_THROW(block.addElements(ints({20}), rows({{1, 999}}), "T3D2"), odb_Exception);
   EXPECT_THROW(block.NodeSet("BAD", ints({999})), odb_Exception);
   EXPECT_FALSE(block.nodeSets().isMember("BAD"));
   EXPECT_THROW(block.NodeSet("ALL", ints({1})), odb_Exception);
-  EXPECT_THROW(instance("A-1").addNodes(ints({300}), points({{0, 0, 0}})), odb_Exception);
+  EXPECT_THROW(instance("A-1").addNodes(ints({300}), floatRows({{0, 0, 0}})), odb_Exception);
   EXPECT_THROW(root.Instance("A-1", block), odb_Exception);
-  EXPECT_THROW(root.Instance("C-1", block, points({{0, 0, 0}})), odb_Exception);
+  EXPECT_THROW(root.Instance("C-1", block, floatRows({{0, 0, 0}})), odb_Exception);
   EXPECT_THROW(odb_.Step("X", "", odb_Enum::TIME, 1, "none"), odb_Exception);
   EXPECT_THROW(block.AnalyticRigidSurf2DPlanar("S", {}), odb_Exception);
   EXPECT_THROW(block.RigidBody(block.elementSets()["CUBE"]), odb_Exception);
@@ -129,8 +129,8 @@ TEST_F(Model, RefusesWhatDoesNotFitAndStaysAsItWas) {
 
 TEST_F(Model, KeepsLabelsThatAreNotInOrder) {
   odb_Part& part = odb_.Part("LOOSE", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
-  part.addNodes(ints({50, 3, 1000000}), points({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}}));
-  part.addNodes(ints({4, 51}), points({{4, 0, 0}, {5, 0, 0}}));
+  part.addNodes(ints({50, 3, 1000000}), floatRows({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}}));
+  part.addNodes(ints({4, 51}), floatRows({{4, 0, 0}, {5, 0, 0}}));
   EXPECT_EQ(part.getNodeFromLabel(51).coordinates()[0], 5.0f);
   EXPECT_EQ(part.getNodeFromLabel(3).coordinates()[0], 2.0f);
   EXPECT_EQ(part.getNodeFromLabel(1000000).index(), 2);

@@ -1,55 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/odb/sample_model.h"
 
-#include <random>
-
 namespace odbs::test {
-
-TempFolder::TempFolder() {
-  std::random_device random;
-  path_ = std::filesystem::temp_directory_path() / ("odb test " + std::to_string(random()));
-  std::filesystem::create_directories(path_);
-}
-
-TempFolder::~TempFolder() {
-  odb_finalizeAPI();
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-odb_SequenceInt ints(std::initializer_list<int> numbers) {
-  odb_SequenceInt out;
-  for (const int number : numbers) out.append(number);
-  return out;
-}
-
-odb_SequenceFloat floats(std::initializer_list<float> numbers) {
-  odb_SequenceFloat out;
-  for (const float number : numbers) out.append(number);
-  return out;
-}
-
-odb_SequenceSequenceInt rows(std::initializer_list<std::initializer_list<int>> lists) {
-  odb_SequenceSequenceInt out;
-  for (const auto& list : lists) out.append(ints(list));
-  return out;
-}
-
-odb_SequenceSequenceFloat points(std::initializer_list<std::initializer_list<float>> lists) {
-  odb_SequenceSequenceFloat out;
-  for (const auto& list : lists) out.append(floats(list));
-  return out;
-}
-
-odb_SequenceSequenceDouble doubles(std::initializer_list<std::initializer_list<double>> lists) {
-  odb_SequenceSequenceDouble out;
-  for (const auto& list : lists) {
-    odb_SequenceDouble row;
-    for (const double number : list) row.append(number);
-    out.append(row);
-  }
-  return out;
-}
 
 namespace {
 
@@ -57,11 +9,11 @@ void addSectionsAndMaterials(odb_Odb& odb) {
   odb_MaterialApi materials;
   odb.extendApi(odb_Enum::odb_MATERIAL, materials);
   odb_Material& steel = materials.Material("STEEL");
-  steel.Density(doubles({{7.85e-9}}));
-  steel.Elastic(doubles({{210000, 0.3}, {200000, 0.3}}), "ISOTROPIC", false, true, true);
-  steel.elastic().FailStress(doubles({{1, 2, 3, 4, 5, 6, 7}}));
-  steel.elastic().FailStrain(doubles({{0.1, 0.2}}));
-  materials.Material("WATER").AcousticMedium(doubles({{2200}}));
+  steel.Density(doubleRows({{7.85e-9}}));
+  steel.Elastic(doubleRows({{210000, 0.3}, {200000, 0.3}}), "ISOTROPIC", false, true, true);
+  steel.elastic().FailStress(doubleRows({{1, 2, 3, 4, 5, 6, 7}}));
+  steel.elastic().FailStrain(doubleRows({{0.1, 0.2}}));
+  materials.Material("WATER").AcousticMedium(doubleRows({{2200}}));
   odb_SectionApi sections;
   odb.extendApi(odb_Enum::odb_SECTION, sections);
   sections.HomogeneousSolidSection("Section-SOLID", "STEEL");
@@ -89,15 +41,15 @@ void addParts(odb_Odb& odb) {
   category.SectionPoint(5, "fraction = 1.0, Layer = 1");
   odb_Part& block = odb.Part("BLOCK", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
   block.addNodes(ints({1, 2, 3, 4, 11, 12, 13, 14, 100}),
-                 points({{0, 0, 0},
-                         {1, 0, 0},
-                         {1, 1, 0},
-                         {0, 1, 0},
-                         {0, 0, 1},
-                         {1, 0, 1},
-                         {1, 1, 1},
-                         {0, 1, 1},
-                         {5, 6, 7}}),
+                 floatRows({{0, 0, 0},
+                            {1, 0, 0},
+                            {1, 1, 0},
+                            {0, 1, 0},
+                            {0, 0, 1},
+                            {1, 0, 1},
+                            {1, 1, 1},
+                            {0, 1, 1},
+                            {5, 6, 7}}),
                  "ALL");
   block.addElements(ints({7}), rows({{1, 2, 3, 4, 11, 12, 13, 14}}), "C3D8R", "CUBE", category);
   block.addElements(ints({3, 9}), rows({{1, 100}, {2, 100}}), "T3D2", "RODS");
@@ -111,11 +63,11 @@ void addParts(odb_Odb& odb) {
   block.assignBeamOrientation(block.elementSets()["RODS"], odb_Enum::N1_COSINES,
                               floats({0, 0, -1}));
   odb_Part& plate = odb.Part("PLATE", odb_Enum::TWO_D_PLANAR, odb_Enum::ANALYTIC_RIGID_SURFACE);
-  plate.addNodes(ints({1}), points({{0, -1}}), "REF");
+  plate.addNodes(ints({1}), floatRows({{0, -1}}), "REF");
   odb_SequenceAnalyticSurfaceSegment profile;
-  profile.append(odb_AnalyticSurfaceSegment("START", points({{-1, 0}})));
-  profile.append(odb_AnalyticSurfaceSegment("LINE", points({{1, 0}})));
-  profile.append(odb_AnalyticSurfaceSegment("CIRCLE", points({{2, 1}, {1, 1}})));
+  profile.append(odb_AnalyticSurfaceSegment("START", floatRows({{-1, 0}})));
+  profile.append(odb_AnalyticSurfaceSegment("LINE", floatRows({{1, 0}})));
+  profile.append(odb_AnalyticSurfaceSegment("CIRCLE", floatRows({{2, 1}, {1, 1}})));
   plate.AnalyticRigidSurf2DPlanar("FLAT", profile, 0.125);
 }
 
@@ -123,10 +75,10 @@ void addAssembly(odb_Odb& odb) {
   odb_Assembly& root = odb.rootAssembly();
   odb_Part& block = odb.parts()["BLOCK"];
   odb_Instance& b =
-      root.Instance("B-1", block, points({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 20, 30}}));
+      root.Instance("B-1", block, floatRows({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 20, 30}}));
   odb_Instance& a = root.Instance("A-1", block);
   odb_Instance& plate = root.Instance("PLATE-1", odb.parts()["PLATE"]);
-  root.addNodes(ints({1, 2}), points({{0, 0, 9}, {1, 0, 9}}));
+  root.addNodes(ints({1, 2}), floatRows({{0, 0, 9}, {1, 0, 9}}));
   odb_SequenceString owners;
   owners.append("A-1");
   owners.append("");
@@ -183,16 +135,17 @@ void addResults(odb_Odb& odb) {
     const float t = static_cast<float>(i);
     odb_Frame frame = load.frames(i);
     frame.FieldOutput("U", "displacement", odb_Enum::VECTOR)
-        .addData(odb_Enum::NODAL, a, nodes, points({{t, 1, 0}, {t, 2, 0}, {t, 3, 0}, {t, 4, 0}}));
+        .addData(odb_Enum::NODAL, a, nodes,
+                 floatRows({{t, 1, 0}, {t, 2, 0}, {t, 3, 0}, {t, 4, 0}}));
     odb_FieldOutput& stress = frame.FieldOutput("S", "stress", odb_Enum::TENSOR_3D_FULL);
-    stress.addData(odb_Enum::INTEGRATION_POINT, a, ints({7}), points({{t, 2, 3, 4, 5, 6}}));
+    stress.addData(odb_Enum::INTEGRATION_POINT, a, ints({7}), floatRows({{t, 2, 3, 4, 5, 6}}));
     stress.addData(odb_Enum::INTEGRATION_POINT, odb.rootAssembly().instances()["B-1"], ints({7}),
-                   points({{t, 20, 30, 40, 50, 60}}));
+                   floatRows({{t, 20, 30, 40, 50, 60}}));
   }
   odb_HistoryRegion& region =
       load.HistoryRegion("Node A-1.3", "a node", odb_HistoryPoint(a.getNodeFromLabel(3)));
   region.HistoryOutput("U1", "displacement", odb_Enum::SCALAR)
-      .addData(points({{0, 0}, {0.5, 1}, {2, 3}}));
+      .addData(floatRows({{0, 0}, {0.5, 1}, {2, 3}}));
 }
 
 void addUserData(odb_Odb& odb) {
@@ -209,9 +162,9 @@ void addUserData(odb_Odb& odb) {
   odb_embedded::Curve curve;
   curve.name = "CURVE";
   curve.yAxisLabel = "force";
-  curve.points = points({{0, 1}, {2, 3}});
+  curve.points = floatRows({{0, 1}, {2, 3}});
   odb_embedded::addCurve(odb, curve);
-  odb_embedded::setSectorDefinition(odb, 12, points({{0, 0, 0}, {0, 0, 1}}));
+  odb_embedded::setSectorDefinition(odb, 12, floatRows({{0, 0, 0}, {0, 0, 1}}));
   odb_embedded::ObjectDescription coupling;
   coupling.type = "odb_Coupling";
   coupling.name = "TIE-1";

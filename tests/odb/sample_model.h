@@ -7,30 +7,24 @@
 #include <odb_SectionTypes.h>
 #include <odb_embedded.h>
 
-#include <filesystem>
 #include <string>
+#include "tests/support/sequences.h"
+#include "tests/support/temporary_folder.h"
 
 namespace odbs::test {
 
-// A folder that is removed at the end, with a blank in its name.
-class TempFolder {
+// A folder with a blank in its name, removed when all databases are closed.
+class TempFolder : public tests::TemporaryFolder {
  public:
-  TempFolder();
-  ~TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
+  TempFolder() : TemporaryFolder("odb test") {}
+  ~TempFolder() { odb_finalizeAPI(); }
 };
 
-odb_SequenceInt ints(std::initializer_list<int> numbers);
-odb_SequenceFloat floats(std::initializer_list<float> numbers);
-odb_SequenceSequenceInt rows(std::initializer_list<std::initializer_list<int>> lists);
-odb_SequenceSequenceFloat points(std::initializer_list<std::initializer_list<float>> lists);
-odb_SequenceSequenceDouble doubles(std::initializer_list<std::initializer_list<double>> lists);
+using tests::doubleRows;
+using tests::floatRows;
+using tests::floats;
+using tests::ints;
+using tests::rows;
 
 // Two unit cubes of part BLOCK placed as instances A-1 (in place) and B-1 (turned by 90 degrees
 // about z, then shifted), a planar rigid part, and one of everything else. Not saved.

@@ -90,7 +90,7 @@ TEST_F(Files, AreExtendedByALaterProgram) {
   odb_finalizeAPI();
   odb_Odb& odb = openOdb(path_.c_str());
   const double before = readEverything(odb);
-  odb.parts()["BLOCK"].addNodes(ints({500}), points({{1, 2, 3}}), "ALL");
+  odb.parts()["BLOCK"].addNodes(ints({500}), floatRows({{1, 2, 3}}), "ALL");
   odb.save();
   const double extended = readEverything(odb);
   EXPECT_NE(before, extended);

@@ -1,48 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "tests/odb_results/results_model.h"
 
-#include <random>
-
 namespace odbs::test {
-
-TempFolder::TempFolder() {
-  std::random_device random;
-  path_ = std::filesystem::temp_directory_path() / ("odb_results_" + std::to_string(random()));
-  std::filesystem::create_directories(path_);
-}
-
-TempFolder::~TempFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-odb_SequenceInt ints(const std::vector<int>& values) {
-  odb_SequenceInt result;
-  for (int value : values) result.append(value);
-  return result;
-}
-
-odb_SequenceFloat floats(const std::vector<float>& values) {
-  odb_SequenceFloat result;
-  for (float value : values) result.append(value);
-  return result;
-}
-
-odb_SequenceSequenceFloat rows(const std::vector<std::vector<float>>& values) {
-  odb_SequenceSequenceFloat result;
-  for (const auto& row : values) result.append(floats(row));
-  return result;
-}
-
-odb_SequenceSequenceDouble doubleRows(const std::vector<std::vector<double>>& values) {
-  odb_SequenceSequenceDouble result;
-  for (const auto& row : values) {
-    odb_SequenceDouble list;
-    for (double value : row) list.append(value);
-    result.append(list);
-  }
-  return result;
-}
 
 odb_SequenceSequenceFloat counted(int n, int width, float start) {
   odb_SequenceSequenceFloat result;

@@ -6,30 +6,22 @@
 #include <odb_FailureTimes.h>
 #include <odb_embedded.h>
 
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
+#include "tests/support/sequences.h"
+#include "tests/support/temporary_folder.h"
 
 namespace odbs::test {
 
-// A folder of its own for each test, removed at the end.
-class TempFolder {
- public:
-  TempFolder();
-  ~TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
+using TempFolder = tests::TemporaryFolder;
+using tests::doubleRows;
+using tests::floats;
+using tests::ints;
 
- private:
-  std::filesystem::path path_;
-};
-
-odb_SequenceInt ints(const std::vector<int>& values);
-odb_SequenceFloat floats(const std::vector<float>& values);
-odb_SequenceSequenceFloat rows(const std::vector<std::vector<float>>& values);
-odb_SequenceSequenceDouble doubleRows(const std::vector<std::vector<double>>& values);
+inline odb_SequenceSequenceFloat rows(const std::vector<std::vector<float>>& values) {
+  return tests::floatRows(values);
+}
 // n rows of `width` numbers: start, start + 1, ...
 odb_SequenceSequenceFloat counted(int n, int width, float start = 0);
 

@@ -6,8 +6,8 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+
+#include "tests/support/temporary_folder.h"
 
 namespace odbs::port {
 namespace {
@@ -20,22 +20,13 @@ const std::string kChild = std::string(ODBS_BIN_DIR) + "/port_child";
 
 class Files : public ::testing::Test {
  protected:
-  void SetUp() override {
-    folder_ = std::filesystem::temp_directory_path() /
-              ("odbs_port_" + std::to_string(currentProcessId()));
-    std::filesystem::create_directories(folder_);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::string path(const std::string& name) const { return folder_.file(name); }
   void write(const std::string& name, const std::string& text) const {
-    std::ofstream(path(name), std::ios::binary) << text;
+    tests::writeFile(path(name), text);
   }
-  std::string read(const std::string& name) const {
-    std::ifstream in(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
+  std::string read(const std::string& name) const { return tests::readFile(path(name)); }
 
-  std::filesystem::path folder_;
+  tests::TemporaryFolder folder_;
 };
 
 TEST_F(Files, StatusTellsSizeKindAndAbsence) {
@@ -45,7 +36,7 @@ TEST_F(Files, StatusTellsSizeKindAndAbsence) {
   EXPECT_TRUE(file.isRegular);
   EXPECT_EQ(5, file.size);
   EXPECT_GT(file.modificationTime, 0);
-  EXPECT_FALSE(fileStatus(folder_.string()).isRegular);
+  EXPECT_FALSE(fileStatus(folder_.path().string()).isRegular);
   const FileStatus absent = fileStatus(path("none"));
   EXPECT_FALSE(absent.exists);
   EXPECT_EQ(0, absent.modificationTime);

@@ -26,6 +26,10 @@ inline odb_SequenceInt ints(const std::vector<int>& values) {
   return sequenceOf<odb_SequenceInt>(values);
 }
 
+inline odb_SequenceFloat floats(const std::vector<float>& values) {
+  return sequenceOf<odb_SequenceFloat>(values);
+}
+
 inline odb_SequenceSequenceInt rows(const std::vector<std::vector<int>>& values) {
   return rowsOf<odb_SequenceSequenceInt, odb_SequenceInt>(values);
 }

@@ -2,10 +2,6 @@
 // The tests' hand on real processes.
 #include "tests/support/server_process.h"
 
-#include <atomic>
-#include <chrono>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "base/bytes.h"
@@ -125,29 +121,6 @@ std::string standardErrorOf(const std::vector<std::string>& lines) {
   Process helper(siblingProgram("test_parent"), arguments);
   if (helper.wait() != 0) throw std::runtime_error("the helper failed");
   return readFile(path);
-}
-
-TemporaryFolder::TemporaryFolder() {
-  static std::atomic<int> counter{0};
-  const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-  path_ = std::filesystem::temp_directory_path() /
-          ("odbs_" + std::to_string(port::currentProcessId()) + "_" +
-           std::to_string(now % 1000000000) + "_" + std::to_string(counter++));
-  std::filesystem::create_directories(path_);
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-void writeFile(const std::string& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<long>(bytes.size()));
-}
-
-std::string readFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace odbs::tests

@@ -3,11 +3,11 @@
 // are written in hexadecimal, "05 00 7D", so that a failing comparison can be read.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "port/port.h"
+#include "tests/support/temporary_folder.h"
 
 namespace odbs::tests {
 
@@ -72,22 +72,5 @@ class IdleParent : public Process {
 // Runs a server as the child of a helper with these lines, waits for its end, and returns what it
 // wrote to standard error.
 std::string standardErrorOf(const std::vector<std::string>& lines);
-
-// A folder of its own, deleted with all that is in it.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-void writeFile(const std::string& path, const std::string& bytes);
-std::string readFile(const std::string& path);
 
 }  // namespace odbs::tests

@@ -102,6 +102,7 @@ class EntryReplay {
 
  private:
   static constexpr std::size_t kMostRemembered = 1u << 22;  // bytes of lines
+  static constexpr int kMostLabels = 1 << 14;               // a record has no room for as many
 
   struct Field {
     std::string lines;                // from the step number to the last component label
@@ -147,8 +148,8 @@ class EntryReplay {
       if (!reader_.take(nLabels)) return Outcome::kEnd;
       entry.componentLabels.clear();
       for (int i = 0; i < nLabels; ++i) {
-        entry.componentLabels.emplace_back();
-        if (!takeText(entry.componentLabels.back())) return Outcome::kEnd;
+        if (!reader_.take(line)) return Outcome::kEnd;
+        if (i < kMostLabels) entry.componentLabels.push_back(withLineBreaks(line));
       }
       sendComponents(outputFd_, entry);
     }

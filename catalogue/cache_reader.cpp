@@ -77,7 +77,8 @@ bool CacheReader::takeRaw(std::size_t limit, std::string_view& line) {
       line = {first,
               feed ? static_cast<std::size_t>(static_cast<const char*>(feed) - first) + 1 : n};
       at_ += line.size();
-      if (recorded_) recorded_->append(line);
+      // Beyond that, skip() compares no more.
+      if (recorded_ && recorded_->size() <= kLongestLine) recorded_->append(line);
       return true;
     }
     if (atEnd_) return false;

@@ -40,10 +40,11 @@ class CacheReader {
   bool take(double& value);
 
   // Takes the lines `text` and returns true, if these bytes come next; else takes nothing. An empty
-  // text never comes next.
+  // text, and one longer than a line may be, never comes next.
   bool skip(std::string_view text);
 
-  // Collects the bytes that are taken during its life.
+  // Collects the bytes that are taken during its life; of many, as many as make a text that skip()
+  // refuses.
   class Recording {
    public:
     Recording(CacheReader& reader, std::string& bytes) : reader_(reader) {

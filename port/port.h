@@ -17,11 +17,11 @@ namespace odbs::port {
 // ---- Descriptors ----
 
 // One read of at most `size` bytes. Returns the bytes read, 0 at the end of input, or -1 with errno
-// set. An interruption (EINTR) is reported as -1, not repeated: the caller decides.
+// set, also for an interruption (EINTR). Waits for input even where `fd` does not block.
 long readOnce(int fd, void* buffer, std::size_t size);
 
 // One write of at most `size` bytes; may write fewer. Returns the bytes written or -1 with errno
-// set.
+// set, also for an interruption. Waits for room even where `fd` does not block.
 long writeOnce(int fd, const void* buffer, std::size_t size);
 
 // Writes all `size` bytes, continuing short and interrupted writes. Returns false when a write

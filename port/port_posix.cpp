@@ -26,12 +26,32 @@
 
 namespace odbs::port {
 
+namespace {
+
+// After a failed read or write: true when `fd` is one that does not block, as parents with an event
+// loop hand down, and has become ready by now.
+bool waitedUntilReady(int fd, short events) {
+  if (errno != EAGAIN) return false;
+  pollfd waited{fd, events, 0};
+  return ::poll(&waited, 1, -1) >= 0;
+}
+
+}  // namespace
+
 long readOnce(int fd, void* buffer, std::size_t size) {
-  return ::read(fd, buffer, size);
+  long n = 0;
+  do {
+    n = ::read(fd, buffer, size);
+  } while (n < 0 && waitedUntilReady(fd, POLLIN));
+  return n;
 }
 
 long writeOnce(int fd, const void* buffer, std::size_t size) {
-  return ::write(fd, buffer, size);
+  long n = 0;
+  do {
+    n = ::write(fd, buffer, size);
+  } while (n < 0 && waitedUntilReady(fd, POLLOUT));
+  return n;
 }
 
 bool writeAll(int fd, const void* buffer, std::size_t size) {

@@ -35,7 +35,7 @@ def read_frames(lines):
     """The frames of each step with their fields, in the database's order."""
     steps, field, width_of = [], None, None
     for line in lines:
-        words = line.split()
+        words = line.partition(" @ ")[0].split()  # without the local system of a value
         if words[0] == "step":
             steps.append([])
         elif words[0] == "frame":

@@ -34,6 +34,9 @@ void setBinaryMode(int fd);
 // Writing to a pipe whose reader is gone becomes an error of the write instead of a signal.
 void ignoreBrokenPipe();
 
+// Writing beyond the largest file size allowed becomes an error of the write instead of a signal.
+void ignoreFileSizeLimit();
+
 // Asks for a pipe capacity in bytes; the system may refuse or round. Returns what is in force, or
 // -1 where it cannot be asked.
 long setPipeCapacity(int fd, long bytes);
@@ -80,8 +83,60 @@ int openForWriting(const std::string& path);
 // that try at once, one succeeds.
 bool createExclusively(const std::string& path);
 
+// Makes a file and opens it for reading and writing. Returns a descriptor that is not inherited, or
+// -1 with errno: EEXIST for anything that has the name already, be it a symbolic link, which is not
+// followed, or a pipe, which is not waited for.
+int openNew(const std::string& path);
+
+// Opens an ordinary file that exists, to be read or to be read and written. Returns a descriptor
+// that is not inherited, or -1 with errno; never waits.
+int openExisting(const std::string& path, bool writable);
+
+// The status of the open file.
+FileStatus descriptorStatus(int fd);
+
+// Reads at a place, counted in bytes from the start. Returns the bytes read, fewer than `size` only
+// at the end of the file, or -1 with errno.
+long long readAt(int fd, std::int64_t place, void* buffer, std::size_t size);
+
+// Writes at a place, all of it. Returns false with errno set.
+bool writeAt(int fd, std::int64_t place, const void* buffer, std::size_t size);
+
+// Cuts the file to `size` bytes, or fills it up with zeros. Returns false with errno set.
+bool setFileSize(int fd, std::int64_t size);
+
+// Makes the open file's bytes durable. Returns false with errno set.
+bool syncDescriptor(int fd);
+
+// Makes a rename within the folder of `path` durable, where a file system can.
+void syncFolderOf(const std::string& path);
+
 // Cuts the file of a descriptor to no bytes. Returns false when it cannot.
 bool truncateFile(int fd);
+
+// A file under a temporary name: deleted by the destructor, and by an interruption once
+// removeUnfinishedWhenInterrupted() was called, unless keep() was called before.
+class UnfinishedFile {
+ public:
+  explicit UnfinishedFile(const std::string& path);
+  ~UnfinishedFile();
+  UnfinishedFile(const UnfinishedFile&) = delete;
+  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+  const std::string& path() const { return path_; }
+  // The file got its final name.
+  void keep();
+
+ private:
+  static constexpr int kUnlisted = -1;
+  std::string path_;
+  int slot_ = kUnlisted;  // in the list that an interruption goes through
+  bool kept_ = false;
+};
+
+// From now on an interruption from the keyboard, a closed terminal and a request to end (SIGINT,
+// SIGHUP, SIGTERM; console events on Windows) delete all unfinished files before they end the
+// process.
+void removeUnfinishedWhenInterrupted();
 
 // Makes the file's bytes durable. Returns false when the file cannot be opened or synchronised.
 bool syncFile(const std::string& path);

@@ -23,6 +23,7 @@
 #include <stdexcept>
 
 #include "port/port.h"
+#include "port/unfinished_files.h"
 
 namespace odbs::port {
 
@@ -74,6 +75,10 @@ void ignoreBrokenPipe() {
   ::signal(SIGPIPE, SIG_IGN);
 }
 
+void ignoreFileSizeLimit() {
+  ::signal(SIGXFSZ, SIG_IGN);
+}
+
 long setPipeCapacity(int fd, long bytes) {
   ::fcntl(fd, F_SETPIPE_SZ, static_cast<int>(bytes));
   return ::fcntl(fd, F_GETPIPE_SZ);
@@ -96,16 +101,28 @@ bool isTerminal(int fd) {
   return ::isatty(fd) == 1;
 }
 
-FileStatus fileStatus(const std::string& path) {
+namespace {
+
+FileStatus statusOf(const struct stat& s) {
   FileStatus status;
-  struct stat s;
-  if (::stat(path.c_str(), &s) != 0) return status;
   status.exists = true;
   status.isRegular = S_ISREG(s.st_mode);
   status.modificationTime = std::int64_t{s.st_mtim.tv_sec} * 1000000000 + s.st_mtim.tv_nsec;
   status.size = s.st_size;
   status.inode = static_cast<std::uint16_t>(s.st_ino);
   return status;
+}
+
+}  // namespace
+
+FileStatus fileStatus(const std::string& path) {
+  struct stat s;
+  return ::stat(path.c_str(), &s) == 0 ? statusOf(s) : FileStatus();
+}
+
+FileStatus descriptorStatus(int fd) {
+  struct stat s;
+  return ::fstat(fd, &s) == 0 ? statusOf(s) : FileStatus();
 }
 
 bool removeFile(const std::string& path) {
@@ -130,6 +147,65 @@ bool createExclusively(const std::string& path) {
   return fd >= 0;
 }
 
+int openNew(const std::string& path) {
+  return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+}
+
+int openExisting(const std::string& path, bool writable) {
+  // Opening a pipe for reading would wait for a writer.
+  const int fd =
+      ::open(path.c_str(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (fd < 0 || descriptorStatus(fd).isRegular) return fd;
+  ::close(fd);
+  errno = EINVAL;
+  return -1;
+}
+
+long long readAt(int fd, std::int64_t place, void* buffer, std::size_t size) {
+  char* to = static_cast<char*>(buffer);
+  std::size_t nRead = 0;
+  while (nRead < size) {
+    const ssize_t n = ::pread(fd, to + nRead, size - nRead,
+                              static_cast<off_t>(place) + static_cast<off_t>(nRead));
+    if (n == 0) break;
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return -1;
+    nRead += static_cast<std::size_t>(n);
+  }
+  return static_cast<long long>(nRead);
+}
+
+bool writeAt(int fd, std::int64_t place, const void* buffer, std::size_t size) {
+  const char* from = static_cast<const char*>(buffer);
+  while (size > 0) {
+    const ssize_t n = ::pwrite(fd, from, size, static_cast<off_t>(place));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return false;
+    from += n;
+    place += n;
+    size -= static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+bool setFileSize(int fd, std::int64_t size) {
+  return ::ftruncate(fd, static_cast<off_t>(size)) == 0;
+}
+
+bool syncDescriptor(int fd) {
+  return ::fsync(fd) == 0;
+}
+
+void syncFolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  // Some file systems refuse; the rename has happened in any case.
+  ::fsync(fd);
+  ::close(fd);
+}
+
 bool truncateFile(int fd) {
   return ::ftruncate(fd, 0) == 0;
 }
@@ -140,6 +216,29 @@ bool syncFile(const std::string& path) {
   const bool done = ::fsync(fd) == 0;
   ::close(fd);
   return done;
+}
+
+namespace {
+
+// SA_RESETHAND has restored the default, which ends the process as the sender expects.
+void endInterrupted(int signal) {
+  removeUnfinishedFiles();
+  ::raise(signal);
+}
+
+}  // namespace
+
+void removeUnfinishedWhenInterrupted() {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction old;
+    // What is ignored stays so: nohup relies on it.
+    if (::sigaction(signal, nullptr, &old) != 0 || old.sa_handler == SIG_IGN) continue;
+    struct sigaction action {};
+    action.sa_handler = endInterrupted;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    ::sigemptyset(&action.sa_mask);
+    ::sigaction(signal, &action, nullptr);
+  }
 }
 
 bool openFilesCanBeReplaced() {

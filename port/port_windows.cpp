@@ -20,6 +20,7 @@
 #include <stdexcept>
 
 #include "port/port.h"
+#include "port/unfinished_files.h"
 
 namespace odbs::port {
 
@@ -61,6 +62,8 @@ void setBinaryMode(int fd) {
 
 void ignoreBrokenPipe() {}
 
+void ignoreFileSizeLimit() {}
+
 long setPipeCapacity(int, long) {
   return -1;
 }
@@ -85,16 +88,28 @@ bool isTerminal(int fd) {
   return ::_isatty(fd) != 0;
 }
 
-FileStatus fileStatus(const std::string& path) {
+namespace {
+
+FileStatus statusOf(const struct _stat64& s) {
   FileStatus status;
-  struct _stat64 s;
-  if (::_stat64(path.c_str(), &s) != 0) return status;
   status.exists = true;
   status.isRegular = (s.st_mode & _S_IFMT) == _S_IFREG;
   status.modificationTime = s.st_mtime;
   status.size = s.st_size;
   status.inode = static_cast<std::uint16_t>(s.st_ino);
   return status;
+}
+
+}  // namespace
+
+FileStatus fileStatus(const std::string& path) {
+  struct _stat64 s;
+  return ::_stat64(path.c_str(), &s) == 0 ? statusOf(s) : FileStatus();
+}
+
+FileStatus descriptorStatus(int fd) {
+  struct _stat64 s;
+  return ::_fstat64(fd, &s) == 0 ? statusOf(s) : FileStatus();
 }
 
 bool removeFile(const std::string& path) {
@@ -124,6 +139,114 @@ bool createExclusively(const std::string& path) {
   return fd >= 0;
 }
 
+namespace {
+
+int errnoOf(DWORD error) {
+  switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+      return ENOENT;
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS:
+      return EEXIST;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return ENOSPC;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_SHARING_VIOLATION:
+      return EACCES;
+    default:
+      return EIO;
+  }
+}
+
+// A place for a transfer of a handle that is not overlapped.
+OVERLAPPED at(std::int64_t place) {
+  OVERLAPPED where{};
+  where.Offset = static_cast<DWORD>(place & 0xFFFFFFFF);
+  where.OffsetHigh = static_cast<DWORD>(place >> 32);
+  return where;
+}
+
+HANDLE handleOf(int fd) {
+  return reinterpret_cast<HANDLE>(::_get_osfhandle(fd));
+}
+
+// An open file can be deleted: an interruption does that.
+int openHandle(const std::string& path, DWORD access, DWORD how, int flags) {
+  const HANDLE handle =
+      ::CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    errno = errnoOf(::GetLastError());
+    return -1;
+  }
+  const int fd =
+      ::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), flags | _O_BINARY | _O_NOINHERIT);
+  if (fd < 0) ::CloseHandle(handle);
+  return fd;
+}
+
+}  // namespace
+
+int openNew(const std::string& path) {
+  return openHandle(path, GENERIC_READ | GENERIC_WRITE, CREATE_NEW, _O_RDWR);
+}
+
+int openExisting(const std::string& path, bool writable) {
+  const int fd = writable ? openHandle(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING, _O_RDWR)
+                          : openHandle(path, GENERIC_READ, OPEN_EXISTING, _O_RDONLY);
+  if (fd < 0 || descriptorStatus(fd).isRegular) return fd;
+  ::_close(fd);
+  errno = EINVAL;
+  return -1;
+}
+
+long long readAt(int fd, std::int64_t place, void* buffer, std::size_t size) {
+  char* const to = static_cast<char*>(buffer);
+  std::size_t nRead = 0;
+  while (nRead < size) {
+    OVERLAPPED where = at(place + static_cast<std::int64_t>(nRead));
+    DWORD n = 0;
+    if (!::ReadFile(handleOf(fd), to + nRead, transferSize(size - nRead), &n, &where) &&
+        ::GetLastError() != ERROR_HANDLE_EOF) {
+      errno = errnoOf(::GetLastError());
+      return -1;
+    }
+    if (n == 0) break;
+    nRead += n;
+  }
+  return static_cast<long long>(nRead);
+}
+
+bool writeAt(int fd, std::int64_t place, const void* buffer, std::size_t size) {
+  const char* from = static_cast<const char*>(buffer);
+  while (size > 0) {
+    OVERLAPPED where = at(place);
+    DWORD n = 0;
+    if (!::WriteFile(handleOf(fd), from, transferSize(size), &n, &where) || n == 0) {
+      errno = errnoOf(::GetLastError());
+      return false;
+    }
+    from += n;
+    place += n;
+    size -= n;
+  }
+  return true;
+}
+
+bool setFileSize(int fd, std::int64_t size) {
+  const errno_t error = ::_chsize_s(fd, size);
+  if (error != 0) errno = error;
+  return error == 0;
+}
+
+bool syncDescriptor(int fd) {
+  return ::_commit(fd) == 0;
+}
+
+void syncFolderOf(const std::string&) {}  // replaceFile writes through
+
 bool truncateFile(int fd) {
   return ::_chsize(fd, 0) == 0;
 }
@@ -134,6 +257,20 @@ bool syncFile(const std::string& path) {
   const bool done = ::_commit(fd) == 0;
   ::_close(fd);
   return done;
+}
+
+namespace {
+
+// FALSE lets the system's own handler end the process.
+BOOL WINAPI endInterrupted(DWORD) {
+  removeUnfinishedFiles();
+  return FALSE;
+}
+
+}  // namespace
+
+void removeUnfinishedWhenInterrupted() {
+  ::SetConsoleCtrlHandler(endInterrupted, TRUE);
 }
 
 bool openFilesCanBeReplaced() {

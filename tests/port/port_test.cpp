@@ -76,6 +76,30 @@ TEST_F(Files, OnlyOneCreatesExclusively) {
   EXPECT_TRUE(createExclusively(path("lock")));
 }
 
+TEST_F(Files, ANewFileIsNeverOneThatIsThere) {
+  write("a", "12345");
+  EXPECT_LT(openNew(path("a")), 0);
+  EXPECT_EQ(EEXIST, errno);
+#ifndef _WIN32
+  std::filesystem::create_symlink(path("nowhere"), path("link"));
+  EXPECT_LT(openNew(path("link")), 0);
+  EXPECT_FALSE(fileStatus(path("nowhere")).exists);
+#endif
+  EXPECT_LT(openExisting(folder_.path().string(), false), 0);
+  const int fd = openNew(path("b"));
+  ASSERT_GE(fd, 0);
+  char bytes[4] = "xyz";
+  EXPECT_TRUE(writeAt(fd, 2, "ab", 2));
+  EXPECT_EQ(3, readAt(fd, 1, bytes, 4));
+  EXPECT_EQ(std::string("\0ab", 3), std::string(bytes, 3));
+  EXPECT_TRUE(setFileSize(fd, 3));
+  EXPECT_TRUE(syncDescriptor(fd));
+  EXPECT_EQ(3, descriptorStatus(fd).size);
+  closeDescriptor(fd);
+  { const UnfinishedFile removed(path("b")); }
+  EXPECT_FALSE(fileStatus(path("b")).exists);
+}
+
 TEST(Processes, AChildGetsItsDescriptorsAndArguments) {
   Child child = startWithPipes(kChild, {"{in}", "{out}", "args", "a b", "", "q\"x\\", "c\\d e\\"});
   std::string all;

@@ -1,4 +1,4 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Forwards to the header that declares odb_ConstraintRepositoryIT.
 #pragma once
-#include <odb_Interaction.h>
+#include <odb_Constraint.h>

@@ -90,14 +90,21 @@ void setFrameNumbers(odb_Frame& frame, const FrameNumbers& numbers);
 // Both frames belong to the same step.
 void setAssociatedFrame(odb_Frame& frame, const odb_Frame& other);
 
-// A beam cross-section, a constraint, an interaction, ... by the name of its class, with values and
-// sets by name of the getter.
+// A beam cross-section, a constraint, an interaction, ... by the name of its class, with values,
+// sets and tables by name of the getter, such as "positionTolerance" of an odb_Tie. Truth values
+// are given as bool. What is left out reads back as empty, 0, false or absent. Friction of an
+// odb_ContactProperty has names that begin with "tangentialBehavior.", such as
+// "tangentialBehavior.formulation" and the table "tangentialBehavior.table".
 struct ObjectDescription {
   odb_String type;  // such as "odb_Coupling"
   odb_String name;
-  std::vector<std::pair<std::string, odb_Union>> values;
-  std::vector<std::pair<std::string, odb_Set>> sets;
+  std::vector<std::pair<std::string, odb_Union>> values = {};
+  std::vector<std::pair<std::string, odb_Set>> sets = {};
+  std::vector<std::pair<std::string, odb_SequenceSequenceDouble>> tables = {};
 };
+// Throw odb_Exception also when the name is taken, when a class of odb_Constraint.h,
+// odb_Interaction.h or odb_Amplitude.h has no getter of that name, and for sets of another
+// database. Objects of other classes take any names.
 void addProfile(odb_Odb& odb, const ObjectDescription& profile);
 void addConstraint(odb_Odb& odb, const ObjectDescription& constraint);
 void addInteraction(odb_Odb& odb, const ObjectDescription& interaction);

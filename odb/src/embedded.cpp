@@ -24,26 +24,6 @@ EntityData& entityOf(const odb_DiscreteEntity& owner) {
   return *owner.engineData();
 }
 
-void addNamed(odb_Odb& odb, ObjectKind kind, const ObjectDescription& description) {
-  Database& database = writable(odb);
-  PropertyData object;
-  object.kind = kind;
-  object.name = description.name;
-  object.type = odbs::TypeIdentifier(description.type);
-  for (const auto& [key, value] : description.values) object.properties[key.c_str()].value = value;
-  for (const auto& [key, set] : description.sets) {
-    if (set.engineData() && set.engineData()->owner->database != &database) {
-      failUsage("a set of another database");
-    }
-    Property& property = object.properties[key.c_str()];
-    property.isSet = true;
-    property.set = set;
-  }
-  if (!addObject(database.model(), object)) {
-    failUsage(std::string("an object ") + description.name.CStr() + " exists already");
-  }
-}
-
 void copyNumbers(const std::vector<double>& from, std::size_t n, odb_SequenceDouble& to) {
   if (!from.empty() && from.size() != n) {
     failUsage("mass data want " + std::to_string(n) + " numbers");
@@ -200,30 +180,6 @@ void setAssociatedFrame(odb_Frame& frame, const odb_Frame& other) {
   to->step->database->needWritable();
   to->associated = other.engineData()->index;
   to->step->database->touch();
-}
-
-void addProfile(odb_Odb& odb, const ObjectDescription& profile) {
-  addNamed(odb, ObjectKind::kProfile, profile);
-}
-void addConstraint(odb_Odb& odb, const ObjectDescription& constraint) {
-  addNamed(odb, ObjectKind::kConstraint, constraint);
-}
-void addInteraction(odb_Odb& odb, const ObjectDescription& interaction) {
-  addNamed(odb, ObjectKind::kInteraction, interaction);
-}
-void addInteractionProperty(odb_Odb& odb, const ObjectDescription& property) {
-  addNamed(odb, ObjectKind::kInteractionProperty, property);
-}
-void addAmplitude(odb_Odb& odb, const ObjectDescription& amplitude) {
-  addNamed(odb, ObjectKind::kAmplitude, amplitude);
-}
-
-odb_Union objectValue(const odb_Constraint& constraint, const odb_String& name) {
-  if (!constraint.engineData()) failUsage("a constraint is wanted");
-  const Properties& properties = constraint.engineData()->properties;
-  const auto at = properties.find(name);
-  if (at == properties.end()) failAbsent(std::string("no value ") + name.CStr());
-  return at->second.value;
 }
 
 void setCompression(odb_Odb& odb, bool on) {

@@ -286,6 +286,21 @@ struct Objects {
   static constexpr TableSpec shape{"objects", kNInts, 0, 0, {}};
 };
 
+// Rows of numbers that an object has beside its named values.
+struct ObjectTables {
+  enum Ints {
+    kObject,   // row of Objects
+    kKey,      // name of the getter
+    kLengths,  // int32: numbers per row of the table
+    kNLengths,
+    kData,  // float64: the rows
+    kNData,
+    kNInts
+  };
+  static constexpr TableSpec shape{
+      "object_tables", kNInts, 0, 2, {{kLengths, Kind::kInt32}, {kData, Kind::kFloat64}}};
+};
+
 struct Annotations {
   enum Ints { kKey, kText, kNInts };
   static constexpr TableSpec shape{"annotations", kNInts, 0, 0, {}};
@@ -355,23 +370,41 @@ struct LoadCases {
 namespace odbs::engine::layout {
 
 // Every table, for the upgrade of an older release.
-constexpr const TableSpec* kAllTables[] = {&Database::shape,         &Entities::shape,
-                                           &ElementBlocks::shape,    &Categories::shape,
-                                           &SectionPoints::shape,    &Sets::shape,
-                                           &SetSegments::shape,      &Assignments::shape,
-                                           &AnalyticSurfaces::shape, &SurfaceSegments::shape,
-                                           &RigidBodies::shape,      &Csyses::shape,
-                                           &Orientations::shape,     &Sections::shape,
-                                           &Layers::shape,           &Properties::shape,
-                                           &Materials::shape,        &Behaviours::shape,
-                                           &Objects::shape,          &Annotations::shape,
-                                           &Curves::shape,           &Steps::shape,
-                                           &Frames::shape,           &LoadCases::shape,
-                                           &FieldKinds::shape,       &FieldLabels::shape,
-                                           &FieldLayouts::shape,     &FrameFields::shape,
-                                           &Fields::shape,           &FieldBlocks::shape,
-                                           &FieldBlocks::doubleSpec, &StepResults::shape,
-                                           &HistoryRegions::shape,   &HistoryOutputs::shape,
+constexpr const TableSpec* kAllTables[] = {&Database::shape,
+                                           &Entities::shape,
+                                           &ElementBlocks::shape,
+                                           &Categories::shape,
+                                           &SectionPoints::shape,
+                                           &Sets::shape,
+                                           &SetSegments::shape,
+                                           &Assignments::shape,
+                                           &AnalyticSurfaces::shape,
+                                           &SurfaceSegments::shape,
+                                           &RigidBodies::shape,
+                                           &Csyses::shape,
+                                           &Orientations::shape,
+                                           &Sections::shape,
+                                           &Layers::shape,
+                                           &Properties::shape,
+                                           &Materials::shape,
+                                           &Behaviours::shape,
+                                           &Objects::shape,
+                                           &ObjectTables::shape,
+                                           &Annotations::shape,
+                                           &Curves::shape,
+                                           &Steps::shape,
+                                           &Frames::shape,
+                                           &LoadCases::shape,
+                                           &FieldKinds::shape,
+                                           &FieldLabels::shape,
+                                           &FieldLayouts::shape,
+                                           &FrameFields::shape,
+                                           &Fields::shape,
+                                           &FieldBlocks::shape,
+                                           &FieldBlocks::doubleSpec,
+                                           &StepResults::shape,
+                                           &HistoryRegions::shape,
+                                           &HistoryOutputs::shape,
                                            &Failures::shape};
 
 }  // namespace odbs::engine::layout

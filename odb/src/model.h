@@ -173,6 +173,7 @@ struct PropertyData {
   odb_String name;
   TypeIdentifier type;
   Properties properties;
+  std::map<odb_String, odb_SequenceSequenceDouble> tables;
   std::shared_ptr<void> cast;
 };
 

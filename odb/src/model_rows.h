@@ -65,9 +65,12 @@ void writeSet(Table& table, std::int64_t row, int viewer, const odb_Set& set);
 void writeNamedValues(Saver& saver, Table& table, std::int64_t row, int firstColumn,
                       const Properties& properties);
 
-// Sections, materials and objects (property_store.cpp).
+// Sections, materials, user data, and objects (property_store.cpp).
 void loadProperties(ModelReading& reading);
 void saveProperties(Model& model, Saver& saver);
+// Named objects (object_store.cpp).
+void loadObjects(ModelReading& reading);
+void saveObjects(Model& model, Saver& saver);
 // Sets, assignments, orientations, surfaces, rigid bodies (region_store.cpp).
 void loadRegions(ModelReading& reading);
 void saveRegions(Model& model, Saver& saver);

@@ -4,85 +4,73 @@
 #include "odb/src/database.h"
 #include "odb/src/errors.h"
 
-namespace odbs::engine {
+using namespace odbs::engine;
+
+namespace odbs {
 
 namespace {
 
-const Property* findProperty(const PropertyData& object, const char* key) {
-  const auto at = object.properties.find(key);
-  return at == object.properties.end() ? nullptr : &at->second;
-}
-
-const odb_String& textOf(const PropertyData& object, const char* key) {
-  static const odb_String none;
-  const Property* property = findProperty(object, key);
-  return property ? property->value.engineText() : none;
-}
-
-double numberOf(const PropertyData& object, const char* key) {
-  const Property* property = findProperty(object, key);
-  return property && property->value.type() != odb_UNION_STRING ? property->value.getDouble() : 0;
-}
-
-const odb_Set& setOf(const PropertyData& object, const char* key) {
-  static const odb_Set none;
-  const Property* property = findProperty(object, key);
-  return property ? property->set : none;
+const Property* findProperty(const PropertyData* object, const char* key) {
+  if (!object) return nullptr;
+  const auto at = object->properties.find(key);
+  return at == object->properties.end() ? nullptr : &at->second;
 }
 
 }  // namespace
-}  // namespace odbs::engine
 
-using namespace odbs::engine;
-
-#define ODBS_NAMED_GETTERS(CLASS)                                \
-  const odb_String& CLASS::name() const {                        \
-    return need().name;                                          \
-  }                                                              \
-  const odbs::TypeIdentifier& CLASS::subTypeIdentifier() const { \
-    return need().type;                                          \
-  }                                                              \
-  std::shared_ptr<void>& CLASS::engineCastSlot() const {         \
-    return need().cast;                                          \
-  }
-
-ODBS_NAMED_GETTERS(odb_Profile)
-ODBS_NAMED_GETTERS(odb_Interaction)
-ODBS_NAMED_GETTERS(odb_InteractionProperty)
-ODBS_NAMED_GETTERS(odb_Constraint)
-ODBS_NAMED_GETTERS(odb_Amplitude)
-
-const odb_String& odb_Coupling::couplingType() const {
-  return textOf(need(), "couplingType");
+const odb_String& NamedObject::name() const {
+  return need().name;
 }
-const odb_Set& odb_Coupling::controlPoint() const {
-  return setOf(need(), "controlPoint");
+const TypeIdentifier& NamedObject::subTypeIdentifier() const {
+  return need().type;
 }
-const odb_Set& odb_Coupling::surface() const {
-  return setOf(need(), "surface");
-}
-double odb_Coupling::influenceRadius() const {
-  return numberOf(need(), "influenceRadius");
+std::shared_ptr<void>& NamedObject::engineCastSlot() const {
+  return need().cast;
 }
 
-const odb_String& odb_MPC::mpcType() const {
-  return textOf(need(), "mpcType");
-}
-const odb_Set& odb_MPC::controlPoint() const {
-  return setOf(need(), "controlPoint");
-}
-const odb_Set& odb_MPC::surface() const {
-  return setOf(need(), "surface");
+const odb_String& NamedObject::text(const char* key) const {
+  static const odb_String none;
+  const Property* property = findProperty(data_, key);
+  return property ? property->value.engineText() : none;
 }
 
-const odb_Set& odb_ShellSolidCoupling::shellEdge() const {
-  return setOf(need(), "shellEdge");
+double NamedObject::number(const char* key) const {
+  const Property* property = findProperty(data_, key);
+  return property && property->value.type() != odb_UNION_STRING ? property->value.getDouble() : 0;
 }
-const odb_Set& odb_ShellSolidCoupling::solidFace() const {
-  return setOf(need(), "solidFace");
+
+const odb_Set& NamedObject::set(const char* key) const {
+  static const odb_Set none;
+  const Property* property = findProperty(data_, key);
+  return property ? property->set : none;
 }
-double odb_ShellSolidCoupling::influenceDistance() const {
-  return numberOf(need(), "influenceDistance");
+
+const odb_SequenceSequenceDouble& NamedObject::rows(const char* key) const {
+  static const odb_SequenceSequenceDouble none;
+  if (!data_) return none;
+  const auto at = data_->tables.find(key);
+  return at == data_->tables.end() ? none : at->second;
+}
+
+bool NamedObject::hasAny(const char* prefix) const {
+  if (!data_) return false;
+  const auto begins = [&](const auto& map) {
+    const auto at = map.lower_bound(prefix);
+    return at != map.end() && at->first.Find(prefix) == 0;
+  };
+  return begins(data_->properties) || begins(data_->tables);
+}
+
+}  // namespace odbs
+
+const odb_String& odb_Profile::name() const {
+  return need().name;
+}
+const odbs::TypeIdentifier& odb_Profile::subTypeIdentifier() const {
+  return need().type;
+}
+std::shared_ptr<void>& odb_Profile::engineCastSlot() const {
+  return need().cast;
 }
 
 // ---- User data ----

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Sections, materials, named objects and user data to and from files.
+// Sections, materials and user data to and from files.
 #include "odb/src/database.h"
 #include "odb/src/errors.h"
 #include "odb/src/model_rows.h"
@@ -11,7 +11,6 @@ using layout::Behaviours;
 using layout::Curves;
 using layout::Layers;
 using layout::Materials;
-using layout::Objects;
 using layout::Sections;
 
 namespace {
@@ -143,21 +142,6 @@ void loadMaterials(ModelReading& reading) {
   }
 }
 
-void loadObjects(ModelReading& reading) {
-  const Rows rows(reading.reader, Objects::shape);
-  for (std::int64_t i = 0; i < rows.size(); ++i) {
-    PropertyData object;
-    object.kind =
-        rows.choice(i, Objects::kKind,
-                    {ObjectKind::kProfile, ObjectKind::kConstraint, ObjectKind::kInteraction,
-                     ObjectKind::kInteractionProperty, ObjectKind::kAmplitude});
-    object.type = TypeIdentifier(rows.text(i, Objects::kType));
-    object.name = rows.text(i, Objects::kName);
-    object.properties = reading.namedValues(rows, i, Objects::kFirstProperty);
-    if (!addObject(reading.model, object)) rows.bad(i, Objects::kName);
-  }
-}
-
 void loadUserData(ModelReading& reading) {
   Model& model = reading.model;
   const Rows annotations(reading.reader, Annotations::shape);
@@ -263,28 +247,6 @@ void saveUserData(Model& model, Saver& saver) {
 
 }  // namespace
 
-bool addObject(Model& model, const PropertyData& object) {
-  const auto add = [&](auto& repository, auto handle) {
-    if (repository.isMember(object.name)) return false;
-    model.objects.push_back(object);
-    repository.engineItems().add(object.name, decltype(handle)(&model.objects.back()));
-    return true;
-  };
-  switch (object.kind) {
-    case ObjectKind::kProfile:
-      return add(model.profiles, odb_Profile());
-    case ObjectKind::kConstraint:
-      return add(model.constraints, odb_Constraint());
-    case ObjectKind::kInteraction:
-      return add(model.interactions, odb_Interaction());
-    case ObjectKind::kInteractionProperty:
-      return add(model.interactionProperties, odb_InteractionProperty());
-    case ObjectKind::kAmplitude:
-      return add(model.amplitudes, odb_Amplitude());
-  }
-  return false;
-}
-
 void loadProperties(ModelReading& reading) {
   reading.properties = std::make_unique<Rows>(reading.reader, P::shape);
   loadSections(reading);
@@ -296,14 +258,7 @@ void loadProperties(ModelReading& reading) {
 void saveProperties(Model& model, Saver& saver) {
   saveSections(model, saver);
   saveMaterials(model, saver);
-  Table& objects = saver.table(Objects::shape);
-  for (const PropertyData& object : model.objects) {
-    const std::int64_t row = objects.addRow();
-    objects.integer(row, Objects::kKind) = static_cast<std::int64_t>(object.kind);
-    objects.integer(row, Objects::kType) = saver.text(object.type.engineName());
-    objects.integer(row, Objects::kName) = saver.text(object.name);
-    writeNamedValues(saver, objects, row, Objects::kFirstProperty, object.properties);
-  }
+  saveObjects(model, saver);
   saveUserData(model, saver);
 }
 

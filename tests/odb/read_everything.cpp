@@ -200,6 +200,12 @@ double readEverything(odb_Odb& odb) {
     if (!odb_isA(odb_Coupling, constraint.currentValue())) continue;
     sum += sumOf(odb_dynamicCast(odb_Coupling, constraint.currentValue()).controlPoint());
   }
+  odb_AmplitudeRepository& amplitudes = odb.amplitudes();
+  for (int i = 0; i < amplitudes.size(); ++i) {
+    if (!odb_isA(odb_TabularAmplitude, amplitudes[i])) continue;
+    const odb_TabularAmplitude& amplitude = odb_dynamicCast(odb_TabularAmplitude, amplitudes[i]);
+    for (int k = 0; k < amplitude.data().size(); ++k) sum += amplitude.data()[k].size();
+  }
   if (odb.userData().annotationObjects().isMember("xml")) {
     sum += sumOf(odb.userData().annotationObjects()["xml"].text());
   }

@@ -296,15 +296,50 @@ TEST_P(SampleModel, KeepsUserDataAndObjects) {
   odb().userData().xyDataObjects("CURVE").getData(curve);
   EXPECT_EQ(curve[1][1], 3.0f);
   EXPECT_EQ(text(odb().userData().xyDataObjects("CURVE").yAxisLabel()), "force");
-  const odb_Constraint& tie = odb().constraints()["TIE-1"];
-  const odb_Coupling& coupling = odb_dynamicCast(odb_Coupling, tie);
+}
+
+TEST_P(SampleModel, KeepsConstraintsAsObjectsOfTheirClasses) {
+  odb_ConstraintRepository& all = odb().constraints();
+  const odb_Coupling& coupling = odb_dynamicCast(odb_Coupling, all["TIE-1"]);
   EXPECT_EQ(text(coupling.couplingType()), "KINEMATIC");
   EXPECT_EQ(coupling.influenceRadius(), 3.5);
-  EXPECT_EQ(text(coupling.controlPoint().instanceNames()[0]), "A-1");
+  EXPECT_TRUE(coupling.ur2() && !coupling.u1());
+  EXPECT_EQ(text(coupling.refPoint().instanceNames()[0]), "A-1");
+  EXPECT_EQ(coupling.controlPoint(), coupling.refPoint());
   EXPECT_TRUE(coupling.surface().name().empty());
-  EXPECT_EQ(odb().interactions().size() + odb().interactionProperties().size() +
-                odb().amplitudes().size(),
-            3);
+  const odb_Tie& tie = odb_dynamicCast(odb_Tie, all["GLUED"]);
+  EXPECT_TRUE(tie.hasValue() && tie.adjust() && !tie.tieRotations());
+  EXPECT_EQ(tie.positionTolerance(), 0.25);
+  EXPECT_EQ(text(tie.master().name()) + text(tie.slave().name()), "CONTACTPOINTS");
+  EXPECT_EQ(odb_dynamicCast(odb_MPC, all["PIN-1"]).userType(), 7);
+  EXPECT_EQ(odb_dynamicCast(odb_DisplayBody, all["SHOWN"]).referenceNode3Label(), 4);
+  EXPECT_FALSE(odb_isA(odb_Tie, all["PIN-1"]));
+  EXPECT_FALSE(odb_ShellSolidCoupling().hasValue());
+}
+
+TEST_P(SampleModel, KeepsContactWithItsFrictionAndAmplitudes) {
+  odb_InteractionRepository& all = odb().interactions();
+  const auto& pair = odb_dynamicCast(odb_SurfaceToSurfaceContactStd, all["PAIR-1"]);
+  EXPECT_EQ(text(pair.sliding()), "SMALL");
+  EXPECT_EQ(pair.hcrit(), 0.5);
+  EXPECT_EQ(text(pair.master().name()) + text(pair.adjustSet().name()), "CONTACTBOTTOM");
+  EXPECT_TRUE(odb_dynamicCast(odb_SurfaceToSurfaceContactExp, all["PAIR-2"]).slaveNoThick());
+  odb_IPRepository& properties = odb().interactionProperties();
+  const odb_TangentialBehavior friction =
+      odb_dynamicCast(odb_ContactProperty, properties[pair.interactionProperty()])
+          .tangentialBehavior();
+  ASSERT_TRUE(friction.hasValue());
+  EXPECT_EQ(text(friction.formulation()), "PENALTY");
+  EXPECT_EQ(friction.dependencies(), 1);
+  ASSERT_EQ(friction.table().size(), 2);
+  EXPECT_EQ(friction.table()[0][1], 1);
+  EXPECT_EQ(friction.table()[1].size(), 1);
+  const auto& smooth = odb_dynamicCast(odb_ContactProperty, properties["SMOOTH"]);
+  EXPECT_FALSE(smooth.tangentialBehavior().hasValue());
+  const auto& ramp = odb_dynamicCast(odb_TabularAmplitude, odb().amplitudes()["AMP-1"]);
+  EXPECT_EQ(ramp.data()[1][1], 2.5);
+  EXPECT_EQ(text(ramp.timeSpan()), "TOTAL");
+  EXPECT_THROW(odb_embedded::addConstraint(odb(), {"odb_Tie", "T", {{"mastr", 1}}}), odb_Exception);
 }
 
 }  // namespace

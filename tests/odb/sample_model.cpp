@@ -165,16 +165,42 @@ void addUserData(odb_Odb& odb) {
   curve.points = floatRows({{0, 1}, {2, 3}});
   odb_embedded::addCurve(odb, curve);
   odb_embedded::setSectorDefinition(odb, 12, floatRows({{0, 0, 0}, {0, 0, 1}}));
-  odb_embedded::ObjectDescription coupling;
-  coupling.type = "odb_Coupling";
-  coupling.name = "TIE-1";
-  coupling.values = {{"couplingType", "KINEMATIC"}, {"influenceRadius", 3.5}};
-  coupling.sets = {{"controlPoint", odb.rootAssembly().instances()["A-1"].nodeSets()["BOTTOM"]}};
-  odb_embedded::addConstraint(odb, coupling);
-  odb_embedded::addProfile(odb, {"odb_Profile", "PROFILE-1", {{"a", 2.0}}, {}});
-  odb_embedded::addInteraction(odb, {"odb_Interaction", "INT-1", {}, {}});
-  odb_embedded::addInteractionProperty(odb, {"odb_InteractionProperty", "IP-1", {}, {}});
-  odb_embedded::addAmplitude(odb, {"odb_Amplitude", "AMP-1", {}, {}});
+}
+
+void addObjects(odb_Odb& odb) {
+  using namespace odb_embedded;
+  odb_Assembly& root = odb.rootAssembly();
+  const odb_Set& bottom = root.instances()["A-1"].nodeSets()["BOTTOM"];
+  const odb_Set& contact = root.surfaces()["CONTACT"];
+  const odb_Set& points = root.surfaces()["POINTS"];
+  addConstraint(odb, {"odb_Coupling",
+                      "TIE-1",
+                      {{"couplingType", "KINEMATIC"}, {"influenceRadius", 3.5}, {"ur2", true}},
+                      {{"refPoint", bottom}}});
+  addConstraint(odb, {"odb_Tie",
+                      "GLUED",
+                      {{"adjust", true}, {"positionTolerance", 0.25}},
+                      {{"master", contact}, {"slave", points}}});
+  addConstraint(odb, {"odb_MPC", "PIN-1", {{"userType", 7}}, {{"controlPoint", bottom}}});
+  addConstraint(odb, {"odb_DisplayBody", "SHOWN", {{"referenceNode3Label", 4}}});
+  addProfile(odb, {"odb_Profile", "PROFILE-1", {{"a", 2.0}}});
+  addInteractionProperty(
+      odb, {"odb_ContactProperty",
+            "RUBBING",
+            {{"tangentialBehavior.formulation", "PENALTY"}, {"tangentialBehavior.dependencies", 1}},
+            {},
+            {{"tangentialBehavior.table", doubleRows({{0.3, 1}, {0.2}})}}});
+  addInteractionProperty(odb, {"odb_ContactProperty", "SMOOTH"});
+  addInteraction(odb, {"odb_SurfaceToSurfaceContactStd",
+                       "PAIR-1",
+                       {{"sliding", "SMALL"}, {"interactionProperty", "RUBBING"}, {"hcrit", 0.5}},
+                       {{"master", contact}, {"adjustSet", bottom}}});
+  addInteraction(odb, {"odb_SurfaceToSurfaceContactExp", "PAIR-2", {{"slaveNoThick", true}}});
+  addAmplitude(odb, {"odb_TabularAmplitude",
+                     "AMP-1",
+                     {{"timeSpan", "TOTAL"}},
+                     {},
+                     {{"data", doubleRows({{0, 0}, {1, 2.5}})}}});
 }
 
 }  // namespace
@@ -187,6 +213,7 @@ odb_Odb& makeSampleModel(const std::string& name, const std::string& path) {
   addSteps(odb);
   addResults(odb);
   addUserData(odb);
+  addObjects(odb);
   return odb;
 }
 

@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Forwards to the header that declares odb_SurfaceToSurfaceContactStd.
+#pragma once
+#include <odb_Interaction.h>

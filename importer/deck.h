@@ -201,6 +201,7 @@ struct Section {
   std::vector<Layer> layers;
   double mass = 0;
   ConnectorData connector;
+  bool abbreviated = false;  // the keyword is not spelled out
   Place place = 0;
 };
 

@@ -112,6 +112,7 @@ Deck DeckParser::parse() {
   bool any = false;
   while (lines_.keyword(keyword)) {
     any = true;
+    checkSpelling(keyword);
     const auto handler = handlers.find(keyword.name);
     if (handler != handlers.end()) {
       (this->*handler->second)(keyword);
@@ -126,6 +127,23 @@ Deck DeckParser::parse() {
   if (!any) fail("there is no keyword line in this file: this is no input deck");
   finish();
   return std::move(deck_);
+}
+
+// An abbreviation of several keywords is read as none of them; so are unknown parameters.
+void DeckParser::checkSpelling(const Keyword& keyword) {
+  const auto unclear = [&](const std::string& text, const std::string& choices) {
+    warn(keyword.place, text + " is left out: it may stand for " + choices);
+  };
+  if (!keyword.choices.empty()) unclear(keyword.text, keyword.choices);
+  if (!hasParameterList(keyword.name)) return;
+  for (const Parameter& parameter : keyword.parameters) {
+    if (!parameter.spelling.choices.empty()) {
+      unclear("parameter " + parameter.name + " of " + keyword.text, parameter.spelling.choices);
+    } else if (parameter.spelling.name.empty()) {
+      warn(keyword.place,
+           "parameter " + parameter.name + " of " + keyword.text + " is unknown and left out");
+    }
+  }
 }
 
 Scope& DeckParser::scope() {

@@ -33,6 +33,7 @@ class DeckParser {
 
   // ---- Helpers (deck_parser.cpp) ----
   [[noreturn]] void fail(const std::string& reason) const { lines_.fail(reason); }
+  void checkSpelling(const Keyword& keyword);
   Scope& scope();
   // A required parameter's value; fails at the keyword's line when it is missing or empty.
   const std::string& required(const Keyword& keyword, std::string_view name) const;

@@ -238,6 +238,16 @@ void DeckParser::checkMaterials(const Section& section) {
 }
 
 void DeckParser::finishSections(Scope& content, const Scope& home) {
+  // A solver without abbreviations passes over the keyword, and its deck may have no such set.
+  const auto passedOver = [&](const Section& section) {
+    if (!section.abbreviated || findSet({kOwn, 0, section.elset}, true)) return false;
+    warn(section.place,
+         "the section is left out: its element set " + section.elset + " is not defined");
+    return true;
+  };
+  content.sections.erase(
+      std::remove_if(content.sections.begin(), content.sections.end(), passedOver),
+      content.sections.end());
   for (Section& section : content.sections) {
     const Set* set = findSet({kOwn, 0, section.elset}, true);
     if (!set) {

@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "base/text.h"
+#include "importer/keyword_table.h"
 
 namespace odbs::importer {
 
@@ -26,12 +27,9 @@ bool isKeywordLine(std::string_view line) {
   return !line.empty() && line[0] == '*';
 }
 
-std::string withoutBlanks(std::string_view text) {
-  std::string result = upperCase(text);
-  result.erase(std::remove_if(result.begin(), result.end(),
-                              [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }),
-               result.end());
-  return result;
+// The keyword of a keyword line, squeezed.
+std::string keywordOf(std::string_view line) {
+  return squeezed(line.substr(1, line.find(',') - 1));
 }
 
 // Printable form of foreign text in messages.
@@ -190,17 +188,13 @@ bool LineSource::anyLine(std::string_view& line) {
   while (rawLine(line)) {
     line = trimmed(line);
     if (line.empty() || startsWith(line, "**") || line == "*") continue;
-    if (isKeywordLine(line) &&
-        equalNoCase(trimmed(line.substr(1, line.find(',') - 1)), "INCLUDE")) {
-      Keyword include;
-      parseKeyword(line, include);
-      place_ = include.place;
-      const Parameter* input = include.find("INPUT");
-      if (!input) fail("*INCLUDE without the parameter INPUT");
-      push(input->raw);
-      continue;
-    }
-    return true;
+    if (!isKeywordLine(line) || keywordSpelled(keywordOf(line)).name != "INCLUDE") return true;
+    Keyword include;
+    parseKeyword(line, include);
+    place_ = include.place;
+    const Parameter* input = include.find("INPUT");
+    if (!input) fail("*INCLUDE without the parameter INPUT");
+    push(input->raw);
   }
   return false;
 }
@@ -252,8 +246,12 @@ void LineSource::parseKeyword(std::string_view line, Keyword& keyword) {
   bool first = true;
   while (fields.next(field)) {
     if (first) {
-      keyword.name = withoutBlanks(field);
-      keyword.text = "*" + shown(upperCase(field));
+      Spelling spelling = keywordSpelled(squeezed(field));
+      const bool known = !spelling.name.empty();
+      keyword.name = known ? spelling.name : squeezed(field);
+      keyword.text = "*" + (known ? spelling.text : shown(upperCase(field)));
+      keyword.choices = std::move(spelling.choices);
+      keyword.abbreviated = known && spelling.name != squeezed(field);
       first = false;
       if (keyword.name.empty()) fail(keyword.place, "a keyword line without a keyword");
       continue;
@@ -261,7 +259,9 @@ void LineSource::parseKeyword(std::string_view line, Keyword& keyword) {
     if (field.empty()) continue;
     Parameter parameter;
     const std::size_t equal = field.find('=');
-    parameter.name = withoutBlanks(field.substr(0, equal));
+    parameter.name = squeezed(field.substr(0, equal));
+    parameter.spelling = parameterSpelled(keyword.name, parameter.name);
+    if (!parameter.spelling.name.empty()) parameter.name = parameter.spelling.name;
     if (equal != std::string_view::npos) {
       const std::string_view value = trimmed(field.substr(equal + 1));
       parameter.hasValue = true;

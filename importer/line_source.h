@@ -9,19 +9,23 @@
 #include <vector>
 
 #include "importer/deck.h"
+#include "importer/keyword_table.h"
 
 namespace odbs::importer {
 
 struct Parameter {
-  std::string name;   // upper case, without blanks
+  std::string name;   // squeezed; in full where the keyword's parameters are known
   std::string value;  // as databases show names: upper case unless quoted
   std::string raw;    // as it stands, without quotes
   bool hasValue = false;
+  Spelling spelling;  // what the keyword's table has for it
 };
 
 struct Keyword {
-  std::string name;  // upper case, without blanks and asterisk: "SOLIDSECTION"
-  std::string text;  // as a person writes it: "*SOLID SECTION"
+  std::string name;     // squeezed, in full where it is known: "SOLIDSECTION"
+  std::string text;     // as a person writes it: "*SOLID SECTION"
+  std::string choices;  // of an ambiguous abbreviation: what it may stand for
+  bool abbreviated = false;
   std::vector<Parameter> parameters;
   Place place = 0;
 

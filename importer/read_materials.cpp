@@ -31,12 +31,6 @@ constexpr ElasticKind kElasticKinds[] = {
 constexpr std::size_t kMaxRow = 64;
 constexpr std::size_t kPerLine = 8;  // numbers on a data line; longer rows go on on the next
 
-std::string squeezed(std::string_view text) {
-  std::string result = upperCase(text);
-  result.erase(std::remove(result.begin(), result.end(), ' '), result.end());
-  return result;
-}
-
 }  // namespace
 
 void DeckParser::readMaterial(const Keyword& keyword) {

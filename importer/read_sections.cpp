@@ -40,6 +40,7 @@ Section DeckParser::startSection(const Keyword& keyword, SectionKind kind,
   section.kind = kind;
   section.word = word;
   section.place = keyword.place;
+  section.abbreviated = keyword.abbreviated;
   section.elset = required(keyword, "ELSET");
   section.material = keyword.value("MATERIAL");
   section.orientation = keyword.value("ORIENTATION");

@@ -29,6 +29,31 @@ TEST_F(DeckTest, KeywordsAreReadWhateverTheirCaseBlanksAndLineBreaks) {
   EXPECT_EQ(1, deck.ignoredKeywords.at("*END"));
 }
 
+TEST_F(DeckTest, UniqueBeginningsOfKeywordsAndParametersAreRead) {
+  files_.write("nodes.inc", "*NODE, NS=ALL\n1\n2\n3\n4\n5\n6\n7\n8\n");
+  const Deck deck = read(
+      "*INCL, INP=nodes.inc\n*ELEM, TY=S4, ELS=E\n1,1,2,3,4\n*NSET, NSET=A, GEN\n1, 8, 1\n"
+      "*MATER, NA=M\n*SHELL SEC, ELSET=E, MAT=M\n1.,7\n*MEMBRANE, ELSET=NONE\n"
+      "*STEP, PERT\n*STAT\n*END ST\n*CONT, X\n*NODE PR, NSETT=ALL\n*NODE, S=R, NSTE=B\n9\n");
+  EXPECT_EQ((Labels{1, 2, 3, 4, 5, 6, 7, 8}), nodeSet(deck, "A"));
+  EXPECT_EQ((Labels{1}), elementSet(deck, "E"));
+  ASSERT_EQ(1U, mesh(deck).sections.size());
+  EXPECT_EQ("M", mesh(deck).sections[0].material);
+  EXPECT_EQ(7, mesh(deck).sections[0].nPoints);
+  EXPECT_TRUE(deck.steps.at(0).perturbation);
+  EXPECT_EQ("*STATIC", deck.steps.at(0).procedure);
+  std::string warnings;
+  for (const std::string& warning : deck.warnings) {
+    warnings += warning.substr(warning.find("model.inp") + 9) + "\n";
+  }
+  EXPECT_EQ(
+      ":13: *CONT is left out: it may stand for CONTACT or CONTOUR INTEGRAL\n"
+      ":14: parameter NSETT of *NODE PRINT is unknown and left out\n"
+      ":15: parameter NSTE of *NODE is unknown and left out\n"
+      ":9: the section is left out: its element set NONE is not defined\n",
+      warnings);
+}
+
 TEST_F(DeckTest, AFlatDeckIsOnePartWithOneInstance) {
   const Deck deck = read(kCube);
   ASSERT_EQ(1U, deck.instances.size());

@@ -4,7 +4,9 @@
 #include "importer/dat_reader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
+#include <optional>
 
 #include "base/text.h"
 
@@ -32,6 +34,14 @@ bool isRow(std::string_view text) {
   if ((c >= '0' && c <= '9') || c == '.') return true;
   if (c != '-' && c != '+' && c != 'N' && c != 'I') return false;
   return parseReal(text.substr(0, text.find_first_of(" \t"))).has_value();
+}
+
+// A printed value. The solver prints all but counts with a point; a part of a number that a blank
+// has broken in two has none.
+std::optional<double> valueOf(std::string_view word, const DatTable& table) {
+  const auto value = parseReal(word);
+  const bool whole = value && std::isfinite(*value) && word.find('.') == std::string_view::npos;
+  return whole && table.quantity != kDatContactElements ? std::nullopt : value;
 }
 
 // Fills set, master set and time from a heading such as
@@ -172,12 +182,18 @@ void DatReader::readRow(std::string_view text) {
   std::vector<double> values;
   std::size_t at = nKeys;
   while (at < parts.size() && !(fixed && values.size() == table_.columns.size())) {
-    const auto value = parseReal(parts[at]);
+    const auto value = valueOf(parts[at], table_);
     if (!value) break;
     values.push_back(*value);
     ++at;
   }
   if (parts.size() < nKeys) input_.fail("a row without its labels");
+  // "L": a vector in the node's system of *TRANSFORM.
+  const bool named = table_.rows == DatRows::points || table_.quantity == kDatTurning ||
+                     (table_.rows == DatRows::nodes && at < parts.size() && parts[at] == "L");
+  if (at < parts.size() && (!named || parseReal(parts[at]))) {
+    input_.fail("a number expected, found \"" + std::string(parts[at]) + "\"");
+  }
   for (std::size_t i = 0; i < nKeys; ++i) {
     const auto key = parseInt(parts[i]);
     if (!key || *key < 0 || *key > std::numeric_limits<std::int32_t>::max()) {

@@ -63,7 +63,7 @@ constexpr DatKind kKinds[] = {
     {"contact print energy (slave node", DatRows::nodes, "CELS", "-"},
     {"contact print energy (slave elem", DatRows::faces, "CELS", "-"},
     {"total contact spring energy", DatRows::totals, "CELS", "-"},
-    {"total number of contact elements", DatRows::totals, "CNUM", "-"},
+    {"total number of contact elements", DatRows::totals, kDatContactElements, "-"},
     // *SECTION PRINT, *FACE PRINT
     {"statistics for", DatRows::statistics, kDatStatistics, ""},
     {"surface stress vector", DatRows::facePoints, "DRAG", "*"},

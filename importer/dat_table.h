@@ -61,6 +61,7 @@ inline constexpr std::string_view kDatTotalEffectiveMass = "TOTAL EFFECTIVE MASS
 inline constexpr std::string_view kDatHarmonic = "HARMONIC PARTICIPATION";
 inline constexpr std::string_view kDatTurning = "TURNING DIRECTION";
 inline constexpr std::string_view kDatStatistics = "STATISTICS";
+inline constexpr std::string_view kDatContactElements = "CNUM";
 
 // A kind of table.
 struct DatKind {

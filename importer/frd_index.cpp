@@ -31,7 +31,16 @@ bool belongsTo(const FrdFrame& frame, const FrdResult& result) {
 FrdIndex indexFrd(FrdReader& reader) {
   using Block = FrdReader::Block;
   FrdIndex index;
-  for (Block block = reader.skim(); block != Block::end; block = reader.skim()) {
+  const auto next = [&] {
+    try {
+      return reader.skim();
+    } catch (const ResultFileCut& cut) {
+      if (index.frames.empty()) throw;
+      index.cut = cut.what();
+      return Block::end;
+    }
+  };
+  for (Block block = next(); block != Block::end; block = next()) {
     if (block == Block::nodes) {
       append(index.nodes.labels, reader.nodes().labels);
       append(index.nodes.coordinates, reader.nodes().coordinates);

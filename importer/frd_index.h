@@ -29,9 +29,11 @@ struct FrdIndex {
   FrdElements elements;  // of all blocks of elements
   std::vector<FrdFrame> frames;
   bool complete = false;  // the file ends with its end record
+  std::string cut;        // where it breaks off inside a result block, else empty
 };
 
-// Goes through the whole file once. Throws ResultFileError.
+// Goes through the whole file once. A result block that the file breaks off in is left out. Throws
+// ResultFileError, also when the file breaks off before the first result block is complete.
 FrdIndex indexFrd(FrdReader& reader);
 
 }  // namespace odbs::importer

@@ -242,7 +242,7 @@ void FrdReader::readTextElements(const BlockHeader& header) {
     elements_.groups.push_back(toIntOrZero(columns(line, at + 5, 5)));
     for (std::size_t i = 0; i < static_cast<std::size_t>(nNodes); ++i) {
       if (i % nodesPerLine == 0) {
-        if (!input_.nextLine()) input_.fail("the file ends inside an element");
+        if (!input_.nextLine()) input_.failCut("the file ends inside an element");
         line = input_.line();
         if (keyOf(line) != "-2") input_.fail("a record of nodes (-2) expected");
       }
@@ -250,7 +250,7 @@ void FrdReader::readTextElements(const BlockHeader& header) {
       elements_.nodes.push_back(label(columns(line, at, labelWidth), "a node label"));
     }
   }
-  input_.fail("the file ends inside the block of elements");
+  input_.failCut("the file ends inside the block of elements");
 }
 
 // True where a text record begins. As labels its first four bytes would be beyond 500 million, so
@@ -330,13 +330,13 @@ void FrdReader::skipRows(const BlockHeader& header, std::size_t nValues) {
   if (header.format >= Format::binaryFloat) {
     if (header.count == 0 || atText()) return;
     const std::uint64_t rowSize = 4 + nValues * (header.format == Format::binaryDouble ? 8 : 4);
-    if (header.count > input_.remaining() / rowSize) input_.fail("the file ends inside a block");
+    if (header.count > input_.remaining() / rowSize) input_.failCut("the file ends inside a block");
     return input_.skipBytes(header.count * rowSize);
   }
   while (input_.nextLine()) {
     if (startsWith(input_.line(), " -3")) return;
   }
-  input_.fail("the file ends inside a block");
+  input_.failCut("the file ends inside a block");
 }
 
 // " -5", two blanks, name (8), menu (5), type (5), row (5), column (5), derived (5), name (8)
@@ -379,7 +379,7 @@ void FrdReader::readTextRows(const BlockHeader& header, std::size_t nValues,
       appendFields(input_.line(), start, std::min(kValuesPerLine, nValues - done), values);
     }
   }
-  input_.fail("the file ends inside a block");
+  input_.failCut("the file ends inside a block");
 }
 
 // The `nFields` numbers of `line` from column `start`: by columns, and where those have shifted by
@@ -403,7 +403,7 @@ void FrdReader::readBinaryRows(const BlockHeader& header, std::size_t nValues,
   const bool isDouble = header.format == Format::binaryDouble;
   const std::size_t rowSize = 4 + nValues * (isDouble ? 8 : 4);
   if (header.count == 0 || atText()) return;  // empty, whatever is announced; see checkCount
-  if (header.count > input_.remaining() / rowSize) input_.fail("the file ends inside a block");
+  if (header.count > input_.remaining() / rowSize) input_.failCut("the file ends inside a block");
   labels.reserve(static_cast<std::size_t>(header.count));
   values.reserve(static_cast<std::size_t>(header.count) * nValues);
   std::vector<unsigned char> row(rowSize);

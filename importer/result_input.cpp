@@ -2,6 +2,7 @@
 // The buffered stream of importer/result_input.h.
 #include "importer/result_input.h"
 
+#include <cstdio>
 #include <cstring>
 
 namespace odbs::importer {
@@ -79,7 +80,7 @@ void ResultInput::readBytes(unsigned char* target, std::size_t size) {
 void ResultInput::skipBytes(std::uint64_t size) {
   binary_ = true;
   line_ = {};
-  if (size > remaining()) fail("the file ends inside a binary block");
+  if (size > remaining()) failCut("the file ends inside a binary block");
   const std::uint64_t target = size_ - remaining() + size;
   if (size <= filled_ - at_) {
     at_ += static_cast<std::size_t>(size);
@@ -109,10 +110,32 @@ bool ResultInput::continuesWith(std::string_view text) {
 }
 
 void ResultInput::fail(const std::string& reason) const {
-  const std::string place =
-      binary_ ? ": byte " + std::to_string(lineStart_) : ":" + std::to_string(lineNumber_);
-  const char* const atEnd = remaining() == 0 ? " (the file ends here)" : "";
-  throw ResultFileError(path_ + place + ": " + reason + atEnd);
+  if (remaining() == 0) failCut(reason);
+  throw ResultFileError(path_ + where() + printable(reason));
+}
+
+void ResultInput::failCut(const std::string& reason) const {
+  throw ResultFileCut(path_ + where() + printable(reason) + " (the file ends here)");
+}
+
+std::string ResultInput::where() const {
+  return (binary_ ? ": byte " + std::to_string(lineStart_) : ":" + std::to_string(lineNumber_)) +
+         ": ";
+}
+
+std::string printable(std::string_view text) {
+  std::string shown;
+  for (const char c : text) {
+    if (c >= ' ' && c <= '~') {
+      shown += c;
+      continue;
+    }
+    char code[8];
+    std::snprintf(code, sizeof code, "\\x%02X",
+                  static_cast<unsigned>(static_cast<unsigned char>(c)));
+    shown += code;
+  }
+  return shown;
 }
 
 }  // namespace odbs::importer

@@ -21,6 +21,15 @@ class ResultFileError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The same for a file that ends where it should go on.
+class ResultFileCut : public ResultFileError {
+ public:
+  using ResultFileError::ResultFileError;
+};
+
+// `text` as a terminal may show it: bytes other than printable ASCII are written as \xNN.
+std::string printable(std::string_view text);
+
 // A place in a result file: where a line begins.
 struct ResultPlace {
   std::uint64_t offset = 0;  // bytes before it
@@ -60,14 +69,17 @@ class ResultInput {
   std::uint64_t remaining() const { return size_ - (offset_ - (filled_ - at_)); }
 
   // Throws ResultFileError for the current line, or for the current byte offset in a file that
-  // turned out to be binary; says so when the file ends there.
+  // turned out to be binary; ResultFileCut when the file ends there. The reason may quote the file.
   [[noreturn]] void fail(const std::string& reason) const;
+  // Throws ResultFileCut: what is announced is more than the rest of the file can hold.
+  [[noreturn]] void failCut(const std::string& reason) const;
 
   static constexpr std::size_t kMaxLine = 1 << 20;
 
  private:
   bool refill();
   void moveTo(std::uint64_t offset);
+  std::string where() const;
 
   std::string path_;
   std::ifstream file_;

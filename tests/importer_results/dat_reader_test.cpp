@@ -177,6 +177,11 @@ TEST(DatReader, NamesFileLineAndReasonOfABrokenTable) {
       {" internal state variables (elem, integ.pnt.,values) for set E and time  1.0\n"
        "  1  1  1.0  2.0\n  1  2  1.0\n",
        ".dat:3: 2 numbers expected after the labels, 1 found"},
+      {" displacements (vx,vy,vz) for set N and time  1.0\n  1 -1.087822 -06  0.0  0.0\n",
+       ".dat:2: a number expected, found \"-06\""},
+      {" displacements (vx,vy,vz) for set N and time  1.0\n  1  0.0  0.0 -1.087822 -06\n",
+       ".dat:2: a number expected, found \"-06\""},
+      {head + "  1  2.0  \x1b[2J\xff\n", ".dat:3: a number expected, found \"\\x1B[2J\\xFF\""},
   };
   for (const auto& broken : cases) {
     try {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The reader of .frd files on blocks of each format, and on files that break it.
-#include "importer/frd_reader.h"
+#include "importer/frd_index.h"
 
 #include <gtest/gtest.h>
 
@@ -193,6 +193,25 @@ TEST(FrdReader, SkimsBlocksAndReadsThemAgainInAnyOrder) {
   ASSERT_EQ(reader.readAt(places[0]), Block::result);
   EXPECT_EQ(reader.result().values, (Doubles{1, 2, 3}));
   EXPECT_THROW(reader.readAt(places[2]), ResultFileError);
+}
+
+TEST(FrdIndex, KeepsTheFramesBeforeABlockThatTheFileBreaksOffIn) {
+  const std::string mesh =
+      blockHead("2", 1, 1) + " -1         1 0.00000E+00 0.00000E+00 0.00000E+00\n -3\n";
+  const std::string row = " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n";
+  const std::string first = resultHead(1, 1, 0, 1, "", 1) + kDisp + row + " -3\n";
+  const std::string text = resultHead(2, 1, 0, 2, "", 1) + kDisp + row;
+  const std::string binary = resultHead(2, 1, 0, 2, "", 2) + kDisp + bytes32(1) + bytesFloat(1);
+  for (const std::string& second : {text, text.substr(0, 40), text.substr(0, 120), binary}) {
+    const TemporaryFile file(mesh + first + second);
+    FrdReader reader(file.path());
+    const FrdIndex index = indexFrd(reader);
+    ASSERT_EQ(index.frames.size(), 1u);
+    EXPECT_NE(index.cut.find("the file ends here"), std::string::npos) << index.cut;
+  }
+  const TemporaryFile file(mesh + text);
+  FrdReader reader(file.path());
+  EXPECT_THROW(indexFrd(reader), ResultFileCut) << "nothing is left of it";
 }
 
 TEST(FrdReader, ReadsBlocksThatAnnounceMoreThanTheyHold) {

@@ -34,7 +34,7 @@ bodies, connectors and the names of the steps.
   -o, --output FILE   the database; without it, the deck's name with .odb, beside the deck
       --results FILE  results of the solver (.frd): frames and fields
       --data FILE     what the solver printed (.dat): integration points, histories
-  -q, --quiet         say nothing unless something is wrong
+  -q, --quiet         no progress and no closing report; warnings stay
       --compress      compress the arrays of the database: smaller, slower to read
       --version       print the version
   -h, --help          print this text
@@ -153,7 +153,6 @@ void importDeck(const Options& options) {
   progress.show("saving", 0);
   odb.save();
   progress.clear();
-  if (options.quiet) return;
   for (const std::string& warning : deck.warnings) {
     std::fprintf(stderr, "%s\n", ("warning: " + warning).c_str());
   }
@@ -163,7 +162,7 @@ void importDeck(const Options& options) {
   for (const std::string& warning : results.warnings) {
     std::fprintf(stderr, "%s\n", ("warning: " + warning).c_str());
   }
-  report(options, deck, summary, results);
+  if (!options.quiet) report(options, deck, summary, results);
 }
 
 // Fills `options`; returns an exit status when the program is to end at once, -1 otherwise.

@@ -291,6 +291,11 @@ struct Step {
   Domain domain = Domain::time;
   double timePeriod = 0;
   bool nlgeom = false, perturbation = false;
+  // Results count time from the step's own beginning and take none of the total time: one period of
+  // a periodic load.
+  bool ownTime = false;
+  bool sectionForces = false;  // stresses of beams in the result file are forces and moments
+  int lastDiameter = -1;       // the largest nodal diameter that is calculated; -1: not cyclic
 };
 
 struct Deck {

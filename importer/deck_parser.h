@@ -103,6 +103,8 @@ class DeckParser {
   void readOrientation(const Keyword&);
   void readTransform(const Keyword&);
   void readNodePrint(const Keyword&);
+  void readElementFile(const Keyword& keyword);
+  void readCyclicModes(const Keyword& keyword);
   Section startSection(const Keyword&, SectionKind kind, const std::string& word);
   void readLayers(Section& section);
 

@@ -6,12 +6,14 @@
 #include <cstdlib>
 #include <set>
 
+#include "importer/element_types.h"
+
 namespace odbs::importer {
 
 odb_SequenceInvariant invariantsOf(FieldShape shape) {
   odb_SequenceInvariant invariants;
   if (shape == FieldShape::vector) invariants.append(odb_Enum::MAGNITUDE);
-  if (shape != FieldShape::tensor) return invariants;
+  if (shape == FieldShape::scalar || shape == FieldShape::vector) return invariants;
   for (const auto invariant :
        {odb_Enum::MISES, odb_Enum::TRESCA, odb_Enum::PRESS, odb_Enum::INV3, odb_Enum::MAX_PRINCIPAL,
         odb_Enum::MID_PRINCIPAL, odb_Enum::MIN_PRINCIPAL}) {
@@ -25,6 +27,7 @@ odb_Enum::odb_DataTypeEnum typeOf(FieldShape shape) {
     case FieldShape::vector:
       return odb_Enum::VECTOR;
     case FieldShape::tensor:
+    case FieldShape::strain:
       return odb_Enum::TENSOR_3D_FULL;
     default:
       return odb_Enum::SCALAR;
@@ -36,7 +39,14 @@ odb_FieldOutput& fieldOf(odb_Frame& frame, const std::string& name, const std::s
   odb_FieldOutputRepository& fields = frame.fieldOutputs();
   if (fields.isMember(name.c_str())) return fields[name.c_str()];
   return frame.FieldOutput(name.c_str(), description.c_str(), typeOf(shape), odb_SequenceString(),
-                           invariantsOf(shape));
+                           invariantsOf(shape), shape == FieldShape::strain);
+}
+
+void toStored(FieldShape shape, float* components, std::size_t n) {
+  if (shape != FieldShape::strain) return;
+  for (std::size_t i = 0; i < n; ++i) {
+    if (i % 6 >= 3) components[i] *= 2;
+  }
 }
 
 LayerPoints layerPoints(const odb_SectionCategory& category, int layer) {
@@ -76,7 +86,7 @@ FieldWriter::Block FieldWriter::read(const FrdField& field) {
   return block;
 }
 
-std::size_t FieldWriter::write(const FrdFrame& frame, odb_Frame& target) {
+std::size_t FieldWriter::write(const FrdFrame& frame, odb_Frame& target, bool sectionForces) {
   std::size_t nWritten = 0;
   const auto find = [&](const std::string& name) {
     return std::find_if(frame.fields.begin(), frame.fields.end(),
@@ -99,17 +109,21 @@ std::size_t FieldWriter::write(const FrdFrame& frame, odb_Frame& target) {
     Block imaginary;
     const bool isComplex = imaginaries.count(imaginaryName(name)) != 0;
     if (isComplex) imaginary = read(*find(imaginaryName(name)));
-    for (TargetField& targetField : targetFields(field.head)) {
+    bool written = false;
+    for (TargetField& targetField : targetFields(field.head, sectionForces)) {
       const std::string plain = targetField.name;
       for (int n = 2; !taken.insert(targetField.name).second; ++n) {
         targetField.name = plain + "_" + std::to_string(n);
       }
       if (writeField(target, targetField, real, isComplex ? &imaginary : nullptr)) {
         ++nWritten;
-      } else {
+        written = true;
+      } else if (targetField.elements == FieldElements::all) {
         ++leftOut_[name];
+        written = true;
       }
     }
+    if (!written) ++leftOut_[name];
   }
   return nWritten;
 }
@@ -147,6 +161,8 @@ class FieldWriter::Rows {
     if (labels_.empty()) return;
     added_.labels = labels_.data();
     added_.nLabels = static_cast<int>(labels_.size());
+    toStored(field_.shape, values.data(), values.size());
+    toStored(field_.shape, conjugate.data(), conjugate.size());
     added_.data = values.data();
     added_.conjugate = complex_ ? conjugate.data() : nullptr;
     added_.nRows = static_cast<int>(values.size()) / added_.width;
@@ -241,6 +257,8 @@ bool FieldWriter::writeOfElements(const Target& target, odb_Frame& frame, const 
                                   const Block& real, const Block* imaginary) {
   bool any = false;
   for (const ElementTargets& targets : target.mesh->elements()) {
+    const bool line = elementTypeOf(targets.type).family == Family::line;
+    if (field.elements == (line ? FieldElements::others : FieldElements::lines)) continue;
     Rows rows(frame, field, target.instance, odb_Enum::ELEMENT_NODAL, imaginary != nullptr);
     if (targets.side == Side::corner) {
       const odb_Element element = target.instance.getElementFromLabel(targets.labels[0]);

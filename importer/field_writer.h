@@ -25,6 +25,10 @@ odb_Enum::odb_DataTypeEnum typeOf(FieldShape shape);
 odb_FieldOutput& fieldOf(odb_Frame& frame, const std::string& name, const std::string& description,
                          FieldShape shape);
 
+// Makes the components that a database has of `n` numbers, tensors one after another: engineering
+// shear of a strain's.
+void toStored(FieldShape shape, float* components, std::size_t n);
+
 // First and last section point of a layer (from 0) of the category; default-constructed objects
 // when it has none there.
 struct LayerPoints {
@@ -46,8 +50,9 @@ class FieldWriter {
   FieldWriter(FrdReader& reader, const FrdIndex& index, std::vector<Target> targets)
       : reader_(reader), index_(index), targets_(std::move(targets)) {}
 
-  // Writes all fields of `frame` to `target`. Returns their number.
-  std::size_t write(const FrdFrame& frame, odb_Frame& target);
+  // Writes all fields of `frame` to `target`. Returns their number. `sectionForces`: see
+  // targetFields.
+  std::size_t write(const FrdFrame& frame, odb_Frame& target, bool sectionForces);
 
   // Names of the blocks that found no place, with how often.
   const std::map<std::string, std::size_t>& leftOut() const { return leftOut_; }

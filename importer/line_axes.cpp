@@ -91,7 +91,7 @@ void turn(FieldShape shape, const Axes& axes, float* components) {
     const Vector3 v = {components[0], components[1], components[2]};
     for (std::size_t i = 0; i < 3; ++i) components[i] = static_cast<float>(dot(axes[i], v));
   }
-  if (shape != FieldShape::tensor) return;
+  if (shape != FieldShape::tensor && shape != FieldShape::strain) return;
   // Components 11, 22, 33, 12, 13, 23.
   constexpr std::size_t kRow[6] = {0, 1, 2, 0, 0, 1}, kColumn[6] = {0, 1, 2, 1, 2, 2};
   double full[3][3];

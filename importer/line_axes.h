@@ -52,7 +52,8 @@ class LineAxes {
 // cross-section.
 bool isTruss(const std::string& type);
 
-// Turns the components of one value from the global system into `axes`.
+// Turns the components of one value from the global system into `axes`. Shear components are those
+// of the tensor, of strains too.
 void turn(FieldShape shape, const Axes& axes, float* components);
 
 }  // namespace odbs::importer

@@ -285,4 +285,17 @@ void DeckParser::readNodePrint(const Keyword& keyword) {
   if (upperCase(keyword.value("GLOBAL")) != "YES") deck_.printsLocally = true;
 }
 
+// Requests have no place either, but tell what the blocks of a result file hold.
+void DeckParser::readElementFile(const Keyword& keyword) {
+  ++deck_.ignoredKeywords[keyword.text];
+  if (inStep_) deck_.steps.back().sectionForces = keyword.has("SECTIONFORCES");
+}
+
+void DeckParser::readCyclicModes(const Keyword& keyword) {
+  ++deck_.ignoredKeywords[keyword.text];
+  if (!inStep_) return;
+  const auto last = parseInt(keyword.value("NMAX"));
+  deck_.steps.back().lastDiameter = last ? static_cast<int>(*last) : 0;
+}
+
 }  // namespace odbs::importer

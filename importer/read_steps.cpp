@@ -78,6 +78,8 @@ void DeckParser::readStep(const Keyword& keyword) {
   const bool before = !deck_.steps.empty() && deck_.steps.back().nlgeom;
   const std::string& nlgeom = keyword.value("NLGEOM");
   step.nlgeom = keyword.has("NLGEOM") ? nlgeom != "NO" : before;
+  // So do requests, until there are new ones.
+  step.sectionForces = !deck_.steps.empty() && deck_.steps.back().sectionForces;
   std::string_view line;
   while (lines_.dataLine(line) && step.description.size() < kMaxDescription) {
     if (!step.description.empty()) step.description += ' ';
@@ -121,12 +123,19 @@ void DeckParser::readProcedure(const Keyword& keyword) {
     step.domain = Domain::arcLength;
   }
   if (keyword.name == "STEADYSTATEDYNAMICS" && keyword.has("DIRECT")) step.procedure += ", DIRECT";
+  if (keyword.name == "STEADYSTATEDYNAMICS" && keyword.value("HARMONIC") == "NO") {
+    step.procedure += ", HARMONIC=NO";
+    step.domain = Domain::time;
+    step.ownTime = true;
+    periodField = 6;  // the end of the period
+  }
 
   std::string_view line;
   std::vector<double> values;
   if (periodField >= 0 && lines_.dataLine(line)) {
     Fields fields(line);
-    for (std::string_view field; values.size() < 2 && fields.next(field);) {
+    for (std::string_view field;
+         values.size() <= static_cast<std::size_t>(periodField) && fields.next(field);) {
       values.push_back(realOf(field));
     }
   }

@@ -35,9 +35,9 @@ constexpr Rule kRules[] = {
     {"HERROR", "", "HERROR", "Heat flux error estimate in per cent", false},
     {"STRESS", "", "S", "Stress components", true},
     {"ZZSTR", "", "ZZS", "Stress components after Zienkiewicz and Zhu", true},
-    {"TOSTRAIN", "", "E", "Total strain components (tensor shear)", true},
-    {"MESTRAIN", "", "ME", "Mechanical strain components (tensor shear)", true},
-    {"THSTRAIN", "", "THE", "Thermal strain components (tensor shear)", true},
+    {"TOSTRAIN", "", "E", "Total strain components", true},
+    {"MESTRAIN", "", "ME", "Mechanical strain components", true},
+    {"THSTRAIN", "", "THE", "Thermal strain components", true},
     {"PE", "", "PEEQ", "Equivalent plastic strain", true},
     {"ENER", "", "ENER", "Energy density", true},
     {"SDV", "", "SDV", "Solution dependent state variables", true},
@@ -46,6 +46,16 @@ constexpr Rule kRules[] = {
     {"EMFE", "", "EFLX", "Electrical field", true},
     {"EMFB", "", "EMB", "Magnetic flux density", true},
     {"MAFLOW", "", "MFL", "Mass flow rate", false},
+};
+
+// What stands for stresses in beams where section forces were asked for.
+struct SectionField {
+  std::string_view name, description;
+  int sources[3];
+};
+constexpr SectionField kSectionFields[] = {
+    {"SF", "Section forces: normal force, shear forces along n2 and n1", {2, 1, 0}},
+    {"SM", "Section moments: bending about n1 and n2, torque", {4, 5, 3}},
 };
 
 // Stored component of a vector or tensor by its indices, or -1.
@@ -95,8 +105,24 @@ void addScalars(const FrdResult& head, const TargetField& pattern, const std::ve
 
 }  // namespace
 
-std::vector<TargetField> targetFields(const FrdResult& head) {
+std::vector<TargetField> targetFields(const FrdResult& head, bool sectionForces) {
   std::vector<TargetField> fields;
+  if (sectionForces && head.name == "STRESS" && head.nStored == 6) {
+    fields = targetFields(head);
+    fields[0].elements = FieldElements::others;
+    // Stored are xx yy zz xy yz zx: shear forces along n1 and n2, normal force, torque, bending
+    // moments about n1 and n2.
+    for (const auto& [name, description, sources] : kSectionFields) {
+      TargetField field = fields[0];
+      field.name = std::string(name);
+      field.description = std::string(description);
+      field.shape = FieldShape::vector;
+      field.elements = FieldElements::lines;
+      field.sources.assign(sources, sources + 3);
+      fields.push_back(std::move(field));
+    }
+    return fields;
+  }
   TargetField field;
   field.name = head.name;
   field.description = head.name;
@@ -123,7 +149,8 @@ std::vector<TargetField> targetFields(const FrdResult& head) {
   for (const FieldShape shape : {FieldShape::tensor, FieldShape::vector}) {
     std::vector<int> sources;
     if (!tryShape(head, shape, sources)) continue;
-    field.shape = shape;
+    const bool strain = field.name == "E" || field.name == "ME" || field.name == "THE";
+    field.shape = strain && shape == FieldShape::tensor ? FieldShape::strain : shape;
     field.sources = sources;
     fields.push_back(field);
     break;

@@ -36,7 +36,11 @@ ResultFrames::ResultFrames(const Deck& deck, odb_Odb& odb) {
     slot.domain = step.domain;
     slot.buckling = startsWith(step.procedure, "*BUCKLE");
     slot.start = time;
-    if (step.domain == Domain::time || step.domain == Domain::arcLength) time += step.timePeriod;
+    slot.ownTime = step.ownTime;
+    slot.sectionForces = step.sectionForces;
+    slot.lastDiameter = step.lastDiameter;
+    const bool timed = step.domain == Domain::time || step.domain == Domain::arcLength;
+    if (timed && !step.ownTime) time += step.timePeriod;
     slot.end = time;
     steps_.push_back(std::move(slot));
   }
@@ -57,6 +61,7 @@ odb_Frame ResultFrames::add(const FrdFrame& frame) {
 // Total time counted from the step's beginning. Negative time was set anew by the deck, to run up
 // to zero in the step; other time before the beginning is left as it is.
 double ResultFrames::stepTime(Slot& slot, double total) {
+  if (slot.ownTime) return total;
   slot.endsAtZero |= total < 0;
   if (slot.endsAtZero) return std::max(total + slot.end - slot.start, 0.);
   return total >= slot.start ? total - slot.start : total;
@@ -66,6 +71,8 @@ odb_Frame ResultFrames::make(Slot& slot, double x, double value, const FrdParame
   ++nFrames_;
   slot.ascending &= slot.values.empty() || x > slot.values.back();
   slot.values.push_back(x);
+  const bool cyclic = p.hasNodalDiameter && p.nodalDiameter >= 0;
+  slot.diameters.push_back(cyclic ? p.nodalDiameter : -1);
   if (slot.domain != Domain::modal) {
     slot.lastIncrement = std::max(p.increment, slot.lastIncrement + 1);
     const char* const unit = slot.domain == Domain::frequency ? ", frequency " : ", step time ";
@@ -75,7 +82,6 @@ odb_Frame ResultFrames::make(Slot& slot, double x, double value, const FrdParame
     return slot.frames.back();
   }
   const int mode = static_cast<int>(x);
-  const bool cyclic = p.hasNodalDiameter && p.nodalDiameter >= 0;
   std::string text = "Mode " + std::to_string(mode) +
                      (slot.buckling ? ", factor " : ", frequency ") + numberText(value);
   if (cyclic) text += ", nodal diameter " + std::to_string(p.nodalDiameter);
@@ -102,9 +108,17 @@ bool ResultFrames::enter(Fits fits) {
   return false;
 }
 
-void ResultFrames::enterModes(bool buckling) {
-  enter(
-      [&](const Slot& slot) { return slot.domain == Domain::modal && slot.buckling == buckling; });
+void ResultFrames::enterModes(bool buckling, int nodalDiameter) {
+  if (nSteps() == 0) return;
+  const Slot& now = steps_[static_cast<std::size_t>(current_)];
+  const bool goesOn = now.entered && now.diameter >= 0 && nodalDiameter > now.diameter &&
+                      nodalDiameter <= now.lastDiameter;
+  if (!goesOn) {
+    enter([&](const Slot& slot) {
+      return slot.domain == Domain::modal && slot.buckling == buckling;
+    });
+  }
+  steps_[static_cast<std::size_t>(current_)].diameter = nodalDiameter;
 }
 
 void ResultFrames::enterHarmonic() {
@@ -113,13 +127,8 @@ void ResultFrames::enterHarmonic() {
   if (!inside) enter([](const Slot& slot) { return slot.domain == Domain::frequency; });
 }
 
-void ResultFrames::addMode(int mode, double value, int nodalDiameter) {
-  Slot& slot = steps_[static_cast<std::size_t>(current_)];
-  if (!slot.values.empty() && slot.values.back() >= mode) return;
-  FrdParameters parameters;
-  parameters.hasNodalDiameter = nodalDiameter >= 0;
-  parameters.nodalDiameter = nodalDiameter;
-  make(slot, mode, value, parameters);
+void ResultFrames::announceMode(int mode, double value, int nodalDiameter) {
+  steps_[static_cast<std::size_t>(current_)].modes[{nodalDiameter, mode}] = value;
 }
 
 ResultFrames::Moment ResultFrames::at(double time, int mode) {
@@ -130,11 +139,12 @@ ResultFrames::Moment ResultFrames::at(double time, int mode) {
     if (slot.domain == Domain::modal) {
       if (mode == 0 || i != current_) continue;
       moment.x = mode;
+      moment.nodalDiameter = slot.diameter;
     } else if (slot.domain == Domain::frequency) {
       // Before it, the steps that count time have their turn.
       if (i != current_ && mode == 0 && time <= slot.start) continue;
     } else {
-      if (time > slot.end && !isSame(time, slot.end)) continue;
+      if (!slot.ownTime && time > slot.end && !isSame(time, slot.end)) continue;
       moment.x = stepTime(slot, time);
     }
     moment.step = current_ = i;
@@ -158,14 +168,22 @@ std::optional<odb_Frame> ResultFrames::frameOf(const Moment& moment) {
     last = std::min(at + 1, last);
   }
   for (std::size_t i = last; i-- > first;) {
+    if (moment.nodalDiameter >= 0 && slot.diameters[i] != moment.nodalDiameter) continue;
     const double distance = std::fabs(slot.values[i] - moment.x);
     if (distance > best || (nearest && distance == best)) continue;
     best = distance;
     nearest = slot.frames[i];
   }
   if (nearest) return nearest;
-  if (!slot.values.empty() && moment.x < slot.values.back()) return std::nullopt;
-  return make(slot, moment.x, slot.domain == Domain::modal ? 0 : moment.x, {});
+  FrdParameters parameters;
+  parameters.hasNodalDiameter = moment.nodalDiameter >= 0;
+  parameters.nodalDiameter = moment.nodalDiameter;
+  const bool later = slot.values.empty() || slot.diameters.back() < moment.nodalDiameter ||
+                     moment.x >= slot.values.back();
+  if (!later) return std::nullopt;
+  if (slot.domain != Domain::modal) return make(slot, moment.x, moment.x, {});
+  const auto value = slot.modes.find({moment.nodalDiameter, static_cast<int>(moment.x)});
+  return make(slot, moment.x, value == slot.modes.end() ? 0 : value->second, parameters);
 }
 
 }  // namespace odbs::importer

@@ -5,8 +5,10 @@
 
 #include <odb_API.h>
 
+#include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "importer/deck.h"
@@ -23,23 +25,30 @@ class ResultFrames {
   // first step.
   bool has(const FrdFrame& frame) const { return stepNumber(frame) <= nSteps(); }
 
+  // True when stresses of beams in such a frame are forces and moments of the section.
+  bool hasSectionForces(const FrdFrame& frame) const {
+    return steps_[static_cast<std::size_t>(stepNumber(frame) - 1)].sectionForces;
+  }
+
   // A new frame for it.
   odb_Frame add(const FrdFrame& frame);
 
   // What the headings of a print file say of the step that the next tables belong to. Each moves on
-  // to the next step that fits, if there is one; a step stays current until then.
-  void enterModes(bool buckling);
+  // to the next step that fits, if there is one; a step stays current until then. `nodalDiameter`
+  // is that of the modes, -1 when they have none: a cyclic step has a table for each.
+  void enterModes(bool buckling, int nodalDiameter);
   void enterHarmonic();
 
-  // A mode of the current step as a table of eigenvalues gives it: makes a frame without fields,
-  // unless there is one. `nodalDiameter` is -1 for a mode without one.
-  void addMode(int mode, double value, int nodalDiameter);
+  // A mode of the current step as a table of eigenvalues gives it: what a frame needs that is made
+  // for it later. `nodalDiameter` is -1 for a mode without one.
+  void announceMode(int mode, double value, int nodalDiameter);
 
   // Where a table belongs.
   struct Moment {
-    int step = -1;    // index in the deck; -1: nowhere
-    double time = 0;  // as printed: total time, frequency
-    double x = 0;     // step time, frequency, or mode
+    int step = -1;           // index in the deck; -1: nowhere
+    double time = 0;         // as printed: total time, frequency
+    double x = 0;            // step time, frequency, or mode
+    int nodalDiameter = -1;  // of the mode
   };
   // The moment of a table with total time (or frequency) `time` that was printed for mode `mode`
   // (0: for none). Becomes the current step.
@@ -62,12 +71,16 @@ class ResultFrames {
     Domain domain = Domain::time;
     bool entered = false;  // by a heading of a print file
     bool buckling = false;
-    bool endsAtZero = false;     // total time is negative during the step
-    double start = 0, end = 0;   // total time
-    bool ascending = true;       // the values of the frames
-    std::vector<double> values;  // of the frames: step time, frequency, mode
+    bool ownTime = false, sectionForces = false;  // see Step
+    bool endsAtZero = false;                      // total time is negative during the step
+    double start = 0, end = 0;                    // total time
+    bool ascending = true;                        // the values of the frames
+    std::vector<double> values;                   // of the frames: step time, frequency, mode
     std::vector<odb_Frame> frames;
+    std::vector<int> diameters;  // of the frames' modes; -1: without
     int lastIncrement = 0;
+    int diameter = -1, lastDiameter = -1;  // of the last heading, and the largest of the step
+    std::map<std::pair<int, int>, double> modes;  // announced values by nodal diameter and mode
   };
   static int stepNumber(const FrdFrame& frame) {
     return frame.parameters.step > 0 ? frame.parameters.step : 1;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <unordered_set>
 
 #include "importer/dat_reader.h"
 #include "importer/field_writer.h"
@@ -106,6 +107,15 @@ std::string listed(const std::map<std::string, std::size_t>& counts) {
   return text;
 }
 
+// How many nodes the elements of a mesh have.
+std::size_t nodesOfElements(const Scope& mesh) {
+  std::unordered_set<std::int32_t> labels;
+  for (const ElementBlock& block : mesh.elements.blocks) {
+    labels.insert(block.nodes.begin(), block.nodes.end());
+  }
+  return labels.size();
+}
+
 // `matched` is called once the meshes need no more be compared.
 void writeFrd(const std::string& path, const std::vector<Target>& targets, bool userNormals,
               ResultFrames& frames, ResultSummary& summary,
@@ -113,10 +123,14 @@ void writeFrd(const std::string& path, const std::vector<Target>& targets, bool 
   FrdReader reader(path);
   FrdIndex index = indexFrd(reader);
   const auto warn = [&](const std::string& text) {
-    summary.warnings.push_back(path + ": " + text);
+    summary.warnings.push_back(path + ": " + printable(text));
   };
   std::vector<std::int32_t>().swap(index.elements.groups);
-  if (!index.complete) warn("the solver did not finish this file; what it holds is imported");
+  if (!index.cut.empty()) {
+    summary.warnings.push_back(index.cut + "; what comes before that block is imported");
+  } else if (!index.complete) {
+    warn("the solver did not finish this file; what it holds is imported");
+  }
   MatchOptions options;
   options.userNormals = userNormals;
   for (const Target& target : targets) include(*target.mesh, options);
@@ -133,8 +147,13 @@ void writeFrd(const std::string& path, const std::vector<Target>& targets, bool 
     nUnusedElements += match.nUnusedElements();
     nElementsWithout += match.nElementsWithout();
   }
-  if (nNodes == 0 && !index.frames.empty()) {
-    throw ResultMismatch(path + ": none of its nodes is one of the deck");
+  std::size_t nDeckNodes = 0;
+  for (const Target& target : targets) nDeckNodes += nodesOfElements(*target.mesh);
+  if (2 * nNodes < nDeckNodes && !index.frames.empty()) {
+    throw ResultMismatch(path + ": results of another model: only " + std::to_string(nNodes) +
+                         " of the " + std::to_string(nDeckNodes) +
+                         " nodes of the deck's elements are among its " +
+                         std::to_string(index.nodes.labels.size()) + " nodes");
   }
   // What one instance does not use, another one may.
   nUnusedNodes -= (targets.size() - 1) * index.nodes.labels.size();
@@ -155,7 +174,7 @@ void writeFrd(const std::string& path, const std::vector<Target>& targets, bool 
       continue;
     }
     odb_Frame target = frames.add(frame);
-    summary.nFields += writer.write(frame, target);
+    summary.nFields += writer.write(frame, target, frames.hasSectionForces(frame));
     if (progress) progress(static_cast<double>(i + 1) / static_cast<double>(index.frames.size()));
   }
   if (!unknownSteps.empty()) warn("frames of steps that the deck lacks: " + listed(unknownSteps));
@@ -165,7 +184,7 @@ void writeFrd(const std::string& path, const std::vector<Target>& targets, bool 
   }
   if (nElementsWithout > 0) {
     warn("left out: values inside of " + std::to_string(nElementsWithout) +
-         " beams with pipe or box profiles or normals of their own");
+         " beams with other profiles or normals of their own");
   }
   if (!writer.leftOut().empty()) warn("fields left out: " + listed(writer.leftOut()));
 }
@@ -180,8 +199,12 @@ void writeDat(const std::string& path, const Deck& deck, const std::vector<Targe
   writer.finish();
   summary.nFields += writer.nFields();
   summary.nHistoryOutputs += writer.nHistoryOutputs();
-  if (!writer.leftOut().empty()) {
-    summary.warnings.push_back(path + ": tables left out: " + listed(writer.leftOut()));
+  const auto warn = [&](const std::string& text) {
+    summary.warnings.push_back(path + ": " + printable(text));
+  };
+  if (!writer.leftOut().empty()) warn("tables left out: " + listed(writer.leftOut()));
+  if (!writer.unknownRows().empty()) {
+    warn("rows left out, at labels that the deck does not have: " + listed(writer.unknownRows()));
   }
   if (!reader.unknownHeadings().empty()) {
     std::string text;
@@ -191,7 +214,7 @@ void writeDat(const std::string& path, const Deck& deck, const std::vector<Targe
       text += (i == 0 ? "" : ", ") + ("\"" + headings[i] + "\"");
     }
     if (headings.size() > kMost) text += ", ...";
-    summary.warnings.push_back(path + ": unknown tables: " + text);
+    warn("unknown tables: " + text);
   }
 }
 

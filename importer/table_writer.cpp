@@ -82,7 +82,9 @@ void TableWriter::add(DatTable& table) {
   if (table.quantity == kDatEigenvalues || table.quantity == kDatBuckling) {
     flush();
     seen_.clear();
-    frames_.enterModes(table.quantity == kDatBuckling);
+    const bool cyclic = table.rows == DatRows::diameterModes && table.nRows() > 0;
+    nodalDiameter_ = cyclic ? table.keys[0] : -1;
+    frames_.enterModes(table.quantity == kDatBuckling, nodalDiameter_);
     return takeModes(table);
   }
   if (table.quantity == kDatTurning) return takeTurning(table);
@@ -139,8 +141,7 @@ void TableWriter::finish() {
   histories_.clear();
 }
 
-// Values of each mode: histories of the whole model over the mode's number, and a frame for a mode
-// that the result file does not have.
+// Values of each mode: histories of the whole model over the mode's number.
 void TableWriter::takeModes(const DatTable& table) {
   const int step = frames_.current();
   if (step >= frames_.nSteps() || frames_.domain(step) != Domain::modal) {
@@ -154,16 +155,16 @@ void TableWriter::takeModes(const DatTable& table) {
     // Totals of all modes stand at the last one.
     if (nKeys > 0) lastMode_ = table.keys[(row + 1) * nKeys - 1];
     const std::int32_t mode = lastMode_;
-    Region region{step, PointKind::assembly, 0, {}};
-    if (nKeys == 2) region.name = "nodal diameter " + std::to_string(table.keys[row * nKeys]);
+    // The tables after that of the eigenvalues do not repeat the nodal diameter.
+    const int diameter = nKeys == 2 ? table.keys[row * nKeys] : nodalDiameter_;
+    const Region region{step, PointKind::assembly, 0, {}, diameter};
     for (std::size_t i = 0; i < nColumns; ++i) {
       addValue(region, outputName(table, i), mode, table.values[row * nColumns + i], false);
     }
     if (table.quantity == kDatBuckling) frequency = 0;
     const bool values = table.quantity == kDatEigenvalues || table.quantity == kDatBuckling;
     if (values && frequency < nColumns) {
-      frames_.addMode(mode, table.values[row * nColumns + frequency],
-                      nKeys == 2 ? table.keys[row * nKeys] : -1);
+      frames_.announceMode(mode, table.values[row * nColumns + frequency], diameter);
     }
   }
 }
@@ -178,8 +179,7 @@ void TableWriter::takeTurning(const DatTable& table) {
   for (std::size_t row = 0; row < table.nRows() && row < table.notes.size(); ++row) {
     const std::string& direction = table.notes[row];
     if (direction != "F" && direction != "B") continue;
-    const Region region{step, PointKind::assembly, 0,
-                        "nodal diameter " + std::to_string(table.keys[2 * row])};
+    const Region region{step, PointKind::assembly, 0, {}, table.keys[2 * row]};
     addValue(region, "TURN\nTurning direction (1 forward, -1 backward)", table.keys[2 * row + 1],
              direction == "F" ? 1 : -1, false);
   }
@@ -250,7 +250,6 @@ std::string TableWriter::outputName(const DatTable& table, std::size_t column) c
 // more or fewer at other times: the face gets their mean, of energies their sum.
 void TableWriter::addFaces(const Moment& moment, const DatTable& table, bool imaginary) {
   const std::size_t nColumns = table.columns.size();
-  bool unknown = false;
   for (std::size_t row = 0, next = 0; row < table.nRows(); row = next) {
     std::vector<double> sums(nColumns);
     const std::int32_t element = table.keys[2 * row], face = table.keys[2 * row + 1];
@@ -260,17 +259,17 @@ void TableWriter::addFaces(const Moment& moment, const DatTable& table, bool ima
       for (std::size_t i = 0; i < nColumns; ++i) sums[i] += table.values[next * nColumns + i];
     }
     if (placeOf(element).block == nullptr) {
-      unknown = true;
+      unknownRows_[table.title] += next - row;
       continue;
     }
     const bool adds = table.quantity == "CELS";
-    const Region region{moment.step, PointKind::face, element, std::to_string(face)};
+    const Region region{moment.step, PointKind::face, element, std::to_string(face),
+                        moment.nodalDiameter};
     for (std::size_t i = 0; i < nColumns; ++i) {
       addValue(region, outputName(table, i) + (adds ? "" : ", mean over the face"), moment.x,
                adds ? sums[i] : sums[i] / static_cast<double>(next - row), imaginary);
     }
   }
-  if (unknown) ++leftOut_[table.title + " at labels that the deck does not have"];
 }
 
 // Totals belong to a set of the table's name that one instance alone has.
@@ -291,19 +290,25 @@ void TableWriter::takeSet(const DatTable& table, Region& region) const {
 
 void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool imaginary) {
   const std::size_t nColumns = table.columns.size();
-  Region region{moment.step, PointKind::assembly, 0, table.set};
-  std::size_t nUnknown = 0;
+  Region region{moment.step, PointKind::assembly, 0, table.set, moment.nodalDiameter};
+  if (table.rows == DatRows::nodes || table.rows == DatRows::elements) region.name.clear();
   for (std::size_t row = 0; row < table.nRows(); ++row) {
+    bool known = true;
     if (table.rows == DatRows::nodes) {
-      region = {moment.step, PointKind::node, table.keys[row], {}};
-      if (partOfNode(region.label) == nullptr) ++nUnknown;
+      region.kind = PointKind::node;
+      region.label = table.keys[row];
+      known = partOfNode(region.label) != nullptr;
     } else if (table.rows == DatRows::elements) {
-      region = {moment.step, PointKind::element, table.keys[row], {}};
-      if (placeOf(region.label).block == nullptr) ++nUnknown;
+      region.kind = PointKind::element;
+      region.label = table.keys[row];
+      known = placeOf(region.label).block != nullptr;
     } else {
       takeSet(table, region);
     }
-    if (nUnknown > 0) break;
+    if (!known) {
+      ++unknownRows_[table.title];
+      continue;
+    }
     const bool local =
         region.kind == PointKind::node && nColumns == 3 && transformed_.count(region.label) != 0;
     for (std::size_t i = 0; i < nColumns; ++i) {
@@ -311,7 +316,6 @@ void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool i
                moment.x, table.values[row * nColumns + i], imaginary);
     }
   }
-  if (nUnknown > 0) ++leftOut_[table.title + " at labels that the deck does not have"];
 }
 
 void TableWriter::addValue(const Region& region, const std::string& output, double x, double value,
@@ -326,8 +330,10 @@ void TableWriter::addValue(const Region& region, const std::string& output, doub
 
 odb_HistoryPoint TableWriter::pointOf(const Region& region, std::string& name) {
   const std::string label = std::to_string(region.label);
+  const std::string diameter =
+      region.nodalDiameter < 0 ? "" : " nodal diameter " + std::to_string(region.nodalDiameter);
   const auto named = [&](const char* kind, const Part& part, const std::string& what) {
-    name = std::string(kind) + " " + part.instance.name().CStr() + "." + what;
+    name = std::string(kind) + " " + part.instance.name().CStr() + "." + what + diameter;
   };
   switch (region.kind) {
     case PointKind::node: {
@@ -338,8 +344,8 @@ odb_HistoryPoint TableWriter::pointOf(const Region& region, std::string& name) {
     case PointKind::element:
     case PointKind::face: {
       const Part& part = *placeOf(region.label).part;
-      named("Element", part, label);
-      if (region.kind == PointKind::face) name += " face " + region.name;
+      named("Element", part,
+            region.kind == PointKind::face ? label + " face " + region.name : label);
       return odb_HistoryPoint(part.instance.getElementFromLabel(region.label));
     }
     case PointKind::nodeSet:
@@ -351,7 +357,8 @@ odb_HistoryPoint TableWriter::pointOf(const Region& region, std::string& name) {
                                       : part.instance.elementSets()[region.name.c_str()]);
     }
     default:
-      name = "Assembly " + deck_.assemblyName + (region.name.empty() ? "" : " " + region.name);
+      name = "Assembly " + deck_.assemblyName + (region.name.empty() ? "" : " " + region.name) +
+             diameter;
       return odb_HistoryPoint(odb_.rootAssembly());
   }
 }

@@ -46,6 +46,8 @@ class TableWriter {
   std::size_t nHistoryOutputs() const { return nHistoryOutputs_; }
   // Kinds of tables that found no place, with how often.
   const std::map<std::string, std::size_t>& leftOut() const { return leftOut_; }
+  // Rows at labels that the deck does not have, by the tables' titles.
+  const std::map<std::string, std::size_t>& unknownRows() const { return unknownRows_; }
 
  private:
   using Moment = ResultFrames::Moment;
@@ -55,10 +57,11 @@ class TableWriter {
     int step = 0;
     PointKind kind = PointKind::assembly;
     std::int32_t label = 0;  // of a set the position of its instance
-    std::string name;        // of a set; number of a face; of what the assembly's region is about
+    std::string name;        // of a set; number of a face
+    int nodalDiameter = -1;  // of the modes that the values are for; -1: none
     bool operator<(const Region& other) const {
-      return std::tie(step, kind, label, name) <
-             std::tie(other.step, other.kind, other.label, other.name);
+      return std::tie(step, kind, label, name, nodalDiameter) <
+             std::tie(other.step, other.kind, other.label, other.name, other.nodalDiameter);
     }
   };
   struct Series {
@@ -88,9 +91,8 @@ class TableWriter {
   static std::vector<std::pair<std::string, std::vector<std::size_t>>> fieldsOf(
       const PointField& field, const DatTable& table);
   void addPoints(odb_Frame& frame, const PointField& field, const std::string& name,
-                 const PointBlock& block, const std::vector<float>& rows,
-                 const std::vector<float>& conjugate, std::size_t width,
-                 const odb_SectionPoint& point);
+                 const PointBlock& block, std::vector<float> rows, std::vector<float> conjugate,
+                 std::size_t width, const odb_SectionPoint& point);
   bool addLines(odb_Frame& frame, const PointField& field, const DatTable& real,
                 const DatTable* imaginary, const PointBlock& block);
   std::vector<float> lineRows(const DatTable& table, const PointBlock& block,
@@ -129,6 +131,7 @@ class TableWriter {
   std::unordered_set<std::int32_t> transformed_;  // nodes that are printed in systems of their own
   std::map<Region, Outputs> histories_;
   std::int32_t lastMode_ = 0;      // of the tables of modes
+  int nodalDiameter_ = -1;         // of the last table of eigenvalues
   std::vector<DatTable> pending_;  // tables of one frequency: real parts, imaginary parts
   Moment pendingMoment_;
   // What the current frame or mode already has: elements by field, tables by kind and set.
@@ -136,7 +139,7 @@ class TableWriter {
   Moment writtenMoment_;
   std::set<std::tuple<int, std::string, std::string>> seen_;  // mode, title, set
   std::size_t nFields_ = 0, nHistoryOutputs_ = 0;
-  std::map<std::string, std::size_t> leftOut_;
+  std::map<std::string, std::size_t> leftOut_, unknownRows_;
 };
 
 }  // namespace odbs::importer

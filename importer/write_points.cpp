@@ -20,8 +20,8 @@ namespace {
 constexpr TableWriter::PointField kPointFields[] = {
     {"S", "S", "Stress components", FieldShape::tensor},
     {"SVF", "SVF", "Viscous stress components", FieldShape::tensor},
-    {"E", "E", "Total strain components (tensor shear)", FieldShape::tensor},
-    {"ME", "ME", "Mechanical strain components (tensor shear)", FieldShape::tensor},
+    {"E", "E", "Total strain components", FieldShape::strain},
+    {"ME", "ME", "Mechanical strain components", FieldShape::strain},
     {"PEEQ", "PEEQ", "Equivalent plastic strain", FieldShape::scalar},
     {"ENER", "ENER", "Energy density", FieldShape::scalar},
     {"SDV", "SDV", "Solution dependent state variables", FieldShape::scalar},
@@ -112,7 +112,6 @@ std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& ta
     return row < table.notes.size() ? table.notes[row] : std::string();
   };
   std::unordered_set<std::int32_t>& written = written_[field];
-  std::size_t nUnknown = 0;
   for (std::size_t row = 0; row < table.nRows();) {
     const std::int32_t label = table.keys[2 * row];
     std::size_t n = 0;
@@ -121,8 +120,10 @@ std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& ta
       ++n;
     }
     const auto [block, part] = placeOf(label);
-    if (n == 0 || block == nullptr) {
-      ++nUnknown;
+    if (block == nullptr) {
+      unknownRows_[table.title] += std::max<std::size_t>(n, 1);
+    } else if (n == 0) {
+      ++leftOut_[table.title + " with points out of order"];
     } else if (written.insert(label).second) {
       const odb_Element element = part->instance.getElementFromLabel(label);
       const std::string note = noteOf(row);
@@ -141,7 +142,6 @@ std::vector<TableWriter::PointBlock> TableWriter::pointBlocks(const DatTable& ta
     }
     row += std::max<std::size_t>(n, 1);
   }
-  if (nUnknown > 0) leftOut_[table.title + " of elements that the deck does not have"] += 1;
   std::vector<PointBlock> result;
   for (auto& [key, block] : blocks) {
     std::vector<std::size_t> order(block.labels.size());
@@ -169,7 +169,10 @@ void TableWriter::writePoints(const Moment& moment, const DatTable& real,
     if (real.nRows() > 0) ++leftOut_[real.title + " at times without a frame"];
     return;
   }
-  if (writtenMoment_.step != moment.step || writtenMoment_.x != moment.x) written_.clear();
+  if (writtenMoment_.step != moment.step || writtenMoment_.x != moment.x ||
+      writtenMoment_.nodalDiameter != moment.nodalDiameter) {
+    written_.clear();
+  }
   writtenMoment_ = moment;
   const int nBefore = frame->fieldOutputs().size();
   bool all = true;
@@ -195,9 +198,11 @@ std::vector<std::pair<std::string, std::vector<std::size_t>>> TableWriter::field
 }
 
 void TableWriter::addPoints(odb_Frame& frame, const PointField& field, const std::string& name,
-                            const PointBlock& block, const std::vector<float>& rows,
-                            const std::vector<float>& conjugate, std::size_t width,
+                            const PointBlock& block, std::vector<float> rows,
+                            std::vector<float> conjugate, std::size_t width,
                             const odb_SectionPoint& point) {
+  toStored(field.shape, rows.data(), rows.size());
+  toStored(field.shape, conjugate.data(), conjugate.size());
   odb_embedded::FieldValues<float> added;
   added.position = odb_Enum::INTEGRATION_POINT;
   added.instance = placeOf(block.labels[0]).part->instance;

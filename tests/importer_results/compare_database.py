@@ -31,13 +31,15 @@ FIELDS = {
     "DISP": (("U", VECTOR, False),), "VELO": (("V", VECTOR, False),),
     "FORC": (("RF", VECTOR, False),), "NDTEMP": (("NT11", (0,), False),),
     "STRESS": (("S", TENSOR, True),), "TOSTRAIN": (("E", TENSOR, True),),
-    "MESTRAIN": (("ME", TENSOR, True),), "PE": (("PEEQ", (0,), True),),
+    "MESTRAIN": (("ME", TENSOR, True),), "THSTRAIN": (("THE", TENSOR, True),), "PE": (("PEEQ", (0,), True),),
     "ENER": (("ENER", (0,), True),), "FLUX": (("HFL", VECTOR, True),),
     "ZZSTR": (("ZZS", TENSOR, True),), "RFL": (("RFL11", (0,), False),),
     "CONTACT": (("COPEN", (0,), False), ("CSLIP1", (1,), False), ("CSLIP2", (2,), False),
                 ("CPRESS", (3,), False), ("CSHEAR1", (4,), False), ("CSHEAR2", (5,), False)),
     "CELS": (("CELS", (0,), False),),
 }
+STRAINS = ("E", "ME", "THE")  # kept with engineering shear
+SECTION_FORCES = (("S", TENSOR, True), ("SF", (2, 1, 0), True), ("SM", (4, 5, 3), True))
 ADDS_UP = ("RF", "RFL11", "CELS")
 IMAGINARY = {name[:7] + "I" if len(name) == 8 else name + "I": name for name in FIELDS}
 NODAL, ELEMENT_NODAL, INTEGRATION_POINT = 1, 2, 3
@@ -118,6 +120,13 @@ def printed_displacements(path):
     return tables.items()
 
 
+def stored(name, values):
+    """The components that the database has of a value."""
+    if name not in STRAINS:
+        return values
+    return [v * (2 if i % 6 > 2 else 1) for i, v in enumerate(values)]
+
+
 def near(a, b, scale):
     """Equal but for the rounding of a sum of terms as large as `scale`."""
     return len(a) == len(b) and all(
@@ -183,6 +192,8 @@ class Comparison:
     def __init__(self, name):
         self.name = name
         self.expanded = None
+        with open(name, encoding="utf-8", errors="replace") as deck:
+            self.section_forces = "SECTIONFORCES" in deck.read().upper().replace(" ", "")
         self.n = collections.Counter()
         self.problems = []
 
@@ -215,6 +226,7 @@ class Comparison:
                             for part in parts]
                 axes = None if position == NODAL else self.expanded.axes_at(element, node)
                 expected = [v for values in expected for v in turned(values, axes)]
+                expected = stored(where.split()[-1], expected)
                 at = "%s element %d node %d point %d" % (where, element, node, point)
                 if axes:
                     # Directions come from coordinates of six digits.
@@ -262,13 +274,24 @@ class Comparison:
                     continue
                 imaginary = next((frame.fields[i] for i, r in IMAGINARY.items()
                                   if r == block and i in frame.fields), None)
-                for name, columns, of_elements in FIELDS.get(block, ()):
+                of_block = FIELDS.get(block, ())
+                if self.section_forces and block == "STRESS":
+                    of_block = SECTION_FORCES
+                    self.sections(where, fields)
+                for name, columns, of_elements in of_block:
                     if name not in fields:
                         if set(rows) & self.expanded.itself and not of_elements:
                             self.problems.append("%s lacks %s" % (where, name))
                         continue
                     self.field("%s %s" % (where, name), fields[name], columns,
                                ELEMENT_NODAL if of_elements else NODAL, rows, imaginary)
+
+    def sections(self, where, fields):
+        """Beams have section forces and moments, all else has stresses."""
+        for name, _, _ in SECTION_FORCES:
+            for position, kind, _, _, _ in fields.get(name, ()):
+                if position == ELEMENT_NODAL and (kind[0] == "B") == (name == "S"):
+                    self.problems.append("%s: %s at elements %s" % (where, name, kind))
 
     def points(self, path, steps):
         """Values at integration points, wherever a frame of that value has them."""
@@ -289,6 +312,7 @@ class Comparison:
             for point, at, values, scale in self.expected_points(element, rows):
                 self.n["values at integration points" if point < 0 else
                        "values at section points"] += 1
+                values = stored(name, values)
                 candidates = found.get((name, element, point, at), [])
                 # Real and imaginary parts come in tables of their own.
                 halves = [c[i:i + len(values)] for c in candidates

@@ -257,6 +257,39 @@ TEST_F(ResultWriter, FindsStepsOfPrintedTablesByTimeAndHeading) {
   EXPECT_FLOAT_EQ(step(1).frames()[1].frequency(), 9);
 }
 
+TEST_F(ResultWriter, TakesOnePeriodOfASteadyStateAsTimes) {
+  std::string deck = kDeck;
+  const std::string procedure = "*STATIC\n1.,1.\n";
+  deck.replace(deck.rfind(procedure), procedure.size(),
+               "*STEADY STATE DYNAMICS,HARMONIC=NO\n1.,9.,1,1.,20,0.,5.\n");
+  const std::string modes =
+      "     E I G E N V A L U E   O U T P U T\n\n MODE NO    EIGENVALUE\n\n"
+      "      1   0.1E+03   0.1E+02   0.7E+01   0.0E+00\n\n";
+  open({files_.write("bar.inp", deck), "--data",
+        files_.write("bar.dat", modes + printed("0.0000000E+00", "1.000000E+00") +
+                                    printed("0.2500000E+01", "2.000000E+00"))});
+  EXPECT_EQ(step(2).domain(), odb_Enum::TIME);
+  EXPECT_FLOAT_EQ(step(2).timePeriod(), 5);
+  const odb_SequenceSequenceFloat& u = history(2, "Node PART-1-1.1", "U1").data();
+  ASSERT_EQ(u.size(), 2);
+  EXPECT_EQ(u[0].engineItems(), (Floats{0, 1}));
+  EXPECT_EQ(u[1].engineItems(), (Floats{2.5f, 2}));
+  EXPECT_EQ(step(2).frames().size(), 2);
+}
+
+TEST_F(ResultWriter, StoresStrainsWithEngineeringShear) {
+  const std::string dat =
+      " strains (elem, integ.pnt.,exx,eyy,ezz,exy,exz,eyz) for set E and time  0.1000000E+01\n\n"
+      "  1  1  1. 2. 3. 4. 5. 6.\n";
+  open({files_.write("bar.inp", kDeck), "--data", files_.write("bar.dat", dat)});
+  const odb_FieldOutput e = field(0, 0, "E");
+  EXPECT_TRUE(e.isEngineeringTensor());
+  const odb_FieldBulkData values = block(e, odb_Enum::INTEGRATION_POINT);
+  expectNear(valuesAt(values, 1, -1, 1, false), {1, 2, 3, 8, 10, 12});
+  // Of the tensor with half of that shear.
+  EXPECT_NEAR(values.mises()[0], std::sqrt(3 + 3 * 77.f), 1e-4f);
+}
+
 TEST_F(ResultWriter, KeepsLocalSystemsWithTheirValues) {
   const std::string systems =
       "*ORIENTATION,NAME=OR1\n0.,1.,0.,-1.,0.,0.\n*NSET,NSET=LOW\n1,2,3,4\n*TRANSFORM,NSET=LOW\n"
@@ -291,7 +324,11 @@ TEST_F(ResultWriter, GivesFacesTurningsAndTotalsHistories) {
       "     E I G E N M O D E   T U R N I N G   D I R E C T I O N\n\n"
       "  NODAL   MODE NO\n DIAMETER\n\n    3          1          B\n    3          2          F\n\n"
       "     T O T A L   E F F E C T I V E   M A S S\n\nMODE NO.   X-COMPONENT\n\n"
-      "          0.2E-09   0.2E-09   0.2E-09   0.1E-09   0.9E-11   0.9E-10\n";
+      "          0.2E-09   0.2E-09   0.2E-09   0.1E-09   0.9E-11   0.9E-10\n\n"
+      "     E I G E N V A L U E   O U T P U T\n\n NODAL   MODE NO\n DIAMETER\n\n"
+      "  4  1  0.1E+03  0.1E+02  0.8E+01  0.0E+00\n\n"
+      "     T O T A L   E F F E C T I V E   M A S S\n\nMODE NO.   X-COMPONENT\n\n"
+      "          0.2E-09   0.2E-09   0.2E-09   0.1E-09   0.7E-11   0.9E-10\n";
   open({files_.write("bar.inp", kDeck), "--data", files_.write("bar.dat", dat)});
   EXPECT_EQ(err_.find("left out"), std::string::npos) << err_;
   const struct {
@@ -303,13 +340,16 @@ TEST_F(ResultWriter, GivesFacesTurningsAndTotalsHistories) {
       {0, "Element PART-1-1.1 face 3", "CPRESS", {1, 1}},
       {0, "Element PART-1-1.1 face 2", "CELS", {1, 10}},
       {1, "Assembly ASSEMBLY nodal diameter 3", "TURN", {2, 1}},
-      {1, "Assembly ASSEMBLY", "EMTOTAL5", {2, 0.9e-11f}},
+      {1, "Assembly ASSEMBLY nodal diameter 3", "EMTOTAL5", {2, 0.9e-11f}},
+      {1, "Assembly ASSEMBLY nodal diameter 4", "EIGFREQ", {1, 8}},
+      {1, "Assembly ASSEMBLY nodal diameter 4", "EMTOTAL5", {1, 0.7e-11f}},
   };
   for (const auto& c : cases) {
     const odb_SequenceSequenceFloat& data = history(c.step, c.region, c.output).data();
     ASSERT_GT(data.size(), 0) << c.output;
     EXPECT_EQ(data[data.size() - 1].engineItems(), c.last) << c.output;
   }
+  EXPECT_EQ(step(1).frames().size(), 0) << "modes without results have no frames";
 }
 
 TEST_F(ResultWriter, LeavesOutWhatTheDeckDoesNotHaveAndSaysSo) {
@@ -330,7 +370,15 @@ TEST_F(ResultWriter, LeavesOutWhatTheDeckDoesNotHaveAndSaysSo) {
            importer::field("DISP", {"D1", "D2", "D3"}, true) + values + " -3\n";
   };
   const std::string frd = nodes + " -3\n" + result(1, 1) + result(1, 7);
-  open({files_.write("bar.inp", kDeck), "--results", files_.write("bar.frd", frd)});
+  const std::string dat =
+      " temperatures for set N and time  0.1000000E+01\n\n  1  5.0\n  77  6.0\n  2  7.0\n";
+  open({files_.write("bar.inp", kDeck), "-q", "--results", files_.write("bar.frd", frd), "--data",
+        files_.write("bar.dat", dat)});
+  EXPECT_EQ(out_, "");
+  EXPECT_NE(err_.find("rows left out, at labels that the deck does not have: temperatures (1)"),
+            std::string::npos)
+      << err_;
+  EXPECT_FLOAT_EQ(history(0, "Node PART-1-1.2", "NT11").data()[0][1], 7);
   EXPECT_NE(err_.find("step 7 (1)"), std::string::npos) << err_;
   EXPECT_NE(err_.find("left out: 1 nodes and 0 elements"), std::string::npos) << err_;
   EXPECT_NE(err_.find("did not finish"), std::string::npos) << err_;
@@ -390,7 +438,7 @@ TEST_F(ResultWriter, RefusesBrokenAndForeignResults) {
   const std::string other =
       std::string(ODBS_SOURCE_DIR) + "/samples/composite_plate/composite_plate";
   EXPECT_EQ(run({deck, "--results", other + ".frd"}), 1);
-  EXPECT_NE(err_.find("none of its nodes"), std::string::npos) << err_;
+  EXPECT_NE(err_.find("only 0 of the 8 nodes"), std::string::npos) << err_;
   EXPECT_EQ(run({deck, "--data", files_.file("absent.dat")}), 1);
   EXPECT_EQ(run({deck, "--results"}), 2);
   const std::string twice = files_.write(

@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -15,6 +13,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "bench/bench_program.h"
 #include "bench/solver_files.h"
 #include "importer/command_line.h"
 #include "port/port.h"
@@ -26,12 +25,6 @@ namespace fs = std::filesystem;
 
 constexpr double kMega = 1e6;
 constexpr std::string_view kChild = "--as-child";
-
-struct Options {
-  CubeFiles cube;
-  double mostRatio = 0;  // exit status 1 above this; 0: none
-  std::string folder;    // where the files are; kept when given
-};
 
 struct Import {
   std::int64_t peak = 0;  // bytes
@@ -71,27 +64,16 @@ void report(const char* what, const Import& import, const Import& base) {
               static_cast<double>(import.peak - base.peak) / kMega, import.seconds);
 }
 
-Options parse(int argc, char** argv) {
-  Options options;
-  for (int i = 1; i + 1 < argc; i += 2) {
-    const std::string_view name = argv[i];
-    if (name == "--edge") options.cube.nElementsPerEdge = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--frames") options.cube.nFrames = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--format") options.cube.binary = std::string_view(argv[i + 1]) == "binary";
-    if (name == "--most") options.mostRatio = parseReal(argv[i + 1]).value_or(0);
-    if (name == "--folder") options.folder = argv[i + 1];
-  }
-  return options;
-}
-
-int run(const Options& options) {
-  const bool keep = !options.folder.empty();
-  const fs::path folder =
-      keep ? fs::path(options.folder)
-           : fs::temp_directory_path() / ("odbs_bench_" + std::to_string(port::currentProcessId()));
-  fs::create_directories(folder);
-  const auto file = [&](const char* name) { return (folder / name).string(); };
-  const CubeFiles& cube = options.cube;
+int run(const Arguments& arguments) {
+  const double mostRatio = realOf(arguments, "--most");
+  CubeFiles cube;
+  cube.nElementsPerEdge = countOf(arguments, "--edge", cube.nElementsPerEdge);
+  cube.nFrames = countOf(arguments, "--frames", cube.nFrames);
+  const std::string format = arguments.value("--format", "text");
+  if (format != "text" && format != "binary") throw UsageError("--format wants text or binary");
+  cube.binary = format == "binary";
+  const RunFolder folder(arguments);
+  const auto file = [&](const char* name) { return folder.file(name); };
   CubeFiles single = cube;
   single.nFrames = 1;
   writeCubeDeck(file("cube.inp"), cube);
@@ -114,8 +96,7 @@ int run(const Options& options) {
               static_cast<double>(block) / kMega,
               static_cast<double>(largestValueBlock(cube)) / kMega);
   std::printf("results add      %8.2f times the file's largest block\n", ratio);
-  if (!keep) fs::remove_all(folder);
-  return options.mostRatio > 0 && ratio > options.mostRatio ? EXIT_FAILURE : EXIT_SUCCESS;
+  return mostRatio > 0 && ratio > mostRatio ? kFailed : kDone;
 }
 
 }  // namespace
@@ -125,20 +106,13 @@ int main(int argc, char** argv) {
   if (argc > 3 && argv[1] == odbs::bench::kChild) {
     return odbs::bench::importAsChild({argv + 2, argv + argc});
   }
-  if (argc % 2 == 0) {
-    std::puts(
-        "bench_import [--edge N] [--frames N] [--format text|binary] [--most RATIO]\n"
-        "             [--folder FOLDER]\n"
-        "N^3 hexahedra (80), frames of three fields (4), format of the result file (text), "
-        "largest\n"
-        "ratio of added memory to the result file's largest block for exit status 0 (any), folder\n"
-        "of the files, kept afterwards (temporary).");
-    return EXIT_FAILURE;
-  }
-  try {
-    return odbs::bench::run(odbs::bench::parse(argc, argv));
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_import: %s\n", error.what());
-    return EXIT_FAILURE;
-  }
+  return odbs::bench::runBench(
+      argc, argv, "bench_import",
+      "usage: bench_import [--edge N] [--frames N] [--format text|binary] [--most RATIO]\n"
+      "                    [--folder FOLDER]\n"
+      "N^3 hexahedra (80), frames of three fields (4), format of the result file (text), "
+      "largest\n"
+      "ratio of added memory to the result file's largest block for exit status 0 (any), folder\n"
+      "of the files, kept afterwards (temporary).\n",
+      {{"--edge"}, {"--frames"}, {"--format"}, {"--most"}, {"--folder"}}, odbs::bench::run);
 }

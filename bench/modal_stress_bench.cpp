@@ -8,15 +8,12 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "base/text.h"
+#include "bench/bench_program.h"
 #include "bench/hexahedral_model.h"
 #include "bench/timed_server.h"
 #include "results/modal_kernel.h"
@@ -33,7 +30,6 @@ struct Options {
   int nValues = 100000;
   int nRepeats = 3;
   std::string program;  // the server
-  std::string folder;   // where the database is; kept when given
 };
 
 template <typename Run>
@@ -135,55 +131,33 @@ void measureServer(const Options& options, const std::string& path, int nValues)
   server.quit();
 }
 
-Options parse(int argc, char** argv) {
+int run(const Arguments& arguments) {
   Options options;
-  const fs::path self(port::executablePath());
-  options.program = (self.parent_path() / "odb_server").string() + self.extension().string();
-  for (int i = 1; i + 1 < argc; i += 2) {
-    const std::string_view name = argv[i];
-    if (name == "--modes") options.nModes = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--values") options.nValues = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--repeats") options.nRepeats = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--server") options.program = argv[i + 1];
-    if (name == "--folder") options.folder = argv[i + 1];
-  }
-  return options;
-}
-
-void run(const Options& options) {
+  options.nModes = countOf(arguments, "--modes", options.nModes);
+  options.nValues = countOf(arguments, "--values", options.nValues);
+  options.nRepeats = countOf(arguments, "--repeats", options.nRepeats);
+  options.program = serverProgram(arguments);
   std::printf("%d modes, %d values, gathered stresses %.0f MB\n", options.nModes, options.nValues,
               gatheredMegabytes(options, options.nValues));
   measureKernel(options);
-  const bool keep = !options.folder.empty();
-  const fs::path folder =
-      keep ? fs::path(options.folder)
-           : fs::temp_directory_path() / ("odbs_bench_" + std::to_string(port::currentProcessId()));
-  fs::create_directories(folder);
-  const std::string path = (folder / "modes.odb").string();
+  const RunFolder folder(arguments);
+  const std::string path = folder.file("modes.odb");
   const int nValues = writeModes(path, options.nModes, options.nValues);
   std::printf("server: %d values, database of %.1f MB\n", nValues,
               1e-6 * static_cast<double>(fs::file_size(path)));
   measureServer(options, path, nValues);
-  if (!keep) fs::remove_all(folder);
+  return kDone;
 }
 
 }  // namespace
 }  // namespace odbs::bench
 
 int main(int argc, char** argv) {
-  if (argc % 2 == 0) {
-    std::puts(
-        "bench_modal_stress [--modes N] [--values N] [--repeats N] [--server PROGRAM]\n"
-        "                   [--folder FOLDER]\n"
-        "modes (200), stress values (100000), repeats of each timing, of which the shortest is\n"
-        "printed (3), the server (beside this program), folder of the database, kept (temporary).");
-    return EXIT_FAILURE;
-  }
-  try {
-    odbs::bench::run(odbs::bench::parse(argc, argv));
-    return EXIT_SUCCESS;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_modal_stress: %s\n", error.what());
-    return EXIT_FAILURE;
-  }
+  return odbs::bench::runBench(
+      argc, argv, "bench_modal_stress",
+      "usage: bench_modal_stress [--modes N] [--values N] [--repeats N] [--server PROGRAM]\n"
+      "                          [--folder FOLDER]\n"
+      "modes (200), stress values (100000), repeats of each timing, of which the shortest is\n"
+      "printed (3), the server (beside this program), folder of the database, kept (temporary).\n",
+      {{"--modes"}, {"--values"}, {"--repeats"}, {"--server"}, {"--folder"}}, odbs::bench::run);
 }

@@ -8,14 +8,11 @@
 // ratio is the median of those of the turns.
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "base/text.h"
+#include "bench/bench_program.h"
 #include "bench/hexahedral_model.h"
 #include "bench/timed_server.h"
 
@@ -31,7 +28,6 @@ struct Options {
   int nRepeats = 7;       // timed pairs of M and g
   double leastRatio = 0;  // exit status 1 below this
   std::string program;    // the server
-  std::string folder;     // where the databases are; kept when given
 };
 
 double median(std::vector<double> values) {
@@ -101,60 +97,36 @@ double streamRates(const Options& options, const std::string& path) {
   return median(ratios);
 }
 
-Options parse(int argc, char** argv) {
+int run(const Arguments& arguments) {
   Options options;
-  const std::filesystem::path self(port::executablePath());
-  options.program = (self.parent_path() / "odb_server").string() + self.extension().string();
-  for (int i = 1; i + 1 < argc; i += 2) {
-    const std::string_view name = argv[i];
-    if (name == "--edge") options.nPerEdge = std::max(2, toIntOrZero(argv[i + 1]));
-    if (name == "--repeats") options.nRepeats = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--least") options.leastRatio = parseReal(argv[i + 1]).value_or(0);
-    if (name == "--server") options.program = argv[i + 1];
-    if (name == "--folder") options.folder = argv[i + 1];
-  }
-  return options;
-}
-
-int run(const Options& options) {
-  namespace fs = std::filesystem;
-  const bool keep = !options.folder.empty();
-  const fs::path folder =
-      keep ? fs::path(options.folder)
-           : fs::temp_directory_path() / ("odbs_bench_" + std::to_string(port::currentProcessId()));
-  fs::create_directories(folder);
-  const std::string large =
-      (folder / ("cube" + std::to_string(options.nPerEdge) + ".odb")).string();
-  const std::string small = (folder / "cube3.odb").string();
-  if (!fs::exists(small)) writeHexahedralModel(small, 3);
-  if (!fs::exists(large)) writeHexahedralModel(large, options.nPerEdge);
+  options.nPerEdge = countOf(arguments, "--edge", options.nPerEdge, 2);
+  options.nRepeats = countOf(arguments, "--repeats", options.nRepeats);
+  options.leastRatio = realOf(arguments, "--least");
+  options.program = serverProgram(arguments);
+  const RunFolder folder(arguments);
+  const std::string large = folder.file("cube" + std::to_string(options.nPerEdge) + ".odb");
+  const std::string small = folder.file("cube3.odb");
+  if (!std::filesystem::exists(small)) writeHexahedralModel(small, 3);
+  if (!std::filesystem::exists(large)) writeHexahedralModel(large, options.nPerEdge);
 
   std::printf("cube of %d^3 nodes, database of %.1f MB\n", options.nPerEdge,
-              static_cast<double>(fs::file_size(large)) / kMega);
+              static_cast<double>(std::filesystem::file_size(large)) / kMega);
   const double ratio = streamRates(options, large);
   std::printf("open, small  %8.2f ms\n", openingTime(options, small));
   std::printf("open, large  %8.2f ms\n", openingTime(options, large));
-  if (!keep) fs::remove_all(folder);
-  return ratio >= options.leastRatio ? EXIT_SUCCESS : EXIT_FAILURE;
+  return ratio >= options.leastRatio ? kDone : kFailed;
 }
 
 }  // namespace
 }  // namespace odbs::bench
 
 int main(int argc, char** argv) {
-  if (argc % 2 == 0) {
-    std::puts(
-        "bench_model_stream [--edge N] [--repeats N] [--least RATIO] [--server PROGRAM]\n"
-        "                   [--folder FOLDER]\n"
-        "N^3 nodes (100), pairs of M and g (7), least ratio for exit status 0 (0), the server\n"
-        "(beside this program), folder of the databases, kept for the next run (temporary).\n"
-        "The server reports the totals of M on standard error.");
-    return EXIT_FAILURE;
-  }
-  try {
-    return odbs::bench::run(odbs::bench::parse(argc, argv));
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_model_stream: %s\n", error.what());
-    return EXIT_FAILURE;
-  }
+  return odbs::bench::runBench(
+      argc, argv, "bench_model_stream",
+      "usage: bench_model_stream [--edge N] [--repeats N] [--least RATIO] [--server PROGRAM]\n"
+      "                          [--folder FOLDER]\n"
+      "N^3 nodes (100), pairs of M and g (7), least ratio for exit status 0 (0), the server\n"
+      "(beside this program), folder of the databases, kept for the next run (temporary).\n"
+      "The server reports the totals of M on standard error.\n",
+      {{"--edge"}, {"--repeats"}, {"--least"}, {"--server"}, {"--folder"}}, odbs::bench::run);
 }

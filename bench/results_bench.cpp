@@ -5,14 +5,11 @@
 // frames, how soon the database opens and how much faster the catalogue comes from its cache.
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "base/text.h"
+#include "bench/bench_program.h"
 #include "bench/hexahedral_model.h"
 #include "bench/timed_server.h"
 
@@ -31,7 +28,6 @@ struct Options {
   int nFields = 50;     // in each frame
   int nRepeats = 5;
   std::string program;  // the server
-  std::string folder;   // where the databases are; kept when given
 };
 
 double median(std::vector<double> values) {
@@ -129,33 +125,17 @@ void measureCatalogue(const Options& options, const std::string& path, const std
   }
 }
 
-Options parse(int argc, char** argv) {
+int run(const Arguments& arguments) {
   Options options;
-  const fs::path self(port::executablePath());
-  options.program = (self.parent_path() / "odb_server").string() + self.extension().string();
-  for (int i = 1; i + 1 < argc; i += 2) {
-    const std::string_view name = argv[i];
-    if (name == "--edge") options.nPerEdge = std::max(2, toIntOrZero(argv[i + 1]));
-    if (name == "--frames") options.nFrames = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--fields") options.nFields = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--repeats") options.nRepeats = std::max(1, toIntOrZero(argv[i + 1]));
-    if (name == "--server") options.program = argv[i + 1];
-    if (name == "--folder") options.folder = argv[i + 1];
-  }
-  return options;
-}
-
-void run(const Options& options) {
-  const bool keep = !options.folder.empty();
-  const fs::path folder =
-      keep ? fs::path(options.folder)
-           : fs::temp_directory_path() / ("odbs_bench_" + std::to_string(port::currentProcessId()));
-  fs::create_directories(folder);
-  const std::string field =
-      (folder / ("stress" + std::to_string(options.nPerEdge) + ".odb")).string();
-  const std::string frames = (folder / ("frames" + std::to_string(options.nFrames) + "x" +
-                                        std::to_string(options.nFields) + ".odb"))
-                                 .string();
+  options.nPerEdge = countOf(arguments, "--edge", options.nPerEdge, 2);
+  options.nFrames = countOf(arguments, "--frames", options.nFrames);
+  options.nFields = countOf(arguments, "--fields", options.nFields);
+  options.nRepeats = countOf(arguments, "--repeats", options.nRepeats);
+  options.program = serverProgram(arguments);
+  const RunFolder folder(arguments);
+  const std::string field = folder.file("stress" + std::to_string(options.nPerEdge) + ".odb");
+  const std::string frames = folder.file("frames" + std::to_string(options.nFrames) + "x" +
+                                         std::to_string(options.nFields) + ".odb");
   if (!fs::exists(field)) writeStressField(field, options.nPerEdge);
   std::printf("stress field of %d^3 elements, database of %.1f MB\n", options.nPerEdge - 1,
               static_cast<double>(fs::file_size(field)) / kMega);
@@ -164,28 +144,21 @@ void run(const Options& options) {
   if (!fs::exists(frames)) writeManyFrames(frames, options.nFrames, options.nFields);
   std::printf("step of %d frames with %d fields, database of %.1f MB\n", options.nFrames,
               options.nFields, static_cast<double>(fs::file_size(frames)) / kMega);
-  measureCatalogue(options, frames, (folder / "catalogue_cache").string());
-  if (!keep) fs::remove_all(folder);
+  measureCatalogue(options, frames, folder.file("catalogue_cache"));
+  return kDone;
 }
 
 }  // namespace
 }  // namespace odbs::bench
 
 int main(int argc, char** argv) {
-  if (argc % 2 == 0) {
-    std::puts(
-        "bench_results [--edge N] [--frames N] [--fields N] [--repeats N] [--server PROGRAM]\n"
-        "              [--folder FOLDER]\n"
-        "(N-1)^3 elements (101), frames of the long step (10000), fields in each (50), repeats of\n"
-        "each timing (5), the server (beside this program), folder of the databases, kept for the\n"
-        "next run (temporary). The server reports the totals of M on standard error.");
-    return EXIT_FAILURE;
-  }
-  try {
-    odbs::bench::run(odbs::bench::parse(argc, argv));
-    return EXIT_SUCCESS;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_results: %s\n", error.what());
-    return EXIT_FAILURE;
-  }
+  return odbs::bench::runBench(
+      argc, argv, "bench_results",
+      "usage: bench_results [--edge N] [--frames N] [--fields N] [--repeats N] [--server PROGRAM]\n"
+      "                     [--folder FOLDER]\n"
+      "(N-1)^3 elements (101), frames of the long step (10000), fields in each (50), repeats of\n"
+      "each timing (5), the server (beside this program), folder of the databases, kept for the\n"
+      "next run (temporary). The server reports the totals of M on standard error.\n",
+      {{"--edge"}, {"--frames"}, {"--fields"}, {"--repeats"}, {"--server"}, {"--folder"}},
+      odbs::bench::run);
 }

@@ -9,9 +9,10 @@
 #include <ctime>
 #include <exception>
 #include <filesystem>
+#include <iostream>
 #include <new>
 
-#include "base/text.h"
+#include "base/arguments.h"
 #include "importer/database_writer.h"
 #include "importer/deck_reader.h"
 #include "importer/result_input.h"
@@ -79,11 +80,6 @@ class Progress {
   int last_ = -1;
   const char* what_ = nullptr;
 };
-
-int usageError(const std::string& reason) {
-  std::fprintf(stderr, "odb_import: %s\nTry 'odb_import --help'.\n", reason.c_str());
-  return 2;
-}
 
 std::string counted(std::int64_t n, const char* one, const char* many) {
   return std::to_string(n) + " " + (n == 1 ? one : many);
@@ -165,78 +161,52 @@ void importDeck(const Options& options) {
   if (!options.quiet) report(options, deck, summary, results);
 }
 
-// Fills `options`; returns an exit status when the program is to end at once, -1 otherwise.
-int parseArguments(const std::vector<std::string>& arguments, Options& options) {
-  bool onlyFiles = false;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    const bool option = !onlyFiles && argument.size() > 1 && argument[0] == '-';
-    if (option && (argument == "--help" || argument == "-h")) {
-      std::fputs(kHelp, stdout);
-      return 0;
-    }
-    if (option && argument == "--version") {
-      std::puts("odb_import " ODBS_VERSION);
-      return 0;
-    }
-    if (option && argument == "--") {
-      onlyFiles = true;
-    } else if (option && (argument == "--quiet" || argument == "-q")) {
-      options.quiet = true;
-    } else if (option && argument == "--compress") {
-      options.compress = true;
-    } else if (option && (argument == "--output" || argument == "-o")) {
-      if (++i == arguments.size()) return usageError(argument + " needs a file name");
-      options.output = arguments[i];
-    } else if (option && (argument == "--results" || argument == "--data")) {
-      if (++i == arguments.size()) return usageError(argument + " needs a file name");
-      (argument == "--results" ? options.results : options.data) = arguments[i];
-    } else if (option && startsWith(argument, "--results=")) {
-      options.results = argument.substr(10);
-    } else if (option && startsWith(argument, "--data=")) {
-      options.data = argument.substr(7);
-    } else if (option && startsWith(argument, "--output=")) {
-      options.output = argument.substr(9);
-    } else if (option) {
-      return usageError("unknown option " + argument);
-    } else if (options.deck.empty()) {
-      options.deck = argument;
-    } else {
-      return usageError("more than one deck: " + argument);
+const std::vector<OptionRule> kOptions{{"--output", true, "-o"},
+                                       {"--results"},
+                                       {"--data"},
+                                       {"--quiet", false, "-q"},
+                                       {"--compress", false}};
+
+Options optionsOf(const Arguments& arguments) {
+  if (arguments.words.empty()) throw UsageError("which deck?");
+  if (arguments.words.size() > 1) throw UsageError("more than one deck: " + arguments.words[1]);
+  Options options;
+  options.deck = arguments.words[0];
+  const std::string besideDeck = fs::path(options.deck).replace_extension(".odb").string();
+  options.output = arguments.value("--output", besideDeck);
+  options.results = arguments.value("--results");
+  options.data = arguments.value("--data");
+  options.quiet = arguments.has("--quiet");
+  options.compress = arguments.has("--compress");
+  std::error_code error;
+  for (const std::string& input : {options.deck, options.results, options.data}) {
+    if (!input.empty() && fs::equivalent(input, options.output, error)) {
+      throw UsageError("the database would replace " + input);
     }
   }
-  if (options.deck.empty()) return usageError("which deck?");
-  if (options.output.empty()) {
-    options.output = fs::path(options.deck).replace_extension(".odb").string();
-  }
-  return -1;
+  return options;
 }
 
 }  // namespace
 
-int runImport(const std::vector<std::string>& arguments) {
-  Options options;
-  const int status = parseArguments(arguments, options);
-  if (status >= 0) return status;
-  try {
-    std::error_code error;
-    for (const std::string& input : {options.deck, options.results, options.data}) {
-      if (!input.empty() && fs::equivalent(input, options.output, error)) {
-        return usageError("the database would replace " + input);
-      }
+int runImport(const std::vector<std::string>& texts) {
+  const Program program{"odb_import", [](const Arguments&) { return kHelp; }, kOptions};
+  return runProgram(program, texts, std::cout, std::cerr, [](const Arguments& arguments) {
+    const Options options = optionsOf(arguments);
+    try {
+      importDeck(options);
+      return kDone;
+    } catch (const DeckError& e) {
+      std::fprintf(stderr, "%s\n", e.what());
+    } catch (const ResultFileError& e) {
+      std::fprintf(stderr, "%s\n", e.what());
+    } catch (const std::bad_alloc&) {
+      std::fprintf(stderr, "odb_import: %s: there is not enough memory\n", options.deck.c_str());
+    } catch (const std::exception& e) {
+      std::fprintf(stderr, "odb_import: %s: %s\n", options.deck.c_str(), e.what());
     }
-    importDeck(options);
-    return 0;
-  } catch (const DeckError& e) {
-    std::fprintf(stderr, "%s\n", e.what());
-  } catch (const ResultFileError& e) {
-    std::fprintf(stderr, "%s\n", e.what());
-  } catch (const std::bad_alloc&) {
-    std::fprintf(stderr, "odb_import: %s: there is not enough memory\n", options.deck.c_str());
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "odb_import: %s: %s\n", options.deck.c_str(), e.what());
-  }
-  return 1;
+    return kFailed;
+  });
 }
 
 }  // namespace odbs::importer

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The program odb_import.
 #include "importer/command_line.h"
+#include "port/port.h"
 
 int main(int argc, char** argv) {
+  odbs::port::ignoreBrokenPipe();
   return odbs::importer::runImport({argv + 1, argv + argc});
 }

@@ -4,9 +4,11 @@
 // The order of the start is part of the contract: the watchdog runs before the database library is
 // initialised, so that a server whose parent is gone ends however long that takes.
 #include <cstdio>
-#include <cstring>
+#include <iostream>
+#include <string>
 #include <string_view>
 
+#include "base/arguments.h"
 #include "base/text.h"
 #include "port/port.h"
 #include "server/command_table.h"
@@ -16,19 +18,22 @@
 
 namespace {
 
-void printHelp() {
-  std::puts(
+std::string helpText(const odbs::Arguments&) {
+  std::string text =
       "usage: odb_server PARENT_ID INPUT_DESCRIPTOR OUTPUT_DESCRIPTOR\n"
       "       odb_server --help | --version\n"
       "\n"
       "Serves output databases to the process that starts it: reads one-line commands\n"
       "from the input descriptor, answers with binary records on the output descriptor,\n"
-      "and ends when the parent process ends.\n"
+      "and ends when the parent process ends. To look at a database: odb_client model FILE\n"
       "\n"
-      "commands:");
+      "commands:\n";
+  char line[200];
   for (const odbs::Command& row : odbs::allCommands()) {
-    std::printf("  %-4s%-19s %s\n", row.letters, row.parameters, row.synopsis);
+    std::snprintf(line, sizeof line, "  %-4s%-19s %s\n", row.letters, row.parameters, row.synopsis);
+    text += line;
   }
+  return text;
 }
 
 // A missing or non-numeric argument counts as 0; nothing is validated.
@@ -40,15 +45,18 @@ int numberAt(int argc, char** argv, int place) {
 
 int main(int argc, char** argv) {
   const std::string_view first = argc > 1 ? argv[1] : "";
-  if (first == "--help") {
-    printHelp();
-    return 0;
-  }
-  if (first == "--version") {
-    std::puts("odb_server " ODBS_VERSION);
-    return 0;
-  }
   odbs::port::ignoreBrokenPipe();
+  if (first == "--help" || first == "-h" || first == "--version") {
+    return odbs::runProgram({"odb_server", helpText, {}}, {argv[1]}, std::cout, std::cerr,
+                            [](const odbs::Arguments&) { return odbs::kDone; });
+  }
+  // Contract: it goes on all the same, with 0 for what is missing.
+  if (argc != 4) {
+    std::fputs(
+        "odb_server: wants three numbers from the process that starts it; try odb_server --help, "
+        "or odb_client model FILE to look at a database\n",
+        stderr);
+  }
   odbs::startParentWatchdog(numberAt(argc, argv, 1));
   odb_initializeAPI();
   const int outputFd = numberAt(argc, argv, 3);

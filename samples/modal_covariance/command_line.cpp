@@ -6,9 +6,12 @@
 #include <cmath>
 #include <cstdio>
 #include <exception>
+#include <iostream>
+#include <new>
 #include <optional>
 #include <stdexcept>
 
+#include "base/arguments.h"
 #include "base/text.h"
 #include "samples/modal_covariance/random_response.h"
 
@@ -42,12 +45,14 @@ anything is wrong, nothing.
   --step NAME          name of the new step; default Random-Response
   -q, --quiet          say nothing unless something is wrong
   -h, --help           print this text
+      --version        print the version
 
 The modes are those of the last step with the procedure *FREQUENCY, from the first one with
 stresses S on. Their scale does not matter with factors from the solver, phi^T M r / phi^T M phi;
 CalculiX makes phi^T M phi = 1. What modes above the last one would add is not there.
 
-Exit status: 0 the step is written, 1 it is not; the reason is on standard error.
+Exit status: 0 the step is written, 1 it is not, 2 the arguments are wrong; the reason is on
+standard error.
 
   odb_import bar_modes.inp --results bar_modes.frd --data bar_modes.dat
   odb_modal_covariance --psd 962361 --direction 3 bar_modes.odb
@@ -56,7 +61,7 @@ Exit status: 0 the step is written, 1 it is not; the reason is on standard error
 
 struct Options {
   std::string database, stepName = "Random-Response";
-  double density = -1;  // below 0: not given
+  double density = 0;
   int direction = 3, nFrames = 20, nModes = 0;
   std::vector<double> participation, damping = {0.02};
   std::vector<double> band;  // empty, or two ends
@@ -73,71 +78,49 @@ std::vector<double> numbersOf(const std::string& option, const std::string& text
   for (const std::string_view item : split(text, ',')) {
     const std::optional<double> number = parseReal(item);
     if (!number || !std::isfinite(*number)) {
-      fail(option + ": \"" + std::string(item) + "\" is no number");
+      throw UsageError(option + ": \"" + std::string(item) + "\" is no number");
     }
     numbers.push_back(*number);
   }
   return numbers;
 }
 
-int integerOf(const std::string& option, const std::string& text, int least, int greatest) {
-  const std::optional<std::int64_t> number = parseInt(text);
-  if (!number || *number < least || *number > greatest) {
-    fail(option + " wants an integer from " + std::to_string(least) + " to " +
-         std::to_string(greatest) + ", not \"" + text + "\"");
-  }
-  return static_cast<int>(*number);
+const std::vector<OptionRule> kOptions{{"--psd"},     {"--direction"}, {"--participation"},
+                                       {"--damping"}, {"--band"},      {"--frames"},
+                                       {"--modes"},   {"--step"},      {"--quiet", false, "-q"}};
+
+void takeNumbers(const Arguments& arguments, const std::string& option,
+                 std::vector<double>& numbers) {
+  if (arguments.has(option)) numbers = numbersOf(option, arguments.value(option));
 }
 
-void takeOption(const std::string& option, const std::string& text, Options& options) {
-  if (option == "--psd") {
-    const std::vector<double> density = numbersOf(option, text);
-    if (density.size() != 1 || density[0] < 0) fail("--psd wants one number, not below 0");
-    options.density = density[0];
-  } else if (option == "--direction") {
-    options.direction = integerOf(option, text, 1, 6);
-  } else if (option == "--participation") {
-    options.participation = numbersOf(option, text);
-  } else if (option == "--damping") {
-    options.damping = numbersOf(option, text);
-    for (const double z : options.damping) {
-      if (!(z > 0 && z < 1)) fail("--damping wants fractions above 0 and below 1");
-    }
-  } else if (option == "--band") {
-    options.band = numbersOf(option, text);
-    const std::vector<double>& band = options.band;
-    if (band.size() != 2 || band[0] < 0 || band[1] <= band[0]) {
-      fail("--band wants two frequencies F1,F2 with 0 <= F1 < F2");
-    }
-  } else if (option == "--frames") {
-    options.nFrames = integerOf(option, text, 1, 100000);
-  } else if (option == "--modes") {
-    options.nModes = integerOf(option, text, 1, 100000);
-  } else if (option == "--step") {
-    if (text.empty()) fail("--step wants a name");
-    options.stepName = text;
-  } else {
-    fail("unknown option " + option + "; try --help");
-  }
-}
-
-Options parse(const std::vector<std::string>& arguments) {
+Options optionsOf(const Arguments& arguments) {
   Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    if (argument == "--quiet" || argument == "-q") {
-      options.quiet = true;
-    } else if (startsWith(argument, "-") && argument.size() > 1) {
-      if (i + 1 == arguments.size()) fail(argument + " is unknown or lacks its value; try --help");
-      takeOption(argument, arguments[++i], options);
-    } else if (options.database.empty()) {
-      options.database = argument;
-    } else {
-      fail("more than one database: " + argument);
-    }
+  if (arguments.words.empty()) throw UsageError("which database?");
+  if (arguments.words.size() > 1) throw UsageError("more than one database: " + arguments.words[1]);
+  options.database = arguments.words[0];
+  std::vector<double> density;
+  takeNumbers(arguments, "--psd", density);
+  if (density.empty()) throw UsageError("--psd is missing, the density of the load");
+  if (density.size() != 1 || density[0] < 0)
+    throw UsageError("--psd wants one number, not below 0");
+  options.density = density[0];
+  takeNumbers(arguments, "--participation", options.participation);
+  takeNumbers(arguments, "--damping", options.damping);
+  for (const double z : options.damping) {
+    if (!(z > 0 && z < 1)) throw UsageError("--damping wants fractions above 0 and below 1");
   }
-  if (options.database.empty()) fail("which database? Try --help");
-  if (options.density < 0) fail("--psd is missing, the density of the load");
+  takeNumbers(arguments, "--band", options.band);
+  const std::vector<double>& band = options.band;
+  if (!band.empty() && (band.size() != 2 || band[0] < 0 || band[1] <= band[0])) {
+    throw UsageError("--band wants two frequencies F1,F2 with 0 <= F1 < F2");
+  }
+  options.direction = static_cast<int>(integerValue(arguments, "--direction", 3, 1, 6));
+  options.nFrames = static_cast<int>(integerValue(arguments, "--frames", 20, 1, 100000));
+  options.nModes = static_cast<int>(integerValue(arguments, "--modes", 0, 1, 100000));
+  options.stepName = arguments.value("--step", options.stepName);
+  if (options.stepName.empty()) throw UsageError("--step wants a name");
+  options.quiet = arguments.has("--quiet");
   return options;
 }
 
@@ -198,22 +181,19 @@ void run(const Options& options) {
 
 }  // namespace
 
-int runModalCovariance(const std::vector<std::string>& arguments) {
-  for (const std::string& argument : arguments) {
-    if (argument != "--help" && argument != "-h") continue;
-    std::fputs(kHelp, stdout);
-    return 0;
-  }
-  std::string subject;
-  try {
-    const Options options = parse(arguments);
-    subject = options.database + ": ";
-    run(options);
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "odb_modal_covariance: %s%s\n", subject.c_str(), error.what());
-    return 1;
-  }
+int runModalCovariance(const std::vector<std::string>& texts) {
+  const Program program{"odb_modal_covariance", [](const Arguments&) { return kHelp; }, kOptions};
+  return runProgram(program, texts, std::cout, std::cerr, [](const Arguments& arguments) {
+    const Options options = optionsOf(arguments);
+    try {
+      run(options);
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      fail(options.database + ": " + error.what());
+    }
+    return kDone;
+  });
 }
 
 }  // namespace odbs

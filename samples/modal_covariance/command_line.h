@@ -9,7 +9,7 @@ namespace odbs {
 
 // Runs the program on its arguments (without the program's name). Reports on standard output, gives
 // the reason of a failure on standard error. Returns the exit status: 0 the step is in the
-// database, 1 it is not and the database is as it was.
+// database, 1 it is not and the database is as it was, 2 the arguments make no sense.
 int runModalCovariance(const std::vector<std::string>& arguments);
 
 }  // namespace odbs

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "client/command_rules.h"
-#include "tests/client/bytes.h"
+#include "tests/client/records.h"
 
 namespace odbs::client::test {
 namespace {
@@ -18,8 +18,8 @@ void put(RecordStream& stream, const std::string& bytes) {
 }
 
 TEST(RecordStream, CutsBytesIntoRecordsHoweverTheyArrive) {
-  const std::string bytes = Bytes('H').text("A").framed() + Bytes('I').framed() +
-                            Bytes(3).u32(7).f32(1).framed() + std::string("\x01\x00~", 3);
+  const std::string bytes =
+      frame("H 'A'") + frame("I") + frame("0x03 7 1f") + std::string("\x01\x00~", 3);
   const std::vector<std::pair<int, int>> expected{{'H', 0}, {'I', 8}, {3, 11}, {'~', 22}};
   for (std::size_t chunk = 1; chunk <= bytes.size(); ++chunk) {
     RecordStream stream;
@@ -39,13 +39,13 @@ TEST(RecordStream, CarriesRecordsOfTheLargestSizeAcrossTheEndOfItsBuffer) {
   int nTaken = 0;
   for (int i = 0; i < 20; ++i) {
     payload[1] = static_cast<char>(i);
-    const std::string frame = "\xFF\xFF" + payload;
-    for (std::size_t at = 0; at < frame.size();) {
+    const std::string framed = "\xFF\xFF" + payload;
+    for (std::size_t at = 0; at < framed.size();) {
       std::size_t room = 0;
       unsigned char* space = stream.space(&room);
-      const std::size_t n = std::min({room, frame.size() - at, std::size_t{40000}});
+      const std::size_t n = std::min({room, framed.size() - at, std::size_t{40000}});
       ASSERT_GT(n, 0u);
-      std::memcpy(space, frame.data() + at, n);
+      std::memcpy(space, framed.data() + at, n);
       stream.filled(n);
       at += n;
     }
@@ -59,7 +59,7 @@ TEST(RecordStream, CarriesRecordsOfTheLargestSizeAcrossTheEndOfItsBuffer) {
 
 TEST(RecordStream, RefusesAFrameOfLengthZeroAndSaysWhere) {
   RecordStream stream;
-  put(stream, Bytes('I').framed() + std::string(2, '\0'));
+  put(stream, frame("I") + std::string(2, '\0'));
   Record record;
   ASSERT_TRUE(stream.take(record));
   try {

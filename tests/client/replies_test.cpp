@@ -1,57 +1,71 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Whole replies of sets, catalogue, history, field values and nodal results, put together from
-// records.
+// Whole replies of the model, sets, catalogue, history, field values and nodal results, put
+// together from records.
 #include <gtest/gtest.h>
 
-#include "base/bytes.h"
 #include "client/catalogue.h"
 #include "client/field_values.h"
 #include "client/history.h"
-#include "client/model_records.h"
+#include "client/model.h"
 #include "client/nodal_results.h"
 #include "client/sets.h"
-#include "tests/client/bytes.h"
+#include "tests/client/records.h"
 
 namespace odbs::client::test {
 namespace {
 
-using Records = std::vector<Bytes>;
 using Ints = std::vector<std::int32_t>;
 using Reals = std::vector<float>;
 
-// Feeds the records to a builder and returns what it builds.
-template <typename Builder>
-auto build(const Records& records, Builder builder = Builder()) {
-  std::uint64_t offset = 0;
-  for (const Bytes& record : records) {
-    builder.add(recordOf(record.payload(), offset));
-    offset += record.payload().size() + 2;
-  }
-  return builder.finish();
+TEST(Model, OfOneInstanceHasNoName) {
+  const Model model = build<ModelBuilder>(
+      {"0x01 'T'", "0x02 0", "0x15 'a\n'", "0x15 'b'", "$ 1 'S' 0", "0x03 10 0f 0f",
+       "0x03 20 1f 2f", "0x04 <T2D2    > 7 1 10 20", "0x04 <CPS3    > 8 0 10 20 10",
+       "0x04 <T2D2    > 9 1 20 10", "M 10 'SURF'"});
+  EXPECT_EQ(model.title, "T");
+  EXPECT_EQ(model.annotation, "a\nb");
+  EXPECT_EQ(model.elementTypes, (std::vector<std::string>{"T2D2", "CPS3"}));
+  ASSERT_EQ(model.instances.size(), 1u);
+  const Instance& only = model.instances[0];
+  EXPECT_EQ(only.name, "");
+  EXPECT_FALSE(only.isRootAssembly);
+  EXPECT_EQ(only.nodeLabels, (std::vector<std::int32_t>{10, 20}));
+  EXPECT_EQ(only.coordinates, (std::vector<float>{0, 0, 1, 2}));
+  EXPECT_EQ(only.elementLabels, (std::vector<std::int32_t>{7, 8, 9}));
+  EXPECT_EQ(only.elementTypes, (std::vector<std::uint32_t>{0, 1, 0}));
+  EXPECT_EQ(only.sectionNumbers, (std::vector<std::int32_t>{1, 0, 1}));
+  EXPECT_EQ(only.connectivityOffsets, (std::vector<std::size_t>{0, 2, 5, 7}));
+  EXPECT_EQ(only.connectivity, (std::vector<std::int32_t>{10, 20, 10, 20, 10, 20, 10}));
+  EXPECT_EQ(only.rigidBodies.size(), 1u);
 }
 
-// The offset at which the builder finds the records malformed, or -1.
-template <typename Builder>
-std::int64_t offsetOfError(const Records& records, Builder builder = Builder()) {
-  try {
-    build(records, builder);
-    return -1;
-  } catch (const MalformedRecord& error) {
-    return static_cast<std::int64_t>(error.offset());
-  }
+TEST(Model, OfSeveralInstancesTellsSectionGroupsFromInstances) {
+  const Model model = build<ModelBuilder>({"0x01 'T'", "0x02 0", "H 'B'", "$ 1 'S' 0", "I", "H 'A'",
+                                           "$ 2 'R' 0", "I", "0x11 'M' 1f 0 0", "H 'A'",
+                                           "0x03 1 0f 0f", "0x04 <T2D2    > 1 1 1 1", "H 'B'",
+                                           "H 'C'", "0x03 1 5f 5f", "H 'Assembly'"});
+  ASSERT_EQ(model.sections.size(), 2u);
+  EXPECT_EQ(model.sections[0].instance, "B");
+  EXPECT_EQ(model.sections[1].instance, "A");
+  ASSERT_EQ(model.instances.size(), 4u);
+  EXPECT_EQ(model.instances[0].nodeLabels.size(), 1u);
+  EXPECT_EQ(model.instances[1].name, "B");
+  EXPECT_TRUE(model.instances[1].nodeLabels.empty());
+  EXPECT_EQ(model.instances[2].coordinates, (std::vector<float>{5, 5}));
+  EXPECT_EQ(model.instances[3].name, "Assembly");
+  EXPECT_TRUE(model.instances[3].isRootAssembly);
 }
 
-std::string f64(double value) {
-  std::string bytes(8, '\0');
-  putF64(reinterpret_cast<unsigned char*>(bytes.data()), value);
-  return bytes;
+TEST(Model, OutOfPlaceIsRefused) {
+  EXPECT_EQ(offsetOfError<ModelBuilder>({"I"}), 0);
+  EXPECT_EQ(offsetOfError<ModelBuilder>({"0x03 1 0f 0f", "0x03 2 0f"}), 15);
+  EXPECT_EQ(offsetOfError<ModelBuilder>({"0x02 0", "} 1"}), 7);
 }
 
 TEST(Sets, OfOneInstanceAreJoinedFromTheirChunks) {
-  const SetsReply reply = build<SetsBuilder>(
-      {Bytes(1).text("T"), Bytes(2).u32(0), Bytes(5).text("N"), Bytes(8).u32(1).u32(2),
-       Bytes(8).u32(3), Bytes(11), Bytes(11), Bytes(6).text("EMPTY"), Bytes(11), Bytes(7).text("S"),
-       Bytes(10).u32(5).u32(1), Bytes(11)});
+  const SetsReply reply =
+      build<SetsBuilder>({"0x01 'T'", "0x02 0", "0x05 'N'", "0x08 1 2", "0x08 3", "11", "11",
+                          "0x06 'EMPTY'", "11", "0x07 'S'", "10 5 1", "11"});
   EXPECT_EQ(reply.title, "T");
   ASSERT_EQ(reply.sets.size(), 3u);
   EXPECT_EQ(reply.sets[0].labels, (Ints{1, 2, 3}));
@@ -62,10 +76,9 @@ TEST(Sets, OfOneInstanceAreJoinedFromTheirChunks) {
 }
 
 TEST(Sets, OfSeveralInstancesSayWhoseTheyAre) {
-  const SetsReply reply = build<SetsBuilder>(
-      {Bytes(5).text("BOTH"), Bytes('H').text("A"), Bytes(8).u32(1), Bytes(11), Bytes('I'),
-       Bytes('H').text("A"), Bytes(5).text("OWN"), Bytes(8).u32(2), Bytes(11), Bytes('I'),
-       Bytes('I'), Bytes('|').text("Error in Sets definition"), Bytes(6).text("E"), Bytes(11)});
+  const SetsReply reply = build<SetsBuilder>({"0x05 'BOTH'", "H 'A'", "0x08 1", "11", "I", "H 'A'",
+                                              "0x05 'OWN'", "0x08 2", "11", "I", "I",
+                                              "| 'Error in Sets definition'", "0x06 'E'", "11"});
   ASSERT_EQ(reply.sets.size(), 3u);
   EXPECT_EQ(reply.sets[0].instance, "A");
   EXPECT_TRUE(reply.sets[0].isOfAssembly);
@@ -76,37 +89,27 @@ TEST(Sets, OfSeveralInstancesSayWhoseTheyAre) {
 }
 
 TEST(Sets, OutOfPlaceAreRefused) {
-  EXPECT_EQ(offsetOfError<SetsBuilder>({Bytes(8).u32(1)}), 0);
-  EXPECT_EQ(offsetOfError<SetsBuilder>({Bytes(5).text("N"), Bytes(9).u32(1)}), 8);
-  EXPECT_EQ(offsetOfError<SetsBuilder>({Bytes(5).text("N"), Bytes(6).text("E")}), 8);
-  EXPECT_EQ(offsetOfError<SetsBuilder>({Bytes(5).text("N")}), 0);
+  EXPECT_EQ(offsetOfError<SetsBuilder>({"0x08 1"}), 0);
+  EXPECT_EQ(offsetOfError<SetsBuilder>({"0x05 'N'", "0x09 1"}), 8);
+  EXPECT_EQ(offsetOfError<SetsBuilder>({"0x05 'N'", "0x06 'E'"}), 8);
+  EXPECT_EQ(offsetOfError<SetsBuilder>({"0x05 'N'"}), 0);
 }
 
-Records catalogueEntry(std::uint32_t step, const std::string& field, std::uint32_t frame) {
-  return {Bytes(12).u32(step).raw(f64(1)).text(std::string("Step-") +
-                                               static_cast<char>('0' + step) + "\x01" + "d"),
-          Bytes(13).text("*STATIC"), Bytes(14).text(field).text("text"),
-          Bytes(16).text(field + "1").text(field + "2"),
-          Bytes(15)
-              .u32(frame)
-              .u32(0)
-              .u32(0)
-              .raw(f64(frame))
-              .raw(f64(0))
-              .u32(0)
-              .u32(8)
-              .u32(4)
-              .u32(2)
-              .u32(0)
-              .text("")};
+Records catalogueEntry(int step, const std::string& field, int frame) {
+  return {"12 " + std::to_string(step) + " 1d 'Step-" + std::to_string(step) +
+              "\x01"
+              "d'",
+          "13 '*STATIC'", "14 '" + field + "' 'text'", "16 '" + field + "1' '" + field + "2'",
+          "15 " + std::to_string(frame) + " 0 0 " + std::to_string(frame) + "d 0d 0 8 4 2 0 ''"};
 }
 
 TEST(Catalogue, KeepsEachStepAndFieldOnce) {
-  Records records{Bytes(1).text("T"), Bytes(2).u32(0)};
-  for (std::uint32_t step = 1; step <= 2; ++step) {
-    for (std::uint32_t frame = 0; frame < 3; ++frame) {
+  Records records{"0x01 'T'", "0x02 0"};
+  for (int step = 1; step <= 2; ++step) {
+    for (int frame = 0; frame < 3; ++frame) {
       for (const char* field : {"S", "E"}) {
-        for (const Bytes& record : catalogueEntry(step, field, frame)) records.push_back(record);
+        const Records entry = catalogueEntry(step, field, frame);
+        records.insert(records.end(), entry.begin(), entry.end());
       }
     }
   }
@@ -130,11 +133,8 @@ TEST(Catalogue, RefusesAFrameWithoutItsStep) {
 
 TEST(History, JoinsTimesValuesAndConjugates) {
   const History history = build<HistoryBuilder>(
-      {Bytes('2').u32(1).u32(1).raw(f64(0)).text("Step-1").text(""),
-       Bytes('4').text("Node 1").text("").u32(1).u32(1).u32(0).u32(0),
-       Bytes('6').text("U1").text("").u32(2).u32(0), Bytes('8').f32(0), Bytes('8').f32(5),
-       Bytes('8').f32(1), Bytes('8').f32(6), Bytes('6').text("U2").text("").u32(2).u32(1),
-       Bytes('8').f32(10), Bytes('8').f32(7), Bytes('8').f32(-7)});
+      {"0x32 1 1 0d 'Step-1' ''", "0x34 'Node 1' '' 1 1 0 0", "0x36 'U1' '' 2 0", "0x38 0f",
+       "0x38 5f", "0x38 1f", "0x38 6f", "0x36 'U2' '' 2 1", "0x38 10f", "0x38 7f", "0x38 -7f"});
   const std::vector<HistoryOutput>& outputs = history.steps.at(0).regions.at(0).outputs;
   ASSERT_EQ(outputs.size(), 2u);
   EXPECT_EQ(outputs[0].times, (Reals{0, 1}));
@@ -145,25 +145,21 @@ TEST(History, JoinsTimesValuesAndConjugates) {
 }
 
 TEST(History, OutOfPlaceIsRefused) {
-  const Bytes step = Bytes('2').u32(1).u32(1).raw(f64(0)).text("S").text("");
-  const Bytes region = Bytes('4').text("N").text("").u32(1).u32(1).u32(0).u32(0);
-  const Bytes output = Bytes('6').text("U").text("").u32(2).u32(0);
+  const char* const step = "0x32 1 1 0d 'S' ''";
+  const char* const region = "0x34 'N' '' 1 1 0 0";
+  const char* const output = "0x36 'U' '' 2 0";
   EXPECT_EQ(offsetOfError<HistoryBuilder>({region}), 0);
   EXPECT_EQ(offsetOfError<HistoryBuilder>({step, output}), 28);
-  EXPECT_EQ(offsetOfError<HistoryBuilder>({step, Bytes('8').f32(1)}), 28);
-  EXPECT_NE(offsetOfError<HistoryBuilder>({step, region, output, Bytes('8').f32(1)}), -1);
-  EXPECT_NE(offsetOfError<HistoryBuilder>({step, region, output, Bytes('8').f32(1), output}), -1);
+  EXPECT_EQ(offsetOfError<HistoryBuilder>({step, "0x38 1f"}), 28);
+  EXPECT_NE(offsetOfError<HistoryBuilder>({step, region, output, "0x38 1f"}), -1);
+  EXPECT_NE(offsetOfError<HistoryBuilder>({step, region, output, "0x38 1f", output}), -1);
 }
 
 TEST(FieldValues, GetTheirLabelsBack) {
   const FieldValues values = build<FieldValuesBuilder>(
-      {Bytes(1).text("T"), Bytes(2).u32(0), Bytes('%').u32(16), Bytes('H').text("A"),
-       Bytes(0x1E).raw("C3D8    ").i32(-1).i32(-1), Bytes(0x1F).u32(1).i32(-1).u32(1).f32(1).f32(2),
-       Bytes(0x17).u32(2).f32(3).f32(4), Bytes(0x20).u32(2).u32(1).f32(5).f32(6), Bytes('%').u32(1),
-       Bytes(0x1E).raw("C3D4    ").i32(2).i32(5),
-       Bytes('\'').f32(1).f32(0).f32(0).f32(0).f32(1).f32(0), Bytes(0x21).u32(9).u32(3).f32(7),
-       Bytes(0x16).u32(4).f32(8), Bytes(0x15).f32(9), Bytes(0x18).u32(5).u32(6).f32(10),
-       Bytes(0x22).u32(8).f32(11)});
+      {"0x01 'T'", "0x02 0", "% 16", "H 'A'", "0x1E <C3D8    > -1 -1", "0x1F 1 -1 1 1f 2f",
+       "0x17 2 3f 4f", "0x20 2 1 5f 6f", "% 1", "0x1E <C3D4    > 2 5", "39 1f 0f 0f 0f 1f 0f",
+       "0x21 9 3 7f", "0x16 4 8f", "0x15 9f", "0x18 5 6 10f", "0x22 8 11f"});
   EXPECT_EQ(values.elementLabels, (Ints{1, 1, 2, 9, 9, 9, 9, 8}));
   EXPECT_EQ(values.thirdLabels, (Ints{-1, -1, -1, 3, 4, 4, 5, 5}));
   EXPECT_EQ(values.integrationPoints, (Ints{1, 2, 1, 1, 1, 1, 6, 6}));
@@ -181,20 +177,17 @@ TEST(FieldValues, GetTheirLabelsBack) {
 }
 
 TEST(FieldValues, OutOfPlaceAreRefused) {
-  const Bytes block = Bytes(0x1E).raw("C3D8    ").i32(-1).i32(-1);
-  EXPECT_EQ(offsetOfError<FieldValuesBuilder>({Bytes(0x15).f32(1)}), 0);
-  EXPECT_EQ(offsetOfError<FieldValuesBuilder>({block, Bytes(0x15).f32(1), Bytes(0x15)}), 26);
-  EXPECT_EQ(offsetOfError<FieldValuesBuilder>({block, Bytes(3).u32(1)}), 19);
+  const char* const block = "0x1E <C3D8    > -1 -1";
+  EXPECT_EQ(offsetOfError<FieldValuesBuilder>({"0x15 1f"}), 0);
+  EXPECT_EQ(offsetOfError<FieldValuesBuilder>({block, "0x15 1f", "0x15"}), 26);
+  EXPECT_EQ(offsetOfError<FieldValuesBuilder>({block, "0x03 1"}), 19);
 }
 
 TEST(NodalResults, AreBlocksByInstanceAndQuantity) {
   const NodalResults results =
-      build({Bytes(1).text("T"), Bytes(2).u32(1), Bytes('H').text("A"), Bytes(0x11).u32(1).f32(5),
-             Bytes(0x11).u32(2).f32(6), Bytes(0x12).u32(3).f32(7).f32(-7), Bytes('H').text("B"),
-             Bytes(0x12).u32(1).f32(8).f32(9).f32(-8).f32(-9), Bytes('"').u32(4).u32(0),
-             Bytes('H').text("A"), Bytes('"').u32(9).u32(0), Bytes('"').u32(2).u32(0),
-             Bytes('"').u32(9).u32(0), Bytes(0x26).u32(1).f32(1), Bytes(0x39).u32(1).f32(2),
-             Bytes(0x50).u32(1).f32(3).f32(4), Bytes('|').text("M")},
+      build({"0x01 'T'", "0x02 1", "H 'A'", "0x11 1 5f", "0x11 2 6f", "0x12 3 7f -7f", "H 'B'",
+             "0x12 1 8f 9f -8f -9f", "34 4 0", "H 'A'", "34 9 0", "34 2 0", "34 9 0", "0x26 1 1f",
+             "0x39 1 2f", "0x50 1 3f 4f", "| 'M'"},
             NodalResultsBuilder("U"));
   const struct {
     const char *quantity, *instance;
@@ -227,13 +220,13 @@ TEST(NodalResults, AreBlocksByInstanceAndQuantity) {
 }
 
 TEST(NodalResults, OutOfPlaceAreRefused) {
-  const Bytes title = Bytes(1).text("");
+  const char* const title = "0x01 ''";
   const NodalResultsBuilder builder("U");
-  EXPECT_EQ(offsetOfError({Bytes(0x11).u32(1).f32(1)}, builder), 0);  // another reply's leftovers
-  EXPECT_EQ(offsetOfError({Bytes('"').u32(1).u32(0)}, builder), 0);
-  EXPECT_EQ(offsetOfError({title, Bytes(0x11).u32(1)}, builder), 7);
-  EXPECT_EQ(offsetOfError({title, Bytes(0x12).u32(1).f32(1).f32(1).f32(1)}, builder), 7);
-  EXPECT_EQ(offsetOfError({title, Bytes('I')}, builder), 7);
+  EXPECT_EQ(offsetOfError({"0x11 1 1f"}, builder), 0);  // another reply's leftovers
+  EXPECT_EQ(offsetOfError({"34 1 0"}, builder), 0);
+  EXPECT_EQ(offsetOfError({title, "0x11 1"}, builder), 7);
+  EXPECT_EQ(offsetOfError({title, "0x12 1 1f 1f 1f"}, builder), 7);
+  EXPECT_EQ(offsetOfError({title, "I"}, builder), 7);
 }
 
 TEST(Layers, GetTheirOwnDataBackButForTheFirst) {

@@ -56,7 +56,8 @@ class MalformedRecord : public Error {
 // say that the database could not be opened.
 class DatabaseNotOpened : public Error {
  public:
-  // `messages`: texts that the server sent before it gave up, such as those about upgrades.
+  // `messages`: texts that the server sent before it gave up, such as those about upgrades. The
+  // server does not say why; what is looked up here is in whyNotOpened's words.
   DatabaseNotOpened(const std::string& path, const std::vector<std::string>& messages);
   const std::string& path() const { return path_; }
 

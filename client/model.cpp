@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "client/model.h"
 
+#include "client/database_file.h"
 #include "client/small_records.h"
 
 namespace odbs::client {
@@ -10,7 +11,7 @@ namespace {
 std::string notOpenedText(const std::string& path, const std::vector<std::string>& messages) {
   std::string what = "the server could not open " + path;
   for (const std::string& message : messages) what += " (it said: " + message + ")";
-  return what;
+  return what + ": " + whyNotOpened(path);
 }
 
 }  // namespace

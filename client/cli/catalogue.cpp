@@ -49,9 +49,7 @@ constexpr BitName kInvariants[] = {
 std::vector<Listing> listingsOf(const std::string& name) {
   if (name == "all") return {Listing::kNodal, Listing::kElement};
   if (name == "nodal") return {Listing::kNodal};
-  if (name == "element") return {Listing::kElement};
-  if (name == "tensor") return {Listing::kTensor};
-  throw UsageError("--listing wants all, nodal, element or tensor, not \"" + name + "\"");
+  return {name == "element" ? Listing::kElement : Listing::kTensor};
 }
 
 // One listing and the server's answer to it.
@@ -59,13 +57,6 @@ struct Listed {
   bool isNodal;
   Catalogue catalogue;
 };
-
-bool everyFrameOf(const std::string& name) {
-  if (name != "last" && name != "every") {
-    throw UsageError("--frames wants last or every, not \"" + name + "\"");
-  }
-  return name == "every";
-}
 
 // Steps and frames of all listings, each once.
 void reportFrames(const std::vector<Listed>& listings, Report& report) {
@@ -143,16 +134,17 @@ void reportFields(const std::vector<Listed>& listings, Report& report) {
 
 }  // namespace
 
-void runCatalogue(Call& call) {
-  const std::vector<Listing> wanted = listingsOf(call.option("--listing", "all"));
+void runCatalogue(const Call& call) {
+  const std::vector<Listing> wanted =
+      listingsOf(call.choice("--listing", "all|nodal|element|tensor"));
   CatalogueRequest request;
-  request.everyFrame = everyFrameOf(call.option("--frames", "last"));
+  request.everyFrame = call.choice("--frames", "last|every") == "every";
   request.cachePath = call.option("--cache");
   // A cache file holds one listing and does not say which.
   if (!request.cachePath.empty() && wanted.size() > 1) {
     throw UsageError("--cache wants one listing: give --listing nodal, element or tensor");
   }
-  const std::string& path = call.arguments.front();
+  const std::string& path = call.path();
   const auto connection = call.connect();
   std::vector<Listed> listings;
   for (const Listing listing : wanted) {

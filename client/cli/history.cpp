@@ -4,14 +4,15 @@
 
 #include <algorithm>
 
-#include "base/text.h"
-#include "client/cli/cli.h"
+#include "client/cli/explain.h"
+#include "client/model.h"
 
 namespace odbs::client {
 
 namespace {
 
 void reportOverview(const History& history, Report& report) {
+  report.setMainTable("region");
   report.begin("step", {"step", "name", "description", "total_time", "regions"});
   for (const HistoryStep& step : history.steps) {
     report.row({std::int64_t{step.number}, step.name, step.description, step.totalTime,
@@ -70,27 +71,28 @@ std::vector<std::string> allRegions(const History& overview) {
 
 }  // namespace
 
-void runHistory(Call& call) {
-  const std::optional<std::int64_t> step = parseInt(call.option("--step", "0"));
-  if (!step || *step < 0 || *step > INT32_MAX) throw UsageError("--step wants a step number");
-  std::vector<std::string> names;
-  for (const auto& [option, value] : call.options) {
-    if (option == "--region") names.push_back(value);
-  }
-  const std::string& path = call.arguments.front();
+void runHistory(const Call& call) {
+  const auto step =
+      static_cast<std::int32_t>(integerValue(call.arguments, "--step", 0, 0, INT32_MAX));
+  std::vector<std::string> names = call.arguments.values("--region");
+  const std::string& path = call.path();
   const std::unique_ptr<Connection> server = call.connect();
   const History overview = readHistoryOverview(*server, path);
   if (overview.steps.empty()) {
-    throw Error(path + " does not open or has no steps: no history came");
+    readModel(*server, path, ModelScope::kNodesOnly);  // throws when the database does not open
+    throw Error(path + " has no steps");
   }
+  requireStep(*server, path, step);
   reportMessages(overview.messages, call.report);
   if (names.empty()) return reportOverview(overview, call.report);
-  if (names.size() == 1 && names[0] == "all") names = allRegions(overview);
-  const History history = readHistory(*server, path, static_cast<std::int32_t>(*step), names);
-  bool isFound = false;
-  for (const HistoryStep& one : history.steps) isFound = isFound || !one.regions.empty();
-  if (!isFound) throw Error("no such history region (without --region they are listed)");
-  reportValues(history, call.report);
+  const std::vector<std::string> all = allRegions(overview);
+  if (names.size() == 1 && names[0] == "all") names = all;
+  for (const std::string& name : names) {
+    if (std::find(all.begin(), all.end(), name) != all.end()) continue;
+    throw Error("there is no history region \"" + name + "\"" + didYouMean(name, all) +
+                " (without --region they are listed)");
+  }
+  reportValues(readHistory(*server, path, step, names), call.report);
 }
 
 }  // namespace odbs::client

@@ -3,14 +3,9 @@
 #include <iostream>
 
 #include "client/cli/cli.h"
+#include "port/port.h"
 
 int main(int argc, char** argv) {
-  std::ios::sync_with_stdio(false);
-  const int status = odbs::client::runClient({argv + 1, argv + argc}, std::cout, std::cerr);
-  std::cout.flush();
-  if (!std::cout) {
-    std::cerr << "odb_client: cannot write the answer\n";
-    return odbs::client::kFailed;
-  }
-  return status;
+  odbs::port::ignoreBrokenPipe();
+  return odbs::client::runClient({argv + 1, argv + argc}, std::cout, std::cerr);
 }

@@ -50,7 +50,8 @@ void reportDatabase(const Model& model, const std::string& path, Report& report)
 
 void reportInstances(const Model& model, Report& report) {
   report.begin("instance",
-               {"instance", "nodes", "elements", "dimensions", "box_least", "box_greatest"});
+               {"instance", "nodes", "elements", "dimensions", "box_least", "box_greatest"},
+               {{"box_least", numbered("least", 3)}, {"box_greatest", numbered("greatest", 3)}});
   for (const Instance& instance : model.instances) {
     const Box box = boundingBox(instance);
     report.row({shownName(instance), asInteger(instance.nodeLabels.size()),
@@ -147,8 +148,12 @@ void reportSections(const Model& model, Report& report) {
 }
 
 void reportMaterials(const Model& model, Report& report) {
-  report.begin("material", {"material", "density", "elastic", "values", "fail_strain",
-                            "fail_stress", "acoustic"});
+  report.begin(
+      "material",
+      {"material", "density", "elastic", "values", "fail_strain", "fail_stress", "acoustic"},
+      {{"values", numbered("value", 6)},
+       {"fail_strain", numbered("fail_strain", 5)},
+       {"fail_stress", numbered("fail_stress", 7)}});
   for (const Material& material : model.materials) {
     const Elastic elastic = material.elastic.value_or(Elastic{});
     std::vector<float> strain, stress;
@@ -188,8 +193,8 @@ void reportMessages(const std::vector<std::string>& messages, Report& report) {
   report.end();
 }
 
-void runModel(Call& call) {
-  const std::string& path = call.arguments.front();
+void runModel(const Call& call) {
+  const std::string& path = call.path();
   const Model model = readModel(*call.connect(), path);
   reportDatabase(model, path, call.report);
   reportMessages(model.messages, call.report);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // odb_client nodal: one variable at its nodes, rotations and failed elements.
+#include <algorithm>
+
 #include "base/text.h"
-#include "client/cli/cli.h"
+#include "client/cli/explain.h"
 #include "client/nodal_results.h"
 
 namespace odbs::client {
@@ -26,20 +28,26 @@ void takeLabels(std::string text, std::vector<std::int32_t>& labels) {
 }
 
 NodalRequest requestOf(const Call& call) {
-  NodalRequest request;
-  request.step = integerOf(call, "--step", "1");
-  request.frame = integerOf(call, "--frame", "0");
-  request.field = call.option("--field");
-  if (request.field.empty()) throw UsageError("--field is missing, the name of the variable");
-  request.position = positionOf(call.option("--position", "centroid"));
-  for (const auto& [option, text] : call.options) {
-    if (option == "--labels") takeLabels(text, request.labels);
+  auto request = requestFor<NodalRequest>(fieldChoice(call, "centroid"));
+  for (const std::string& text : call.arguments.values("--labels")) {
+    takeLabels(text, request.labels);
   }
   return request;
 }
 
+// The most components that a block has.
+std::size_t mostComponents(const NodalResults& results, bool onlyComplex) {
+  std::size_t most = 0;
+  for (const NodalBlock& block : results.blocks) {
+    if (block.isComplex || !onlyComplex) most = std::max<std::size_t>(most, block.nComponents);
+  }
+  return most;
+}
+
 void reportValues(const NodalResults& results, Report& report) {
-  report.begin("value", {"instance", "quantity", "node", "components", "conjugates"});
+  report.begin("value", {"instance", "quantity", "node", "components", "conjugates"},
+               {{"components", numbered("component", mostComponents(results, false))},
+                {"conjugates", numbered("conjugate", mostComponents(results, true))}});
   for (const NodalBlock& block : results.blocks) {
     const auto valueAt = [&block](const std::vector<float>& all, std::size_t first, std::size_t i) {
       const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first + i * block.nComponents);
@@ -66,14 +74,14 @@ void reportFailed(const NodalResults& results, Report& report) {
 
 }  // namespace
 
-void runNodal(Call& call) {
+void runNodal(const Call& call) {
   const NodalRequest request = requestOf(call);
-  const std::string& path = call.arguments.front();
-  const NodalResults results = readNodalResults(*call.connect(), path, request);
+  const std::string& path = call.path();
+  const auto server = call.connect();
+  const NodalResults results = readNodalResults(*server, path, request);
   if (results.blocks.empty() && results.failed.empty()) {
-    throw Error("no values of \"" + request.field + "\" in step " + std::to_string(request.step) +
-                ", frame " + std::to_string(request.frame) +
-                " at nodes (odb_client catalogue lists what there is)");
+    requireField(*server, path, {request.step, request.frame, request.field, 0});
+    throw Error("the field \"" + request.field + "\" has no values at nodes (odb_client values)");
   }
   std::size_t nFailed = 0;
   for (const FailedElements& one : results.failed) nFailed += one.labels.size();

@@ -4,7 +4,7 @@
 
 namespace odbs::client {
 
-void runPing(Call& call) {
+void runPing(const Call& call) {
   const std::unique_ptr<Connection> server = call.connect();
   const std::int32_t id = server->ping();
   const int status = server->quit();

@@ -2,9 +2,13 @@
 #include "client/cli/report.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <type_traits>
+
+#include "base/arguments.h"
+#include "base/printable.h"
 
 namespace odbs::client {
 
@@ -32,31 +36,6 @@ std::string scalarText(float value) {
 std::string scalarText(double value) {
   const auto single = static_cast<float>(value);
   return static_cast<double>(single) == value ? realText(single) : realText(value);
-}
-
-// The length of the UTF-8 sequence at text[at], or 0 when there is none.
-std::size_t utf8Length(const std::string& text, std::size_t at) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char first = byte(at);
-  const std::size_t n = first >= 0xF0 && first < 0xF5   ? 4
-                        : first >= 0xE0 && first < 0xF0 ? 3
-                        : first >= 0xC2 && first < 0xE0 ? 2
-                                                        : 0;
-  if (n == 0 || at + n > text.size()) return 0;
-  for (std::size_t i = 1; i < n; ++i) {
-    if ((byte(at + i) & 0xC0) != 0x80) return 0;
-  }
-  // Overlong forms and surrogates are not UTF-8.
-  if (first == 0xE0 && byte(at + 1) < 0xA0) return 0;
-  if (first == 0xED && byte(at + 1) > 0x9F) return 0;
-  if (first == 0xF0 && byte(at + 1) < 0x90) return 0;
-  if (first == 0xF4 && byte(at + 1) > 0x8F) return 0;
-  return n;
-}
-
-std::string hexByte(unsigned char byte) {
-  static const char* const kDigits = "0123456789abcdef";
-  return {kDigits[byte >> 4], kDigits[byte & 15]};
 }
 
 // Bytes that are not UTF-8 are taken as Latin-1, as JSON has no other way to hold them.
@@ -128,29 +107,6 @@ bool isNumber(const Value& value) {
 
 }  // namespace
 
-std::string printable(const std::string& text) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size();) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    std::size_t n = 1;
-    if (byte >= 0x20 && byte < 0x7F) {
-      result += text[i];
-    } else if (byte == '\n') {
-      result += "\\n";
-    } else if (byte == '\t') {
-      result += "\\t";
-    } else if (byte >= 0x80 && (n = utf8Length(text, i)) > 0 &&
-               !(byte == 0xC2 && static_cast<unsigned char>(text[i + 1]) < 0xA0)) {
-      result += text.substr(i, n);  // but for the control characters U+0080 to U+009F
-    } else {
-      n = 1;
-      result += "\\x" + hexByte(byte);
-    }
-    i += n;
-  }
-  return result;
-}
-
 std::string plainText(const Value& value) {
   return std::visit(
       [](const auto& held) -> std::string {
@@ -177,30 +133,89 @@ std::string jsonText(const Value& value) {
       value);
 }
 
-void Report::begin(const std::string& name, const std::vector<std::string>& columns) {
+std::vector<std::string> numbered(const std::string& name, std::size_t n) {
+  std::vector<std::string> names;
+  for (std::size_t i = 1; i <= n; ++i) names.push_back(name + "_" + std::to_string(i));
+  return names;
+}
+
+void Report::setFormat(Format format, const std::string& mainTable) {
+  format_ = format;
+  setMainTable(mainTable);
+}
+
+void Report::setMainTable(const std::string& table) {
+  if (!onlyWasAsked_ && format_ == Format::kCsv) only_ = table;
+}
+
+void Report::only(const std::string& table) {
+  only_ = table;
+  onlyWasAsked_ = true;
+}
+
+void Report::finish() const {
+  if (!onlyWasAsked_ || std::find(names_.begin(), names_.end(), only_) != names_.end()) return;
+  std::string all;
+  for (const std::string& name : names_) {
+    if (all.find(name) == std::string::npos) all += (all.empty() ? "" : ", ") + name;
+  }
+  throw UsageError("there is no table \"" + only_ + "\" here" + didYouMean(only_, names_) +
+                   " (the tables are " + all + ")");
+}
+
+void Report::writeLine(std::string line) {
+  line += '\n';
+  errno = 0;
+  if (!out_.write(line.data(), static_cast<std::streamsize>(line.size()))) throw OutputError(errno);
+}
+
+void Report::begin(const std::string& name, const std::vector<std::string>& columns,
+                   const Lists& lists) {
   name_ = name;
+  names_.push_back(name);
   columns_ = columns;
+  lists_ = lists;
   held_.clear();
   released_ = false;
-  if (format_ != Format::kCsv) return;
-  if (!isFirst_) out_ << "\n";
-  isFirst_ = false;
-  out_ << "table";
-  for (const std::string& column : columns_) out_ << ',' << csvText(column);
-  out_ << "\n";
+  if (format_ != Format::kCsv || !isWanted()) return;
+  std::string header;
+  for (const std::string& column : columns_) {
+    const auto list = lists_.find(column);
+    const std::vector<std::string> names =
+        list == lists_.end() ? std::vector<std::string>{column} : list->second;
+    for (const std::string& one : names) header += (header.empty() ? "" : ",") + csvText(one);
+  }
+  writeLine(header);
+}
+
+void Report::writeCsvRow(const std::vector<Value>& cells) {
+  std::string line;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const auto list = lists_.find(columns_[i]);
+    if (list == lists_.end()) {
+      line += csvText(plainText(cells[i])) + ',';
+      continue;
+    }
+    const auto& items = std::get<std::vector<float>>(cells[i]);
+    for (std::size_t k = 0; k < list->second.size(); ++k) {
+      if (k < items.size() && !std::isnan(items[k])) line += realText(items[k]);
+      line += ',';
+    }
+  }
+  line.pop_back();
+  writeLine(line);
 }
 
 void Report::row(std::vector<Value> cells) {
+  if (!isWanted()) return;
   if (format_ == Format::kCsv) {
-    out_ << csvText(name_);
-    for (const Value& cell : cells) out_ << ',' << csvText(plainText(cell));
-    out_ << "\n";
+    writeCsvRow(cells);
   } else if (format_ == Format::kJsonl) {
-    out_ << "{\"table\":" << jsonScalar(name_);
+    std::string line = "{\"table\":" + jsonScalar(name_);
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      out_ << ',' << jsonScalar(columns_[i]) << ':' << jsonText(cells[i]);
+      line += ',' + jsonScalar(columns_[i]) + ':' + jsonText(cells[i]);
     }
-    out_ << "}\n";
+    writeLine(line + '}');
   } else {
     held_.push_back(std::move(cells));
     if (released_ || held_.size() == kHeldRows) release();
@@ -212,24 +227,27 @@ void Report::end() {
 }
 
 void Report::facts(const std::string& name, const std::vector<std::string>& columns,
-                   std::vector<Value> cells) {
+                   std::vector<Value> cells, const Lists& lists) {
   if (format_ != Format::kTable) {
-    begin(name, columns);
+    begin(name, columns, lists);
     row(std::move(cells));
     return end();
   }
+  name_ = name;
+  names_.push_back(name);
+  if (!isWanted()) return;
   std::size_t width = 0;
   for (const std::string& column : columns) width = std::max(width, column.size());
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const std::string blanks(width - columns[i].size() + 2, ' ');
-    out_ << columns[i] << blanks << plainText(cells[i]) << "\n";
+    writeLine(columns[i] + blanks + plainText(cells[i]));
   }
   isFirst_ = false;
 }
 
 void Report::note(const std::string& line) {
-  if (format_ != Format::kTable) return;
-  out_ << line << "\n";
+  if (format_ != Format::kTable || !only_.empty()) return;
+  writeLine(line);
   isFirst_ = true;
 }
 
@@ -246,7 +264,7 @@ void Report::release() {
     }
     std::vector<bool> toTheRight;
     for (const Value& cell : held_.front()) toTheRight.push_back(isNumber(cell));
-    if (!isFirst_) out_ << "\n";
+    if (!isFirst_) writeLine("");
     isFirst_ = false;
     writeAligned(columns_, toTheRight);
     released_ = true;
@@ -274,7 +292,7 @@ void Report::writeAligned(const std::vector<std::string>& texts,
     if (!toTheRight[i]) line.append(nBlanks, ' ');
   }
   line.erase(line.find_last_not_of(' ') + 1);
-  out_ << line << "\n";
+  writeLine(line);
 }
 
 }  // namespace odbs::client

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // odb_client send: raw command lines, every record of their replies printed.
+#include "base/printable.h"
 #include "client/cli/cli.h"
 #include "client/describe.h"
 #include "client/small_records.h"
@@ -88,13 +89,13 @@ class RecordPrinter {
 
 }  // namespace
 
-void runSend(Call& call) {
+void runSend(const Call& call) {
   const std::unique_ptr<Connection> server = call.connect();
-  const std::string& file = call.arguments.front();
+  const std::string& file = call.path();
   RecordPrinter printer(call.report);
   std::uint64_t nRecords = 0;
-  for (std::size_t i = 1; i < call.arguments.size(); ++i) {
-    const std::string line = withFile(call.arguments[i], file);
+  for (std::size_t i = 1; i < call.words.size(); ++i) {
+    const std::string line = withFile(call.words[i], file);
     printer.beginLine(line);
     try {
       server->send(line);

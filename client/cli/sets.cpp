@@ -2,17 +2,16 @@
 // odb_client sets, sections and regions.
 #include "client/sets.h"
 
-#include "client/cli/cli.h"
+#include "client/cli/explain.h"
+#include "client/model.h"
 #include "client/small_records.h"
 
 namespace odbs::client {
 
 namespace {
 
-bool yesOrNo(const Call& call, const std::string& option, const char* otherwise) {
-  const std::string text = call.option(option, otherwise);
-  if (text != "yes" && text != "no") throw UsageError(option + " wants yes or no");
-  return text == "yes";
+bool isYes(const Call& call, const std::string& option, const char* words) {
+  return call.choice(option, words) == "yes";
 }
 
 std::vector<std::int64_t> wide(const std::vector<std::int32_t>& values) {
@@ -38,12 +37,12 @@ void reportSets(const SetsReply& reply, bool showMembers, Report& report) {
   report.end();
 }
 
-void runSets(Call& call) {
+void runSets(const Call& call) {
   SetsRequest request;
-  request.surfaces = yesOrNo(call, "--surfaces", "yes");
-  request.couplingSets = yesOrNo(call, "--coupling", "no");
-  const bool showMembers = yesOrNo(call, "--members", "no");
-  const std::string& path = call.arguments.front();
+  request.surfaces = isYes(call, "--surfaces", "yes|no");
+  request.couplingSets = isYes(call, "--coupling", "no|yes");
+  const bool showMembers = isYes(call, "--members", "no|yes");
+  const std::string& path = call.path();
   const SetsReply reply = readSets(*call.connect(), path, request);
   call.report.facts("database", {"path", "title", "analysis"},
                     {path, reply.title, analysisKindName(reply.analysisKind)});
@@ -51,12 +50,15 @@ void runSets(Call& call) {
   reportSets(reply, showMembers, call.report);
 }
 
-void runSections(Call& call) {
-  const bool showMembers = yesOrNo(call, "--members", "no");
-  const std::string& path = call.arguments.front();
+void runSections(const Call& call) {
+  const bool showMembers = isYes(call, "--members", "no|yes");
+  const std::string& path = call.path();
   const std::unique_ptr<Connection> server = call.connect();
   const SetsReply reply = readSectionSummary(*server, path);
-  if (reply.sections.empty()) throw Error(path + " does not open or has no sections");
+  if (reply.sections.empty()) {
+    readModel(*server, path, ModelScope::kNodesOnly);  // throws when the database does not open
+    throw Error(path + " has no sections with elements");
+  }
   reportMessages(reply.messages, call.report);
   call.report.begin("section", {"section", "name", "kind"});
   for (const SectionSummary& section : reply.sections) {
@@ -74,14 +76,14 @@ RegionQuery regionOf(const std::string& text) {
   }
 }
 
-void runRegions(Call& call) {
-  const bool showMembers = yesOrNo(call, "--members", "no");
-  const std::string& path = call.arguments.front();
+void runRegions(const Call& call) {
+  const bool showMembers = isYes(call, "--members", "no|yes");
+  const std::string& path = call.path();
   std::vector<RegionQuery> queries;
-  for (std::size_t i = 1; i < call.arguments.size(); ++i) {
-    queries.push_back(regionOf(call.arguments[i]));
-  }
-  const RegionsReply reply = readRegions(*call.connect(), path, queries);
+  for (std::size_t i = 1; i < call.words.size(); ++i) queries.push_back(regionOf(call.words[i]));
+  const auto server = call.connect();
+  const RegionsReply reply = readRegions(*server, path, queries);
+  requireRegions(*server, path, queries, reply.counts);
   reportMessages(reply.members.messages, call.report);
   call.report.begin("region", {"kind", "value", "name", "elements", "nodes"});
   for (const RegionCount& count : reply.counts) {

@@ -1,34 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // odb_client values: the values of one field in one frame, and their range.
+#include <algorithm>
 #include <cmath>
+#include <map>
 
-#include "base/text.h"
-#include "client/cli/cli.h"
-#include "client/field_values.h"
+#include "client/cli/explain.h"
 #include "client/small_records.h"
 
 namespace odbs::client {
-
-std::int32_t integerOf(const Call& call, const std::string& option, const char* otherwise) {
-  const std::string text = call.option(option, otherwise);
-  const std::optional<std::int64_t> value = parseInt(text);
-  if (!value || *value < INT32_MIN || *value > INT32_MAX) {
-    throw UsageError(option + " wants an integer, not \"" + text + "\"");
-  }
-  return static_cast<std::int32_t>(*value);
-}
-
-std::int32_t positionOf(const std::string& text) {
-  if (text == "centroid") return 0;
-  if (text == "element-node") return 1;
-  if (text == "stored") return 2;
-  const std::optional<std::int64_t> code = parseInt(text);
-  if (!code || *code < 0 || *code > 1000) {
-    throw UsageError("--position wants stored, element-node, centroid or a code, not \"" + text +
-                     "\"");
-  }
-  return static_cast<std::int32_t>(*code);
-}
 
 namespace {
 
@@ -45,24 +24,22 @@ void takePair(const Call& call, const std::string& option, char letter, ValuesRe
 }
 
 ValuesRequest requestOf(const Call& call) {
-  ValuesRequest request;
-  request.step = integerOf(call, "--step", "1");
-  request.frame = integerOf(call, "--frame", "0");
-  request.field = call.option("--field");
-  if (request.field.empty()) throw UsageError("--field is missing, the name of the field");
-  request.position = positionOf(call.option("--position", "stored"));
-  const std::string letter = call.option("--letter", "s");
+  auto request = requestFor<ValuesRequest>(fieldChoice(call, "stored"));
+  const std::string letter = call.option("--letter", "v");
   if (letter.size() != 1 || std::string("lsmvtbLSMVTB").find(letter) == std::string::npos) {
     throw UsageError("--letter wants one of l s m v t b or its upper case, not \"" + letter + "\"");
   }
   request.letter = letter[0];
   takePair(call, "--layers", 'g', request);
   takePair(call, "--plies", 'n', request);
-  for (const auto& [option, text] : call.options) {
-    if (option == "--region") request.regions.push_back(regionOf(text));
+  for (const std::string& text : call.arguments.values("--region")) {
+    request.regions.push_back(regionOf(text));
   }
-  request.picks[0] = integerOf(call, "--pick1", "-1");
-  request.picks[1] = integerOf(call, "--pick2", "-1");
+  const auto pick = [&call](const char* option) {
+    return static_cast<std::int32_t>(integerValue(call.arguments, option, -1, -1, INT32_MAX));
+  };
+  request.picks[0] = pick("--pick1");
+  request.picks[1] = pick("--pick2");
   return request;
 }
 
@@ -75,13 +52,13 @@ struct Place {
 // The least and greatest of one component over all blocks of one value type.
 struct Range {
   std::uint32_t valueType = 0;
-  std::uint32_t component = 0;
+  std::string component;
   std::int64_t nValues = 0;
   float least = 0, greatest = 0;
   Place leastAt, greatestAt;
 };
 
-Range& rangeFor(std::vector<Range>& ranges, std::uint32_t valueType, std::uint32_t component) {
+Range& rangeFor(std::vector<Range>& ranges, std::uint32_t valueType, const std::string& component) {
   for (Range& range : ranges) {
     if (range.valueType == valueType && range.component == component) return range;
   }
@@ -128,37 +105,93 @@ std::string placeText(const FieldValues& values, const Place& place) {
   return text;
 }
 
-void reportRanges(const FieldValues& values, Report& report) {
+// Names of a value's components, "S11", "U1", ...; conjugates come after the others. Where the
+// number does not fit the type, as with the one number of "MATRIX Sqq", they are counted.
+std::vector<std::string> componentNames(const std::string& field, const ValueBlock& block) {
+  static const std::map<std::uint32_t, std::vector<std::string>> kSuffixes{
+      {1, {""}},
+      {2, {"11", "22", "33", "12", "13", "23"}},
+      {4, {"11", "22", "33", "12"}},
+      {8, {"11", "22", "12"}},
+      {16, {"1", "2", "3"}}};
+  const std::size_t n = block.nComponents;
+  const auto row = kSuffixes.find(block.valueType);
+  std::size_t nReal = row == kSuffixes.end() ? 0 : row->second.size();
+  if (block.valueType == 16) nReal = n <= 3 ? n : n / 2;  // a vector has one to three
+  std::vector<std::string> names;
+  if (nReal == 0 || (n != nReal && n != 2 * nReal) || nReal > row->second.size()) {
+    for (std::size_t i = 1; i <= n; ++i) names.push_back(field + " " + std::to_string(i));
+    return names;
+  }
+  for (std::size_t i = 0; i < n; ++i) {
+    names.push_back(field + row->second[i % nReal] + (i < nReal ? "" : " conjugate"));
+  }
+  return names;
+}
+
+void reportRanges(const std::string& field, const FieldValues& values, Report& report) {
   std::vector<Range> ranges;
   for (const ValueBlock& block : values.blocks) {
+    const std::vector<std::string> names = componentNames(field, block);
     for (std::uint32_t k = 0; k < block.nComponents; ++k) {
-      widen(rangeFor(ranges, block.valueType, k), values, block, k);
+      widen(rangeFor(ranges, block.valueType, names[k]), values, block, k);
     }
   }
   report.begin("range",
                {"type", "component", "values", "least", "least_at", "greatest", "greatest_at"});
   for (const Range& range : ranges) {
-    report.row({valueTypeName(range.valueType), std::int64_t{range.component} + 1, range.nValues,
-                range.least, placeText(values, range.leastAt), range.greatest,
+    report.row({valueTypeName(range.valueType), range.component, range.nValues, range.least,
+                placeText(values, range.leastAt), range.greatest,
                 placeText(values, range.greatestAt)});
   }
   report.end();
 }
 
-void reportValues(const FieldValues& values, Report& report) {
-  report.begin("value", {"instance", "type", "section_point", "element", "node_or_face", "point",
-                         "components"});
+// The names of all blocks, each once.
+std::vector<std::string> allComponentNames(const std::string& field, const FieldValues& values) {
+  std::vector<std::string> all;
   for (const ValueBlock& block : values.blocks) {
+    for (const std::string& name : componentNames(field, block)) {
+      if (std::find(all.begin(), all.end(), name) == all.end()) all.push_back(name);
+    }
+  }
+  return all;
+}
+
+// Where the components of a block stand among the columns of csv; elsewhere they are as they come.
+std::vector<std::size_t> columnsOf(const std::string& field, const ValueBlock& block,
+                                   const std::vector<std::string>& columns) {
+  std::vector<std::size_t> places;
+  for (const std::string& name : componentNames(field, block)) {
+    places.push_back(static_cast<std::size_t>(std::find(columns.begin(), columns.end(), name) -
+                                              columns.begin()));
+  }
+  return places;
+}
+
+void reportValues(const std::string& field, const FieldValues& values, Report& report) {
+  const std::vector<std::string> names = allComponentNames(field, values);
+  report.begin(
+      "value",
+      {"instance", "type", "section_point", "element", "node_or_face", "point", "components"},
+      {{"components", names}});
+  for (const ValueBlock& block : values.blocks) {
+    const std::vector<std::size_t> places = columnsOf(field, block, names);
+    const bool isSpread = report.format() == Format::kCsv && block.nComponents < names.size();
     for (std::size_t i = 0; i < block.nValues; ++i) {
       const std::size_t at = block.firstValue + i;
-      const auto first = values.components.begin() +
-                         static_cast<std::ptrdiff_t>(block.firstComponent + i * block.nComponents);
+      const float* const first =
+          values.components.data() + block.firstComponent + i * block.nComponents;
+      std::vector<float> components(first, first + block.nComponents);
+      if (isSpread) {
+        components.assign(names.size(), std::nanf(""));
+        for (std::size_t k = 0; k < places.size(); ++k) components[places[k]] = first[k];
+      }
       const std::int64_t label = values.elementLabels[at];
       const std::int64_t third = values.thirdLabels[at];
       report.row({block.instance, block.head.elementType, std::int64_t{block.head.sectionPoint},
                   isNodal(block) ? -1 : label, isNodal(block) ? label : third,
-                  std::int64_t{values.integrationPoints[at]},
-                  std::vector<float>(first, first + block.nComponents)});
+                  std::int64_t{values.integrationPoints[at]}, components});
     }
   }
   report.end();
@@ -166,26 +199,25 @@ void reportValues(const FieldValues& values, Report& report) {
 
 }  // namespace
 
-void runValues(Call& call) {
+void runValues(const Call& call) {
   const ValuesRequest request = requestOf(call);
-  const std::string show = call.option("--show", "both");
-  if (show != "both" && show != "range" && show != "values") {
-    throw UsageError("--show wants both, range or values, not \"" + show + "\"");
-  }
-  const std::string& path = call.arguments.front();
-  const FieldValues values = readFieldValues(*call.connect(), path, request);
-  if (values.blocks.empty()) {
-    throw Error("no values of \"" + request.field + "\" in step " + std::to_string(request.step) +
-                ", frame " + std::to_string(request.frame) +
-                " at this position (odb_client catalogue lists what there is)");
+  const std::string show = call.choice("--show", "both|range|values");
+  if (show == "range") call.report.setMainTable("range");
+  const auto server = call.connect();
+  const FieldValues values = readFieldValues(*server, call.path(), request);
+  if (values.elementLabels.empty()) {
+    requireField(*server, call.path(), {request.step, request.frame, request.field, 0});
+    requireRegions(*server, call.path(), request.regions,
+                   readRegions(*server, call.path(), request.regions).counts);
+    failWithoutValues(*server, call.path(), request);
   }
   call.report.facts("field", {"path", "step", "frame", "field", "blocks", "values"},
-                    {path, std::int64_t{request.step}, std::int64_t{request.frame}, request.field,
-                     static_cast<std::int64_t>(values.blocks.size()),
+                    {call.path(), std::int64_t{request.step}, std::int64_t{request.frame},
+                     request.field, static_cast<std::int64_t>(values.blocks.size()),
                      static_cast<std::int64_t>(values.elementLabels.size())});
   reportMessages(values.messages, call.report);
-  if (show != "values") reportRanges(values, call.report);
-  if (show != "range") reportValues(values, call.report);
+  if (show != "values") reportRanges(request.field, values, call.report);
+  if (show != "range") reportValues(request.field, values, call.report);
 }
 
 }  // namespace odbs::client

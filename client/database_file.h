@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A look at a file that the server did not open. The protocol does not say why a database does not
+// open, so a parent on the same machine looks for itself.
+#pragma once
+
+#include <string>
+
+namespace odbs::client {
+
+// What keeps the file from being read as a database, as far as its first bytes and its size tell:
+// "there is no such file", "it is a folder", ... Never empty.
+std::string whyNotOpened(const std::string& path);
+
+}  // namespace odbs::client

@@ -2,8 +2,7 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """Shows that cmake/FindOdbSdk.cmake finds an SDK in each layout and says what is missing.
 
-The SDK is a stand-in: empty files for the configure-time cases, and four small shared libraries of
-the right names for the case that compiles, links and runs a program against the target.
+The SDK is a stand-in of empty files.
 """
 
 import os
@@ -29,43 +28,10 @@ foreach(property INTERFACE_INCLUDE_DIRECTORIES INTERFACE_COMPILE_DEFINITIONS
 endforeach()
 """
 
-LINK = """cmake_minimum_required(VERSION 3.25)
-project(link LANGUAGES CXX)
-set(CMAKE_MODULE_PATH {root}/cmake)
-find_package(OdbSdk REQUIRED)
-add_executable(uses_sdk main.cpp)
-target_link_libraries(uses_sdk PRIVATE OdbSdk::OdbSdk)
-"""
-
-SDK_PROJECT = """cmake_minimum_required(VERSION 3.25)
-project(sdk LANGUAGES CXX)
-set(CMAKE_LIBRARY_OUTPUT_DIRECTORY {lib})
-foreach(name {names})
-  file(WRITE ${{CMAKE_BINARY_DIR}}/${{name}}.cpp "int from_${{name}}() {{ return 1; }}\\n")
-  add_library(${{name}} SHARED ${{CMAKE_BINARY_DIR}}/${{name}}.cpp)
-endforeach()
-"""
-
-MAIN = """#include <odb_API.h>
-#if !defined(ABQ_LINUX) || !defined(ABQ_LNX86_64) || !defined(_LINUX_SOURCE)
-#error definitions are missing
-#endif
-template <class T> int sizeOfValue(TYPENAME T::value_type*) {{ return sizeof(T); }}
-{declarations}
-int main() {{ return {calls} - kSdkHeader; }}
-"""
-
-
 def write(path, text=""):
     os.makedirs(os.path.dirname(path), exist_ok=True)
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
-
-
-def run(*command):
-    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          check=False)
-    return done.returncode, done.stdout
 
 
 class FindOdbSdk(unittest.TestCase):
@@ -80,13 +46,14 @@ class FindOdbSdk(unittest.TestCase):
         for name in names:
             write(os.path.join(self.sdk, lib, pattern.format(name)))
 
-    def configure(self, text=LOOK, settings="", **variables):
+    def configure(self, settings="", **variables):
         source = os.path.join(self.top, "project")
-        write(os.path.join(source, "CMakeLists.txt"), text.format(root=ROOT, settings=settings))
+        write(os.path.join(source, "CMakeLists.txt"), LOOK.format(root=ROOT, settings=settings))
         variables.setdefault("ODB_SDK_ROOT", self.sdk)
-        options = [f"-D{name}={value}" for name, value in variables.items()]
-        status, output = run("cmake", "-G", "Ninja", "-S", source, "-B", os.path.join(self.top, "build"),
-                             *options)
+        done = subprocess.run(["cmake", "-G", "Ninja", "-S", source, "-B", f"{self.top}/build",
+                               *(f"-D{name}={value}" for name, value in variables.items())],
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+        status, output = done.returncode, done.stdout
         properties = dict(line[3:].split("=", 1) for line in output.splitlines()
                           if line.startswith("-- INTERFACE_"))
         names = [os.path.basename(path)
@@ -95,15 +62,14 @@ class FindOdbSdk(unittest.TestCase):
 
     def testBothFamiliesOfLibraryNamesAreFound(self):
         for names in (NEW, OLD):
-            with self.subTest(names=names):
-                self.makeSdk(names)
-                status, output, properties, found = self.configure()
-                self.assertEqual(0, status, output)
-                self.assertEqual([f"lib{name}.so" for name in names], found)
-                self.assertEqual(os.path.join(self.sdk, "code/include"),
-                                 properties["INTERFACE_INCLUDE_DIRECTORIES"])
-                self.assertEqual("TYPENAME=typename;_LINUX_SOURCE;ABQ_LINUX;ABQ_LNX86_64",
-                                 properties["INTERFACE_COMPILE_DEFINITIONS"])
+            self.makeSdk(names)
+            status, output, properties, found = self.configure()
+            self.assertEqual(0, status, output)
+            self.assertEqual([f"lib{name}.so" for name in names], found)
+            self.assertEqual(os.path.join(self.sdk, "code/include"),
+                             properties["INTERFACE_INCLUDE_DIRECTORIES"])
+            self.assertEqual("TYPENAME=typename;_LINUX_SOURCE;ABQ_LINUX;ABQ_LNX86_64",
+                             properties["INTERFACE_COMPILE_DEFINITIONS"])
             self.sdk = os.path.join(self.top, "old_sdk")
 
     def testOptionalLibrariesAreLinkedWhenTheyAreThere(self):
@@ -137,37 +103,17 @@ class FindOdbSdk(unittest.TestCase):
                          properties["INTERFACE_COMPILE_DEFINITIONS"])
 
     def testWhatIsMissingIsNamed(self):
-        status, output, _, _ = self.configure(ODB_SDK_ROOT="")
-        self.assertNotEqual(0, status)
-        self.assertIn("-DODB_SDK_ROOT=DIR", output)
+        def output(**variables):
+            status, text, _, _ = self.configure(**variables)
+            self.assertNotEqual(0, status)
+            return text
+        self.assertIn("-DODB_SDK_ROOT=DIR", output(ODB_SDK_ROOT=""))
         self.makeSdk(NEW[:3])
-        status, output, _, _ = self.configure()
-        self.assertNotEqual(0, status)
-        self.assertIn("ABQSMAOdbCoreGeom", output)
-        self.assertNotIn("ABQSMAOdbApi or", output)
+        self.assertIn("ABQSMAOdbCoreGeom", output())
+        self.assertNotIn("ABQSMAOdbApi or", output())
         self.sdk = os.path.join(self.top, "without_headers")
         self.makeSdk(NEW, include="elsewhere")
-        status, output, _, _ = self.configure()
-        self.assertNotEqual(0, status)
-        self.assertIn("OdbSdk_INCLUDE_DIR", output)
-
-    def testAProgramCompilesLinksAndRunsAgainstTheTarget(self):
-        write(os.path.join(self.sdk, "code/include/odb_API.h"), "enum { kSdkHeader = 4 };\n")
-        maker = os.path.join(self.top, "maker")
-        write(os.path.join(maker, "CMakeLists.txt"),
-              SDK_PROJECT.format(lib=os.path.join(self.sdk, "code/lib"), names=" ".join(NEW)))
-        made = os.path.join(self.top, "made")
-        for command in (["cmake", "-G", "Ninja", "-S", maker, "-B", made], ["cmake", "--build", made]):
-            status, output = run(*command)
-            self.assertEqual(0, status, output)
-        write(os.path.join(self.top, "project", "main.cpp"), MAIN.format(
-            declarations="".join(f"int from_{name}();\n" for name in NEW),
-            calls=" + ".join(f"from_{name}()" for name in NEW)))
-        status, output, _, _ = self.configure(text=LINK)
-        self.assertEqual(0, status, output)
-        status, output = run("cmake", "--build", os.path.join(self.top, "build"))
-        self.assertEqual(0, status, output)
-        self.assertEqual(0, run(os.path.join(self.top, "build", "uses_sdk"))[0])
+        self.assertIn("OdbSdk_INCLUDE_DIR", output())
 
 
 if __name__ == "__main__":

@@ -126,6 +126,13 @@ class Client(unittest.TestCase):
                 self.assertEqual((1, ""), (status, out), name)
                 self.assertIn(message, err)
 
+    def testTablesShowWhatThereIs(self):
+        for request, piece in (("catalogue", "integration point"), ("sets", "CENTRE"),
+                               ("catalogue --listing nodal --frames every", "Spatial displacement"),
+                               ("values --field U --show range", "node 2"), ("model", "S8R")):
+            command, *options = request.split()
+            self.assertIn(piece, run("odb_client", command, self.plate, *options)[1])
+
     def testCsvIsOneTableWithAColumnForEachComponent(self):
         def table(*words):
             status, out, err = run("odb_client", *words, "--format", "csv")
@@ -145,6 +152,7 @@ class Client(unittest.TestCase):
         self.assertEqual("140000", table("model", self.plate, "--table", "material")[0]["value_1"])
         for command in ("catalogue", "history", "sets", "sections"):
             table(command, self.plate)
+        self.assertIn("value", table("history", self.plate, "--region", "all")[0])
 
 
 if __name__ == "__main__":

@@ -6,7 +6,6 @@
 
 #include <filesystem>
 
-#include "client/model.h"
 #include "client/small_records.h"
 
 namespace odbs::client::test {
@@ -77,17 +76,6 @@ TEST_F(ConnectionTest, GivesUpOnASilentServer) {
   EXPECT_EQ(server.end(50), -1);  // had to be killed
 }
 
-TEST_F(ConnectionTest, ReportsTheExitStatusOfAServerThatEndsInsteadOfAnswering) {
-  server.send("e 7");
-  Record record;
-  try {
-    server.next(record);
-    FAIL() << "an answer from a server that ended";
-  } catch (const ServerEnded& error) {
-    EXPECT_EQ(error.exitStatus(), 7);
-  }
-}
-
 TEST_F(ConnectionTest, ReportsARecordCutShortByTheServersEnd) {
   server.sendBytes("x 09 00 48 01 00\ne 3\n", {});
   Record record;
@@ -100,19 +88,6 @@ TEST_F(ConnectionTest, ReportsARecordCutShortByTheServersEnd) {
   }
 }
 
-TEST_F(ConnectionTest, ReportsAKilledServer) {
-  server.send("s 60000");
-  server.kill();
-  Record record;
-  try {
-    server.next(record);
-    FAIL() << "an answer from a killed server";
-  } catch (const ServerEnded& error) {
-    EXPECT_EQ(error.exitStatus(), 137);
-  }
-  EXPECT_THROW(server.send("p"), std::logic_error);
-}
-
 TEST_F(ConnectionTest, ReportsDamagedFramesWithTheirPlace) {
   server.send("x 01 00 49 00 00 01 00 7e");
   Record record;
@@ -123,14 +98,6 @@ TEST_F(ConnectionTest, ReportsDamagedFramesWithTheirPlace) {
   } catch (const MalformedRecord& error) {
     EXPECT_EQ(error.offset(), 3u);
   }
-}
-
-TEST_F(ConnectionTest, TakesTheAcknowledgementAloneAsADatabaseThatDoesNotOpen) {
-  server.sendBytes("x 01 00 7e\n", replyRule("g"));
-  server.drain();
-  // The fake server answers "g 01 00 7e" by these bytes, which stand for the path here.
-  EXPECT_THROW(readModel(server, "01 00 7e"), DatabaseNotOpened);
-  EXPECT_EQ(tags("x 01 00 7e"), "");
 }
 
 TEST_F(ConnectionTest, EndsTheServerByClosingThePipesAndKillsWhatStays) {

@@ -57,30 +57,6 @@ TEST(RecordStream, CarriesRecordsOfTheLargestSizeAcrossTheEndOfItsBuffer) {
   EXPECT_EQ(nTaken, 20);
 }
 
-TEST(RecordStream, RefusesAFrameOfLengthZeroAndSaysWhere) {
-  RecordStream stream;
-  put(stream, frame("I") + std::string(2, '\0'));
-  Record record;
-  ASSERT_TRUE(stream.take(record));
-  try {
-    stream.take(record);
-    FAIL() << "a frame of length 0 was taken";
-  } catch (const MalformedRecord& error) {
-    EXPECT_EQ(error.offset(), 3u);
-  }
-}
-
-TEST(CommandRules, TellHowEachReplyEnds) {
-  for (const char* line : {"C", "D 1 2 3 S", "d", "ho 3", "hb NAME", "irc 1 2 X", "q"}) {
-    EXPECT_EQ(replyRule(line).end, ReplyEnd::kNone) << line;
-  }
-  for (const char* line : {"", "g f", "G f", "hi f", "hr 1 f", "h", "ir", "irf f", "is", "p", "x",
-                           "a 3", "b 1", "c f", "l", "M 1 2", "m 1 2", "T f", "v 1"}) {
-    EXPECT_EQ(replyRule(line).end, ReplyEnd::kAcknowledged) << line;
-  }
-  EXPECT_EQ(replyRule("u f").end, ReplyEnd::kUpgradeCheck);
-}
-
 TEST(CommandRules, CountTheBytesOfTheRawTest) {
   EXPECT_EQ(replyRule("M 3 40950").nRawBytes, 122850u);
   EXPECT_EQ(replyRule("M 100000 100000").nRawBytes, 10000000000u);

@@ -9,24 +9,17 @@
 #include <algorithm>
 #include <random>
 
+#include "tests/support/sequences.h"
+
 namespace odbs::client::test {
 
 namespace {
 
-template <typename Sequence, typename Items>
-Sequence sequenceOf(const Items& items) {
-  Sequence sequence;
-  for (const auto& item : items) sequence.append(item);
-  return sequence;
-}
-
-odb_SequenceInt ints(const std::vector<int>& values) {
-  return sequenceOf<odb_SequenceInt>(values);
-}
-
-odb_SequenceFloat floats(const std::vector<float>& values) {
-  return sequenceOf<odb_SequenceFloat>(values);
-}
+using tests::doubleRows;
+using tests::floatRows;
+using tests::floats;
+using tests::ints;
+using tests::rows;
 
 // Writes one random model; what it writes it also notes in `expected`.
 class RandomModel {
@@ -77,14 +70,11 @@ class RandomModel {
       Material noted;
       noted.name = name;
       const double modulus = 1000 * (1 + upTo(200));
-      odb_SequenceSequenceDouble elastic, density;
-      elastic.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{modulus, 0.3}));
-      density.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{7.8e-9}));
-      material.Elastic(elastic);
+      material.Elastic(doubleRows({{modulus, 0.3}}));
       noted.elastic.emplace().type = "ISOTROPIC";
       noted.elastic->values = {static_cast<float>(modulus), 0.3f, 0, 0, 0, 0};
       if (upTo(1) == 1) {
-        material.Density(density);
+        material.Density(doubleRows({{7.8e-9}}));
         noted.density = 7.8e-9f;
       }
       expected_.materials.push_back(noted);
@@ -203,21 +193,13 @@ odb_Odb& makeRod(const std::string& path) {
   odb_MaterialApi materials;
   odb.extendApi(odb_Enum::odb_SECTION, sections);
   odb.extendApi(odb_Enum::odb_MATERIAL, materials);
-  odb_SequenceSequenceDouble elastic, density;
-  elastic.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{210000, 0.3}));
-  density.append(sequenceOf<odb_SequenceDouble>(std::vector<double>{7.8e-9}));
   odb_Material& steel = materials.Material("STEEL");
-  steel.Elastic(elastic);
-  steel.Density(density);
+  steel.Elastic(doubleRows({{210000, 0.3}}));
+  steel.Density(doubleRows({{7.8e-9}}));
 
   odb_Part& part = odb.Part("ROD", odb_Enum::TWO_D_PLANAR, odb_Enum::DEFORMABLE_BODY);
-  odb_SequenceSequenceFloat coordinates;
-  coordinates.append(floats({0, 0}));
-  coordinates.append(floats({100, 0}));
-  part.addNodes(ints({1, 2}), coordinates);
-  odb_SequenceSequenceInt connectivity;
-  connectivity.append(ints({1, 2}));
-  part.addElements(ints({7}), connectivity, "T2D2", "ALL");
+  part.addNodes(ints({1, 2}), floatRows({{0, 0}, {100, 0}}));
+  part.addElements(ints({7}), rows({{1, 2}}), "T2D2", "ALL");
   odb_Instance& instance = odb.rootAssembly().Instance("ROD-1", part);
   instance.assignSection(instance.elementSets()["ALL"],
                          sections.TrussSection("Section-ROD", "STEEL"));
@@ -241,68 +223,20 @@ void writeBrokenRod(const std::string& path) {
   odb_Step& step = odb.Step("Break", "", odb_Enum::TIME, 1, "", "*DYNAMIC");
   step.Frame(0, 0, "");
   odb_Frame frame = step.Frame(1, 1, "");
-  odb_SequenceSequenceFloat displacements, rotations, status;
-  for (const float label : {1.0F, 2.0F}) {
-    displacements.append(floats({label, label / 2}));
-    rotations.append(floats({label / 4}));
-  }
-  status.append(floats({0}));
   frame.FieldOutput("U", "", odb_Enum::VECTOR)
-      .addData(odb_Enum::NODAL, instance, ints({1, 2}), displacements);
+      .addData(odb_Enum::NODAL, instance, ints({1, 2}), floatRows({{1, 0.5F}, {2, 1}}));
   frame.FieldOutput("UR", "", odb_Enum::VECTOR)
-      .addData(odb_Enum::NODAL, instance, ints({1, 2}), rotations);
+      .addData(odb_Enum::NODAL, instance, ints({1, 2}), floatRows({{0.25F}, {0.5F}}));
   frame.FieldOutput("STATUS", "", odb_Enum::SCALAR)
-      .addData(odb_Enum::WHOLE_ELEMENT, instance, ints({7}), status);
-  saveAndClose(odb);
-}
-
-void writeResults(const std::string& path) {
-  odb_Odb& odb = Odb("results", "Results", "", path.c_str());
-  odb_Part& part = odb.Part("ROW", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
-  std::vector<int> nodes, elements;
-  odb_SequenceSequenceFloat coordinates, displacements, strains, conjugates;
-  odb_SequenceSequenceInt connectivity;
-  for (int i = 0; i <= kNTrusses; ++i) {
-    nodes.push_back(i + 1);
-    const float label = static_cast<float>(i + 1);
-    coordinates.append(floats({label, 0, 0}));
-    displacements.append(floats({label, label / 2, 0}));
-    if (i == kNTrusses) break;
-    elements.push_back(i + 1);
-    connectivity.append(ints({i + 1, i + 2}));
-    strains.append(floats({label}));
-    conjugates.append(floats({-label}));
-  }
-  part.addNodes(ints(nodes), coordinates);
-  part.addElements(ints(elements), connectivity, "T3D2");
-  odb_Instance& instance = odb.rootAssembly().Instance("ROW-1", part);
-  odb_Step& step = odb.Step("Pull", "Pulled", odb_Enum::FREQUENCY, 1, "", "*STEADY STATE");
-  for (int i = 0; i < 2; ++i) {
-    odb_Frame frame = step.Frame(i, static_cast<float>(i), "");
-    frame.FieldOutput("U", "Displacement", odb_Enum::VECTOR)
-        .addData(odb_Enum::NODAL, instance, ints(nodes), displacements);
-    frame.FieldOutput("E", "Strain", odb_Enum::SCALAR)
-        .addData(odb_Enum::INTEGRATION_POINT, instance, ints(elements), strains, odb_SectionPoint(),
-                 odb_SequenceSequenceFloat(), conjugates);
-  }
-  odb_HistoryRegion& region =
-      step.HistoryRegion("Node ROW-1.1", "", odb_HistoryPoint(instance.getNodeFromLabel(1)));
-  odb_HistoryOutput& output = region.HistoryOutput("U1", "Displacement");
-  for (int t = 0; t < 5; ++t) output.addData(t, t * t);
+      .addData(odb_Enum::WHOLE_ELEMENT, instance, ints({7}), floatRows({{0}}));
   saveAndClose(odb);
 }
 
 void writeFailures(const std::string& path) {
   odb_Odb& odb = Odb("failures", "Failures", "", path.c_str());
   odb_Part& part = odb.Part("ROW", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
-  odb_SequenceSequenceFloat coordinates;
-  odb_SequenceSequenceInt connectivity;
-  for (int i = 1; i <= 4; ++i) {
-    coordinates.append(floats({static_cast<float>(i), 0, 0}));
-    if (i < 4) connectivity.append(ints({i, i + 1}));
-  }
-  part.addNodes(ints({1, 2, 3, 4}), coordinates);
-  part.addElements(ints({1, 2, 3}), connectivity, "T3D2");
+  part.addNodes(ints({1, 2, 3, 4}), floatRows({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}}));
+  part.addElements(ints({1, 2, 3}), rows({{1, 2}, {2, 3}, {3, 4}}), "T3D2");
   odb_Instance* const instances[] = {&odb.rootAssembly().Instance("A", part),
                                      &odb.rootAssembly().Instance("B", part)};
   odb_Step& step = odb.Step("Pull", "", odb_Enum::TIME, 2, "", "*DYNAMIC");

@@ -17,12 +17,6 @@ void writeRod(const std::string& path);
 // characters, sections of several kinds, and materials. The same seed gives the same model.
 Model writeRandomModel(const std::string& path, std::uint32_t seed);
 
-// A row of trusses, labels from 1, with two frames of results: "U" at the nodes, (label, label / 2,
-// 0); "E" at the one point of each element, the label and, as conjugate, its negative; and a
-// history "U1" of node 1, value t * t at times 0 to 4.
-constexpr int kNTrusses = 700;
-void writeResults(const std::string& path);
-
 // The rod of docs/protocol.md breaks: in frame 1 of its step, at time 1, it has "U" and "UR" at
 // both nodes, (label, label / 2) and (0.25 label), and its element's "STATUS" is 0.
 void writeBrokenRod(const std::string& path);

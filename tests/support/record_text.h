@@ -8,6 +8,7 @@
 // Written independently of the server's and the client's own encoding.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>

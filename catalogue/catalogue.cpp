@@ -9,7 +9,6 @@
 
 #include "catalogue/cache_file.h"
 #include "catalogue/field_descriptor.h"
-#include "server/channel.h"
 #include "server/server_state.h"
 #include "server/shutdown.h"
 
@@ -31,18 +30,6 @@ int selectorOf(const FieldDescriptor& d, CatalogueListing listing) {
   }
   return 0;
 }
-
-// Sends what was listed, whichever way the command ends.
-class FlushAtEnd {
- public:
-  explicit FlushAtEnd(int outputFd) : outputFd_(outputFd) {}
-  ~FlushAtEnd() { flushOutput(outputFd_); }
-  FlushAtEnd(const FlushAtEnd&) = delete;
-  FlushAtEnd& operator=(const FlushAtEnd&) = delete;
-
- private:
-  int outputFd_;
-};
 
 class ListingWalk {
  public:
@@ -70,14 +57,12 @@ class ListingWalk {
     const int nFrames = frames.size();
     if (nFrames == 0) return;
     const bool everyFrame = serverState.catalogueMode == CatalogueMode::kEveryFrame;
-    flushOutput(outputFd_);  // no record waits for the database
     Descriptors covered;
     if (!everyFrame)
       covered = coveredByEnds(stepNumber, frames[0], frames[nFrames - 1], nFrames - 1);
     for (int i = 0; i < nFrames; ++i) {
       const odb_Frame frame = frames[i];
       if (everyFrame) {
-        flushOutput(outputFd_);
         covered = coveredBy(frameDescriptors(name_, stepNumber, i, frame));
         frames.release(i);
       }
@@ -146,7 +131,6 @@ class ListingWalk {
 }  // namespace
 
 void sendCatalogue(odb_Odb& odb, int outputFd, CatalogueListing listing) {
-  const FlushAtEnd flush(outputFd);
   CacheKey key;
   key.databasePath = odb.path().CStr();
   key.databaseStatus = port::fileStatus(key.databasePath);

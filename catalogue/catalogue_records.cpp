@@ -18,6 +18,12 @@ constexpr unsigned char kComponentsTag = 16;
 
 constexpr std::size_t kStepTextBytes = 199;
 
+void sendText(int outputFd, unsigned char tag, std::string_view text) {
+  beginRecord(tag);
+  putText(text);
+  sendDirect(outputFd);
+}
+
 }  // namespace
 
 std::string stepText(std::string_view name, std::string_view description) {
@@ -27,25 +33,25 @@ std::string stepText(std::string_view name, std::string_view description) {
   return text;
 }
 
-// Title record.
+// Title record, direct.
 //   offset  size  content
 //   0       1     01
 //   1       4+n   text: analysis title
 void sendTitle(int outputFd, std::string_view title) {
-  sendTextRecord(outputFd, kTitleTag, title);
+  sendText(outputFd, kTitleTag, title);
 }
 
-// Analysis record.
+// Analysis record, direct.
 //   offset  size  content
 //   0       1     02
 //   1       4     analysis code less one
 void sendAnalysisKind(int outputFd, int analysisCodeLessOne) {
   beginRecord(kAnalysisTag);
   putI32(analysisCodeLessOne);
-  appendRecord(outputFd);
+  sendDirect(outputFd);
 }
 
-// Step record.
+// Step record, direct.
 //   offset  size  content
 //   0       1     0C
 //   1       4     step number, from 1
@@ -56,18 +62,18 @@ void sendStep(int outputFd, const CatalogueEntry& entry) {
   putI32(entry.stepNumber);
   putF64(entry.totalTime);
   putText(entry.stepText);
-  appendRecord(outputFd);
+  sendDirect(outputFd);
 }
 
-// Procedure record.
+// Procedure record, direct.
 //   offset  size  content
 //   0       1     0D
 //   1       4+n   text: procedure
 void sendProcedure(int outputFd, const CatalogueEntry& entry) {
-  sendTextRecord(outputFd, kProcedureTag, entry.procedure);
+  sendText(outputFd, kProcedureTag, entry.procedure);
 }
 
-// Field record.
+// Field record, direct.
 //   offset  size  content
 //   0       1     0E
 //   1       4+n   text: name
@@ -76,10 +82,10 @@ void sendField(int outputFd, const CatalogueEntry& entry) {
   beginRecord(kFieldTag);
   putText(entry.fieldName, 4);
   putText(entry.fieldDescription);
-  appendRecord(outputFd);
+  sendDirect(outputFd);
 }
 
-// Components record.
+// Components record, direct.
 //   offset  size  content
 //   0       1     10
 //   1       ...   text, for each component: its label
@@ -87,10 +93,10 @@ void sendComponents(int outputFd, const CatalogueEntry& entry) {
   if (entry.componentLabels.empty()) return;
   beginRecord(kComponentsTag);
   for (const std::string& label : entry.componentLabels) putText(label);
-  appendRecord(outputFd);
+  sendDirect(outputFd);
 }
 
-// Frame record.
+// Frame record, direct.
 //   offset  size  content
 //   0       1     0F
 //   1       4     frame index, from 0
@@ -111,7 +117,7 @@ void sendFrame(int outputFd, const CatalogueEntry& entry) {
   putI32(entry.complex);
   for (const int number : entry.classification) putI32(number);
   putText(entry.frameDescription);
-  appendRecord(outputFd);
+  sendDirect(outputFd);
 }
 
 }  // namespace odbs

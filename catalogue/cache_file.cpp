@@ -4,13 +4,14 @@
 
 #include <zlib.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <deque>
 #include <string_view>
 
+#include "base/bytes.h"
 #include "base/text.h"
 #include "catalogue/cache_reader.h"
 #include "server/shutdown.h"
@@ -26,30 +27,8 @@ constexpr std::size_t kPendingBytes = 1u << 16;
 // With its line feed it is a line that the reader takes at once.
 constexpr std::size_t kLongestText = CacheReader::kLongestLine - 1;
 
-// Stand-ins for line breaks inside a text, which would shift every line after it.
-constexpr char kStandInForLineFeed = '\x0B';
-constexpr char kStandInForReturn = '\x0C';
-
 std::int32_t sizeIn32Bits(std::int64_t size) {
   return static_cast<std::int32_t>(size);  // Contract: large sizes are compared by their low bits.
-}
-
-// One line of a text: cut where the reader's buffer ends, free of line breaks.
-std::string asLine(const std::string& text) {
-  std::string line = text.substr(0, std::min(text.find('\0'), kLongestText));
-  for (char& c : line) {
-    if (c == '\n') c = kStandInForLineFeed;
-    if (c == '\r') c = kStandInForReturn;
-  }
-  return line;
-}
-
-// The text that a line stands for.
-std::string withLineBreaks(std::string_view line) {
-  std::string text(line);
-  std::replace(text.begin(), text.end(), kStandInForLineFeed, '\n');
-  std::replace(text.begin(), text.end(), kStandInForReturn, '\r');
-  return text;
 }
 
 std::string upToLineEnd(const std::string& text) {
@@ -149,7 +128,7 @@ class EntryReplay {
       entry.componentLabels.clear();
       for (int i = 0; i < nLabels; ++i) {
         if (!reader_.take(line)) return Outcome::kEnd;
-        if (i < kMostLabels) entry.componentLabels.push_back(withLineBreaks(line));
+        if (i < kMostLabels) entry.componentLabels.emplace_back(line);
       }
       sendComponents(outputFd_, entry);
     }
@@ -180,7 +159,7 @@ class EntryReplay {
   bool takeText(std::string& text) {
     std::string_view line;
     if (!reader_.take(line)) return false;
-    text = withLineBreaks(line);
+    text = line;
     return true;
   }
 
@@ -200,7 +179,7 @@ bool replayBody(CacheReader& reader, CatalogueListing listing, int outputFd) {
   std::string_view title;
   int number = 0;
   if (!reader.take(title)) return true;
-  sendTitle(outputFd, withLineBreaks(title));
+  sendTitle(outputFd, title);
   if (!reader.take(number)) return true;
   sendAnalysisKind(outputFd, number);
   EntryReplay replay(reader, listing, outputFd);
@@ -230,34 +209,50 @@ Replay replayCache(const std::string& path, const CacheKey& key, CatalogueListin
                    int outputFd) {
   CacheReader reader(path);
   if (!reader.isOpen()) return Replay::kNoCache;
-  const Header header = checkHeader(reader, key);
+  Header header = checkHeader(reader, key);
+  if (header != Header::kStale && reader.isDamaged()) header = Header::kStale;
   if (header == Header::kCutShort) return Replay::kServed;
-  if (header == Header::kFits && replayBody(reader, listing, outputFd)) return Replay::kServed;
+  // The look at the whole file has gone back to its beginning.
+  if (header == Header::kFits && checkHeader(reader, key) == Header::kFits &&
+      replayBody(reader, listing, outputFd)) {
+    return Replay::kServed;
+  }
   reader.close();
-  port::removeFile(path);
+  // A link to a file can be read, but it is not ours to delete.
+  if (!port::isTakenByOther(path)) port::removeFile(path);
   return Replay::kStale;
 }
 
-// The open stream, the names of its files, and lines on their way to it.
+// The open stream, the names of its files, and lines on their way to it. Lines are gathered, not
+// written by `gzprintf` each: that refuses texts that are longer than zlib's buffer.
 struct CacheWriter::Stream {
   std::string path;
   std::string temporary;
   std::string lock;
   gzFile file = nullptr;
+  int fd = -1;  // the stream's
   std::string pending;
-  bool isWhole = true;  // every write succeeded so far
+  bool isWhole = true;  // every write succeeded so far, and every line reads back as it was
 
   void line(std::string_view text) {
+    if (!isWhole) return;
     pending += text;
     pending += '\n';
     if (pending.size() >= kPendingBytes) write();
   }
-  void text(const std::string& value) { line(asLine(value)); }
+  // A text of several lines, or one that the reader would cut, has no place in the file.
+  void text(const std::string& value) {
+    if (value.size() > kLongestText || value.find_first_of("\r\n") != std::string::npos) {
+      isWhole = false;
+    }
+    line(value);
+  }
   void integer(long long value) { line(std::to_string(value)); }
   // 21 significant digits: more than a double needs to be read back the same.
   void real(double value) {
     char digits[40];
     const int n = std::snprintf(digits, sizeof digits, "%.20E", value);
+    if (!std::isfinite(value)) isWhole = false;  // a NaN has more forms than the digits tell
     line({digits, static_cast<std::size_t>(n)});
   }
   void write() {
@@ -265,38 +260,55 @@ struct CacheWriter::Stream {
     if (gzwrite(file, pending.data(), static_cast<unsigned>(pending.size())) == 0) isWhole = false;
     pending.clear();
   }
+  // Writes what is left and makes it durable, so that the name never belongs to half a file.
+  bool complete() {
+    write();
+    if (!isWhole || gzflush(file, Z_FINISH) != Z_OK) return false;
+    unsigned char length[CacheReader::kLengthBytes];
+    putU32(length, static_cast<std::uint32_t>(port::descriptorStatus(fd).size));
+    return port::writeAt(fd, CacheReader::kLengthOffset, length, sizeof length) &&
+           port::syncDescriptor(fd);
+  }
 };
 
+namespace {
+
+// The temporary file, made and locked; -1 when another server is at work, or the folder refuses.
+// It is made before the lock, and what somebody left under its name without a lock goes first.
+int createUnderLock(const std::string& temporary, const std::string& lock) {
+  if (port::fileStatus(lock).exists) return -1;
+  port::removeUnclaimed(temporary);
+  const int fd = port::createClaimed(temporary);
+  if (fd < 0) return -1;
+  if (port::createExclusively(lock)) return fd;
+  port::discardClaimed(fd, temporary);
+  return -1;
+}
+
+}  // namespace
+
 CacheWriter::CacheWriter(const std::string* path, const CacheKey& key) {
-  if (!path) return;
+  if (!path || port::isTakenByOther(*path)) return;
   auto stream = std::make_unique<Stream>();
   stream->path = *path;
   stream->temporary = cacheTemporaryName(*path);
   stream->lock = cacheLockName(*path);
-  {
-    const CacheGuard guard;
-    if (port::fileStatus(stream->lock).exists) return;
-    // The temporary file is opened before the lock is ours and emptied after it is: two servers
-    // that start together cannot cut each other's file.
-    const int fd = port::openForWriting(stream->temporary);
-    if (fd < 0) return;
-    if (!port::createExclusively(stream->lock)) {
-      port::closeDescriptor(fd);
-      return;
-    }
-    port::truncateFile(fd);
-    stream->file = gzdopen(fd, "wb");
-    if (!stream->file) {
-      port::closeDescriptor(fd);
-      port::removeFile(stream->lock);
-      return;
-    }
-    registerCacheStream(fd);
-  }
   stream->line(std::string(kVersion) + '\r' + (key.everyFrame ? kEveryFrameMark : kLastFrameMark));
   stream->text(key.databasePath);
   stream->integer(key.databaseStatus.modificationTime);
   stream->integer(sizeIn32Bits(key.databaseStatus.size));
+  {
+    const CacheGuard guard;
+    stream->fd = createUnderLock(stream->temporary, stream->lock);
+    if (stream->fd < 0) return;
+    stream->file = gzdopen(stream->fd, "wb");
+    if (!stream->file) {
+      port::discardClaimed(stream->fd, stream->temporary);
+      port::removeFile(stream->lock);
+      return;
+    }
+    registerCacheStream(stream->fd);
+  }
   stream_ = std::move(stream);
 }
 
@@ -338,19 +350,26 @@ void CacheWriter::entry(const CatalogueEntry& entry, CatalogueListing listing) {
 
 void CacheWriter::finish() {
   if (!stream_) return;
-  stream_->write();
+  bool isWhole = stream_->complete();
+  const std::unique_ptr<Stream> stream = std::move(stream_);
   const CacheGuard guard;
-  port::removeFile(stream_->lock);
+  // Contract: the lock goes before the name is given. The file stays claimed by the second
+  // descriptor, so that another server, which finds no lock, still cannot take it away.
+  port::removeFile(stream->lock);
+  const int fd = port::duplicateDescriptor(stream->fd);
   clearCacheStream();
-  const bool isWhole = gzclose(stream_->file) == Z_OK && stream_->isWhole;
+  isWhole = gzclose(stream->file) == Z_OK && isWhole && fd >= 0;
   // A file that was cut, by a full disk say, would be replayed for good: it does not get the name.
-  int error = isWhole ? port::renameFile(stream_->temporary, stream_->path) : EIO;
-  if (error == EEXIST) {
-    port::removeFile(stream_->path);
-    error = port::renameFile(stream_->temporary, stream_->path);
+  if (!isWhole || port::isTakenByOther(stream->path)) {
+    port::discardClaimed(fd, stream->temporary);
+    return;
   }
-  if (error != 0) port::removeFile(stream_->temporary);
-  stream_.reset();
+  int error = port::renameClaimed(fd, stream->temporary, stream->path);
+  if (error == EEXIST) {
+    port::removeFile(stream->path);
+    error = port::renameFile(stream->temporary, stream->path);
+  }
+  if (error != 0) port::removeUnclaimed(stream->temporary);
 }
 
 }  // namespace odbs

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
+#include "base/bytes.h"
 #include "base/text.h"
 #include "port/port.h"
 
@@ -18,16 +20,38 @@ constexpr std::size_t kPieceBytes = 1u << 18;
 
 }  // namespace
 
-// Some systems open a folder like a file and refuse to read it; opening a pipe waits for a writer.
-CacheReader::CacheReader(const std::string& path)
-    : stream_(port::fileStatus(path).isRegular ? gzopen(path.c_str(), "rb") : nullptr),
-      bytes_(kPieceBytes + kLongestLine + 1) {
-  if (stream_) gzbuffer(stream_, kInflateBytes);
+CacheReader::CacheReader(const std::string& path) : bytes_(kPieceBytes + kLongestLine + 1) {
+  fd_ = port::openExisting(path, false);
+  if (fd_ < 0) return;
+  stream_ = gzdopen(fd_, "rb");
+  if (!stream_) {
+    port::closeDescriptor(fd_);
+    throw std::bad_alloc();
+  }
+  gzbuffer(stream_, kInflateBytes);
 }
 
 void CacheReader::close() {
   if (stream_) gzclose(stream_);
   stream_ = nullptr;
+}
+
+bool CacheReader::isDamaged() {
+  while (inflate(bytes_.data(), kPieceBytes) > 0) {
+  }
+  int error = Z_OK;
+  gzerror(stream_, &error);
+  if (error == Z_DATA_ERROR || (error == Z_BUF_ERROR && !isCut())) return true;
+  gzrewind(stream_);
+  at_ = end_ = 0;
+  atEnd_ = isBrokenOff_ = false;
+  return false;
+}
+
+bool CacheReader::isCut() const {
+  unsigned char length[kLengthBytes] = {};
+  if (port::readAt(fd_, kLengthOffset, length, sizeof length) != kLengthBytes) return true;
+  return getU32(length) != static_cast<std::uint32_t>(port::descriptorStatus(fd_).size);
 }
 
 bool CacheReader::takeFirstLine(std::string& line) {
@@ -73,7 +97,7 @@ bool CacheReader::takeRaw(std::size_t limit, std::string_view& line) {
     const std::size_t n = std::min(limit, end_ - at_);
     const char* const first = bytes_.data() + at_;
     const void* const feed = n > 0 ? std::memchr(first, '\n', n) : nullptr;
-    if (feed || n == limit || (atEnd_ && n > 0)) {
+    if (feed || n == limit || (atEnd_ && n > 0 && !isBrokenOff_)) {
       line = {first,
               feed ? static_cast<std::size_t>(static_cast<const char*>(feed) - first) + 1 : n};
       at_ += line.size();
@@ -93,9 +117,22 @@ void CacheReader::refill() {
             bytes_.begin() + static_cast<std::ptrdiff_t>(end_), bytes_.begin());
   end_ -= at_;
   at_ = 0;
-  const int n = gzread(stream_, bytes_.data() + end_, static_cast<unsigned>(kPieceBytes));
+  const int n = inflate(bytes_.data() + end_, kPieceBytes);
   if (n > 0) end_ += static_cast<std::size_t>(n);
-  atEnd_ = n <= 0;
+  if (n > 0) return;
+  atEnd_ = true;
+  int error = Z_OK;
+  gzerror(stream_, &error);
+  isBrokenOff_ = error != Z_OK;
+}
+
+// As gzread: how many bytes were put at `bytes`, 0 at the end, -1 where the file cannot be read.
+int CacheReader::inflate(char* bytes, std::size_t size) {
+  const int n = gzread(stream_, bytes, static_cast<unsigned>(size));
+  int error = Z_OK;
+  if (n < 0) gzerror(stream_, &error);
+  if (error == Z_MEM_ERROR) throw std::bad_alloc();
+  return n;
 }
 
 }  // namespace odbs

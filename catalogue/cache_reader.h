@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Takes lines from a cache file: gzip-compressed text, or plain text. Bytes are inflated in large
-// pieces.
+// pieces and lines are found in them. `gzgets` is not used: it costs several times as much a line,
+// and a NUL byte in a damaged file would hide the rest of a line from it.
+//
+// The four bytes that a gzip header has for a time hold the length of the file in ours. So a file
+// that was cut can be told from a whole one with a wrong bit, whose stream may run past its end.
 #pragma once
 
 #include <zlib.h>
@@ -13,7 +17,8 @@
 namespace odbs {
 
 // Every take function returns false when there is no further line, at the end of the file or where
-// it is damaged.
+// it cannot be read (half a line, where a compressed file was cut, is none), and throws
+// std::bad_alloc when inflating runs out of memory.
 class CacheReader {
  public:
   // Bytes of a line, with its line feed, that are taken at once; the rest of a longer one counts as
@@ -21,7 +26,11 @@ class CacheReader {
   static constexpr std::size_t kLongestLine = 9999;
   static constexpr std::size_t kLongestFirstLine = 99;
 
-  // A file that cannot be opened is no error: isOpen() tells.
+  // Where a gzip header has room for a time, and how much.
+  static constexpr int kLengthOffset = 4;
+  static constexpr int kLengthBytes = 4;
+
+  // What cannot be opened, or is no ordinary file, is no error: isOpen() tells.
   explicit CacheReader(const std::string& path);
   ~CacheReader() { close(); }
   CacheReader(const CacheReader&) = delete;
@@ -29,6 +38,12 @@ class CacheReader {
 
   bool isOpen() const { return stream_ != nullptr; }
   void close();
+
+  // Reads to the end and goes back to the beginning. True when the stream is not what was written:
+  // its check sum is wrong, or it breaks off though the file was not cut. Then the lines must not
+  // be used, not even the first ones, and no others can be taken. A file that was cut is not
+  // damaged: its lines are right as far as they go.
+  bool isDamaged();
 
   // The first line, with its carriage return.
   bool takeFirstLine(std::string& line);
@@ -62,12 +77,16 @@ class CacheReader {
  private:
   bool takeRaw(std::size_t limit, std::string_view& line);
   void refill();
+  int inflate(char* bytes, std::size_t size);
+  bool isCut() const;
 
-  gzFile stream_;
+  int fd_ = -1;  // the stream's
+  gzFile stream_ = nullptr;
   std::vector<char> bytes_;
   std::size_t at_ = 0;
   std::size_t end_ = 0;
   bool atEnd_ = false;
+  bool isBrokenOff_ = false;  // at the end: in the middle of the stream, and maybe of a line
   std::string* recorded_ = nullptr;
 };
 

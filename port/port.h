@@ -65,6 +65,10 @@ struct FileStatus {
 // The status of the file at `path`; of the file that a symbolic link names, not of the link.
 FileStatus fileStatus(const std::string& path);
 
+// True when the name is taken by something other than an ordinary file: a folder, a pipe, a device,
+// or a link, wherever it leads.
+bool isTakenByOther(const std::string& path);
+
 // Deletes a file. Returns false when it could not (also when there is none).
 bool removeFile(const std::string& path);
 
@@ -74,10 +78,6 @@ int renameFile(const std::string& from, const std::string& to);
 // Renames a file and replaces an existing target on both platforms, atomically where the system
 // can. Returns 0 or an errno value.
 int replaceFile(const std::string& from, const std::string& to);
-
-// Opens a file for binary writing, made when there is none, its present bytes kept. Returns a
-// descriptor that is not inherited, or -1.
-int openForWriting(const std::string& path);
 
 // Makes an empty file. Returns false when it exists already or cannot be made; of several processes
 // that try at once, one succeeds.
@@ -105,14 +105,14 @@ bool writeAt(int fd, std::int64_t place, const void* buffer, std::size_t size);
 // Cuts the file to `size` bytes, or fills it up with zeros. Returns false with errno set.
 bool setFileSize(int fd, std::int64_t size);
 
+// A second descriptor of the same open file, or -1.
+int duplicateDescriptor(int fd);
+
 // Makes the open file's bytes durable. Returns false with errno set.
 bool syncDescriptor(int fd);
 
 // Makes a rename within the folder of `path` durable, where a file system can.
 void syncFolderOf(const std::string& path);
-
-// Cuts the file of a descriptor to no bytes. Returns false when it cannot.
-bool truncateFile(int fd);
 
 // A file under a temporary name: deleted by the destructor, and by an interruption once
 // removeUnfinishedWhenInterrupted() was called, unless keep() was called before.
@@ -132,6 +132,27 @@ class UnfinishedFile {
   int slot_ = kUnlisted;  // in the list that an interruption goes through
   bool kept_ = false;
 };
+
+// Makes a file that does not exist yet and opens it for binary writing. It is ours while a
+// descriptor of it is open: removeUnclaimed leaves it alone. Returns a descriptor that is not
+// inherited, or -1.
+int createClaimed(const std::string& path);
+
+// Deletes an ordinary file that its writer left behind. Returns false, and touches nothing, when a
+// process still has it claimed or the name is taken by something else.
+bool removeUnclaimed(const std::string& path);
+
+// True when `path` is a name of this open file, not of another one and not of a link to it.
+bool isNameOf(const std::string& path, int fd);
+
+// Renames a file that createClaimed made, as renameFile does, unless `from` has become the name of
+// another one. The file is ours up to the renaming as far as the system lets it; no other file is
+// left under the name `to`. Closes `fd`. Returns 0 or an errno value.
+int renameClaimed(int fd, const std::string& from, const std::string& to);
+
+// Deletes the file that createClaimed made under this name, unless the name has become that of
+// another one. Closes `fd`; -1 deletes nothing.
+void discardClaimed(int fd, const std::string& path);
 
 // From now on an interruption from the keyboard, a closed terminal and a request to end (SIGINT,
 // SIGHUP, SIGTERM; console events on Windows) delete all unfinished files before they end the

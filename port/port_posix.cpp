@@ -7,6 +7,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -125,6 +126,11 @@ FileStatus descriptorStatus(int fd) {
   return ::fstat(fd, &s) == 0 ? statusOf(s) : FileStatus();
 }
 
+bool isTakenByOther(const std::string& path) {
+  struct stat s;
+  return ::lstat(path.c_str(), &s) == 0 && !S_ISREG(s.st_mode);
+}
+
 bool removeFile(const std::string& path) {
   return ::unlink(path.c_str()) == 0;
 }
@@ -135,10 +141,6 @@ int renameFile(const std::string& from, const std::string& to) {
 
 int replaceFile(const std::string& from, const std::string& to) {
   return renameFile(from, to);
-}
-
-int openForWriting(const std::string& path) {
-  return ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
 }
 
 bool createExclusively(const std::string& path) {
@@ -192,6 +194,10 @@ bool setFileSize(int fd, std::int64_t size) {
   return ::ftruncate(fd, static_cast<off_t>(size)) == 0;
 }
 
+int duplicateDescriptor(int fd) {
+  return ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
+}
+
 bool syncDescriptor(int fd) {
   return ::fsync(fd) == 0;
 }
@@ -206,16 +212,56 @@ void syncFolderOf(const std::string& path) {
   ::close(fd);
 }
 
-bool truncateFile(int fd) {
-  return ::ftruncate(fd, 0) == 0;
-}
-
 bool syncFile(const std::string& path) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
   const bool done = ::fsync(fd) == 0;
   ::close(fd);
   return done;
+}
+
+// The lock goes with the last descriptor, also when the process is killed. Where a file system has
+// no locks (errno is not EWOULDBLOCK then), creating exclusively has to do.
+int createClaimed(const std::string& path) {
+  const int fd = openNew(path);
+  if (fd < 0 || ::flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return fd;
+  ::close(fd);  // somebody took it for left behind, in the moment before it was locked
+  errno = EEXIST;
+  return -1;
+}
+
+// Between the look at the name and its deletion only a holder of the lock may touch it: us.
+bool removeUnclaimed(const std::string& path) {
+  if (isTakenByOther(path)) return false;
+  const int fd = openExisting(path, false);
+  if (fd < 0) return false;
+  const bool removed =
+      ::flock(fd, LOCK_EX | LOCK_NB) == 0 && isNameOf(path, fd) && removeFile(path);
+  ::close(fd);
+  return removed;
+}
+
+bool isNameOf(const std::string& path, int fd) {
+  struct stat named, opened;
+  return ::lstat(path.c_str(), &named) == 0 && ::fstat(fd, &opened) == 0 &&
+         named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+}
+
+int renameClaimed(int fd, const std::string& from, const std::string& to) {
+  int error = isNameOf(from, fd) ? renameFile(from, to) : ENOENT;
+  // Whoever deletes files without asking may have let another writer in since the look at the name.
+  if (error == 0 && !isNameOf(to, fd)) {
+    removeFile(to);
+    error = ENOENT;
+  }
+  ::close(fd);
+  return error;
+}
+
+void discardClaimed(int fd, const std::string& path) {
+  if (fd < 0) return;
+  if (isNameOf(path, fd)) removeFile(path);
+  ::close(fd);
 }
 
 namespace {

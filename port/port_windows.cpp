@@ -112,6 +112,14 @@ FileStatus descriptorStatus(int fd) {
   return ::_fstat64(fd, &s) == 0 ? statusOf(s) : FileStatus();
 }
 
+bool isTakenByOther(const std::string& path) {
+  constexpr DWORD kOthers =
+      FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_REPARSE_POINT;
+  const DWORD attributes = ::GetFileAttributesA(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+  return (attributes & kOthers) != 0 || !fileStatus(path).isRegular;  // the latter for "NUL", "CON"
+}
+
 bool removeFile(const std::string& path) {
   return ::_unlink(path.c_str()) == 0;
 }
@@ -125,11 +133,6 @@ int replaceFile(const std::string& from, const std::string& to) {
     return 0;
   }
   return ::GetLastError() == ERROR_FILE_NOT_FOUND ? ENOENT : EACCES;
-}
-
-int openForWriting(const std::string& path) {
-  return ::_open(path.c_str(), _O_WRONLY | _O_CREAT | _O_BINARY | _O_NOINHERIT,
-                 _S_IREAD | _S_IWRITE);
 }
 
 bool createExclusively(const std::string& path) {
@@ -241,15 +244,15 @@ bool setFileSize(int fd, std::int64_t size) {
   return error == 0;
 }
 
+int duplicateDescriptor(int fd) {
+  return ::_dup(fd);
+}
+
 bool syncDescriptor(int fd) {
   return ::_commit(fd) == 0;
 }
 
 void syncFolderOf(const std::string&) {}  // replaceFile writes through
-
-bool truncateFile(int fd) {
-  return ::_chsize(fd, 0) == 0;
-}
 
 bool syncFile(const std::string& path) {
   const int fd = ::_open(path.c_str(), _O_RDWR | _O_BINARY);
@@ -271,6 +274,44 @@ BOOL WINAPI endInterrupted(DWORD) {
 
 void removeUnfinishedWhenInterrupted() {
   ::SetConsoleCtrlHandler(endInterrupted, TRUE);
+}
+
+// The system refuses to delete or rename a file that is open in this way: an open one is claimed.
+int createClaimed(const std::string& path) {
+  return ::_open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT,
+                 _S_IREAD | _S_IWRITE);
+}
+
+bool removeUnclaimed(const std::string& path) {
+  return !isTakenByOther(path) && removeFile(path);
+}
+
+bool isNameOf(const std::string& path, int fd) {
+  const HANDLE named = ::CreateFileA(
+      path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+      OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (named == INVALID_HANDLE_VALUE) return false;
+  BY_HANDLE_FILE_INFORMATION a, b;
+  const bool asked = ::GetFileInformationByHandle(named, &a) != 0 &&
+                     ::GetFileInformationByHandle(handleOf(fd), &b) != 0;
+  ::CloseHandle(named);
+  return asked && a.dwVolumeSerialNumber == b.dwVolumeSerialNumber &&
+         a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow;
+}
+
+// An open file cannot be renamed here. One that another process makes under the name after the
+// closing is open there, and the system refuses to rename it.
+int renameClaimed(int fd, const std::string& from, const std::string& to) {
+  const bool isOurs = isNameOf(from, fd);
+  ::_close(fd);
+  return isOurs ? renameFile(from, to) : ENOENT;
+}
+
+void discardClaimed(int fd, const std::string& path) {
+  if (fd < 0) return;
+  const bool isOurs = isNameOf(path, fd);
+  ::_close(fd);
+  if (isOurs) removeFile(path);
 }
 
 bool openFilesCanBeReplaced() {

@@ -56,18 +56,6 @@ TEST_F(Files, ReplaceOverwritesAndReportsWhatIsMissing) {
   EXPECT_FALSE(syncFile(path("none")));
 }
 
-TEST_F(Files, OpeningForWritingKeepsBytesUntilTruncated) {
-  write("a", "12345");
-  const int fd = openForWriting(path("a"));
-  ASSERT_GE(fd, 0);
-  EXPECT_EQ(5, fileStatus(path("a")).size);
-  EXPECT_TRUE(truncateFile(fd));
-  EXPECT_TRUE(writeAll(fd, "x\ny", 3));
-  closeDescriptor(fd);
-  EXPECT_EQ("x\ny", read("a"));
-  EXPECT_LT(openForWriting(path("no/such/folder")), 0);
-}
-
 TEST_F(Files, OnlyOneCreatesExclusively) {
   EXPECT_TRUE(createExclusively(path("lock")));
   EXPECT_FALSE(createExclusively(path("lock")));
@@ -98,6 +86,25 @@ TEST_F(Files, ANewFileIsNeverOneThatIsThere) {
   closeDescriptor(fd);
   { const UnfinishedFile removed(path("b")); }
   EXPECT_FALSE(fileStatus(path("b")).exists);
+}
+
+TEST_F(Files, AClaimedFileIsRemovedOrRenamedByItsWriterAlone) {
+  write("left behind", "bytes");
+  EXPECT_TRUE(removeUnclaimed(path("left behind")));
+  EXPECT_FALSE(removeUnclaimed(path("left behind")));
+  EXPECT_TRUE(isTakenByOther(folder_.path().string()));
+  const int fd = createClaimed(path("a"));
+  ASSERT_GE(fd, 0);
+  EXPECT_FALSE(removeUnclaimed(path("a")));
+  EXPECT_EQ(0, renameClaimed(fd, path("a"), path("b")));
+  EXPECT_TRUE(fileStatus(path("b")).exists);
+#if defined(__linux__)  // elsewhere a file that is open cannot be deleted
+  const int other = createClaimed(path("c"));
+  removeFile(path("c"));
+  write("c", "of another");
+  EXPECT_EQ(ENOENT, renameClaimed(other, path("c"), path("b")));
+  EXPECT_EQ("of another", read("c"));
+#endif
 }
 
 TEST(Processes, AChildGetsItsDescriptorsAndArguments) {

@@ -121,8 +121,9 @@ DescriptorList describeFrame(const odb_Frame& frame) {
       list.fields.push_back(
           sdk::guarded([&] { return describeField(it.currentKey().CStr(), it.currentValue()); }));
       list.hasStatus = list.hasStatus || list.fields.back().name == "STATUS";
-    } catch (const std::exception&) {
-      // Contract: what cannot be classified is not listed, and the walk goes on.
+    } catch (const sdk::ApiError&) {
+      // Contract: what cannot be classified is not listed, and the walk goes on. Lists are kept for
+      // good, so nothing else may take a field out of one.
     }
   }
   return list;

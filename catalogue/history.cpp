@@ -3,6 +3,7 @@
 #include "catalogue/history.h"
 
 #include <algorithm>
+#include <new>
 #include <string>
 
 #include "server/channel.h"
@@ -30,7 +31,7 @@ template <typename GetLabel>
 int labelOrZero(GetLabel getLabel) {
   try {
     return std::max(0, static_cast<int>(sdk::guarded(getLabel)));
-  } catch (const std::exception&) {
+  } catch (const sdk::ApiError&) {
     return 0;
   }
 }
@@ -169,6 +170,8 @@ void sendNamedRegion(int outputFd, const odb_Step& step, const std::string& name
       if (!regions.isMember(name.c_str())) return;
       sendRegionValues(outputFd, regions.constGet(name.c_str()));
     });
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception&) {
     // Contract: the other names are served all the same.
   }

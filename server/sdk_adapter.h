@@ -27,6 +27,7 @@
 //   void close(Repository&, odb_Odb&)
 //   void closeAllAtExit()            the parent watchdog's, while the main thread still runs
 //   guarded(function)                runs it; whatever leaves it derives from std::exception
+//   ApiError                         what an error of the library is when it leaves guarded()
 //   std::string annotationText(odb_Odb&, const char* key)           empty: there is none
 //   std::vector<RecordedFailure> recordedFailures(const odb_Step&)  empty: none are recorded
 //   bool hasCsys1(const odb_ConnectorOrientation&), hasCsys2, hasAnalyticSurface(odb_RigidBody)

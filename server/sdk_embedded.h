@@ -48,6 +48,9 @@ inline void close(Repository&, odb_Odb& odb) {
 // under its hands would crash it. The end of the process closes the files just as well.
 inline void closeAllAtExit() {}
 
+// What the library throws itself, memory failures left out.
+using ApiError = nex_Exception;
+
 // Everything that the embedded library throws derives from std::exception.
 template <typename Function>
 decltype(auto) guarded(Function&& function) {

@@ -36,6 +36,7 @@ class SdkError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+using ApiError = SdkError;
 
 // Whether the SDK's exceptions derive from std::exception is not published.
 template <typename Function>

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Field values as the server streams them.
+#include "base/bytes.h"
 #include "tests/results/result_fixture.h"
 
 namespace odbs::tests {
 namespace {
-
-constexpr int kCentroid = 0;  // positions as the parent sends them
-constexpr int kElementNodal = 1;
-constexpr int kStored = 2;
 
 std::string block(const char* paddedType, int field, int number) {
   return Payload(0x1E).raw(paddedType).i32(field).i32(number);
@@ -20,14 +17,6 @@ std::string valueType(int flag) {
 class FieldValues : public ResultTest {
  protected:
   FieldValues() : frame_(step("Step-1").Frame(1, 1)) {}
-
-  // The records after title and analysis kind.
-  Records values(const std::string& head) {
-    const Records records = ask(head);
-    EXPECT_EQ(title("A title"), records.at(0));
-    EXPECT_EQ(analysisKind(-1), records.at(1));
-    return Records(records.begin() + 2, records.end());
-  }
 
   // A scalar at the centroid of element 10, at each of these section points of a category that the
   // element has.
@@ -53,7 +42,7 @@ class FieldValues : public ResultTest {
   odb_Frame frame_;
 };
 
-TEST_F(FieldValues, IntegrationPointsOfAnElementRepeatNoElementLabel) {
+TEST_F(FieldValues, StressIsServedAtItsPointsAndAtTheCentroid) {
   stress(frame_);
   select(1, 0, kStored, "S");
   Records expected{valueType(2), block("C3D8    ", 1, -1)};
@@ -66,10 +55,6 @@ TEST_F(FieldValues, IntegrationPointsOfAnElementRepeatNoElementLabel) {
   }
   EXPECT_EQ(expected, values("rs "));
   EXPECT_EQ(expected, values("rm "));
-}
-
-TEST_F(FieldValues, TheCentroidOfAnElementIsOneValue) {
-  stress(frame_);
   select(1, 0, kCentroid, "S");
   Payload value(0x1F);
   value.i32(10).i32(-1).i32(0);
@@ -77,24 +62,36 @@ TEST_F(FieldValues, TheCentroidOfAnElementIsOneValue) {
   EXPECT_EQ((Records{valueType(2), block("C3D8    ", 1, -1), value}), values("rs "));
 }
 
-TEST_F(FieldValues, ElementNodalValuesCarryTheNodeAsThirdLabel) {
-  odb_FieldOutput& field = frame_.FieldOutput("E", "", odb_Enum::SCALAR);
-  field.addData(odb_Enum::ELEMENT_NODAL, instance(), ints({10}),
-                floatRows({{1}, {2}, {3}, {4}, {5}, {6}, {7}, {8}}));
-  select(1, 0, kElementNodal, "E");
-  const Records records = values("rs ");
-  ASSERT_EQ(10u, records.size());
-  EXPECT_EQ(Payload(0x1F).i32(10).i32(1).i32(0).f32(1).operator std::string(), records[2]);
-  EXPECT_EQ(Payload(0x16).i32(8).f32(8).operator std::string(), records[9]);
-}
-
-TEST_F(FieldValues, ComplexValuesAreFollowedByTheirConjugates) {
-  odb_FieldOutput& field = frame_.FieldOutput("V", "", odb_Enum::SCALAR);
-  field.addData(odb_Enum::WHOLE_ELEMENT, instance(), ints({10}), floatRows({{3}}),
-                odb_SectionPoint(), odb_SequenceSequenceFloat(), floatRows({{-4}}));
-  select(1, 0, kStored, "V");
-  EXPECT_EQ(Payload(0x1F).i32(10).i32(-1).i32(0).f32(3).f32(-4).operator std::string(),
-            values("rs ").back());
+TEST_F(FieldValues, LabelsConjugatesAndPrecisionFollowTheKindOfField) {
+  frame_.FieldOutput("E", "", odb_Enum::SCALAR)
+      .addData(odb_Enum::ELEMENT_NODAL, instance(), ints({10}),
+               floatRows({{1}, {2}, {3}, {4}, {5}, {6}, {7}, {8}}));
+  frame_.FieldOutput("V", "", odb_Enum::SCALAR)
+      .addData(odb_Enum::WHOLE_ELEMENT, instance(), ints({10}), floatRows({{3}}),
+               odb_SectionPoint(), odb_SequenceSequenceFloat(), floatRows({{-4}}));
+  nodalScalar(frame_, "NT11", 5);
+  frame_.FieldOutput("D", "", odb_Enum::SCALAR)
+      .addData(odb_Enum::NODAL, instance(), ints({4}), doubleRows({{0.1}}));
+  const struct {
+    const char* field;
+    int position;
+    std::size_t nRecords;
+    Payload first, last;
+  } rows[] = {
+      {"E", kElementNodal, 10, Payload(0x1F).i32(10).i32(1).i32(0).f32(1),
+       Payload(0x16).i32(8).f32(8)},
+      {"V", kStored, 3, Payload(0x1F).i32(10).i32(-1).i32(0).f32(3).f32(-4),
+       Payload(0x1F).i32(10).i32(-1).i32(0).f32(3).f32(-4)},
+      {"NT11", kStored, 4, Payload(0x1F).i32(1).i32(-1).i32(0).f32(5), Payload(0x22).i32(2).f32(6)},
+      {"D", kStored, 3, Payload(0x1F).i32(4).i32(-1).i32(0).f32(0.1F),
+       Payload(0x1F).i32(4).i32(-1).i32(0).f32(0.1F)}};
+  for (const auto& row : rows) {
+    select(1, 0, row.position, row.field);
+    const Records records = values("rs ");
+    ASSERT_EQ(row.nRecords, records.size()) << row.field;
+    EXPECT_EQ(std::string(row.first), records[2]) << row.field;
+    EXPECT_EQ(std::string(row.last), records.back()) << row.field;
+  }
 }
 
 TEST_F(FieldValues, BlocksOfAComplexFieldWithoutConjugatesHaveZeros) {
@@ -115,14 +112,6 @@ TEST_F(FieldValues, BlocksOfAComplexFieldWithoutConjugatesHaveZeros) {
       << "a subset has the form of its field";
 }
 
-TEST_F(FieldValues, NodalFieldsAsStoredNameTheirNodes) {
-  nodalScalar(frame_, "NT11", 5);
-  select(1, 0, kStored, "NT11");
-  const Records records = values("rs ");
-  EXPECT_EQ(Payload(0x1F).i32(1).i32(-1).i32(0).f32(5).operator std::string(), records.at(2));
-  EXPECT_EQ(Payload(0x22).i32(2).f32(6).operator std::string(), records.at(3));
-}
-
 TEST_F(FieldValues, SectionPointsArePickedOrServedByForm) {
   layeredScalar({1, 3, 5});
   select(1, 0, kStored, "SE");
@@ -136,30 +125,30 @@ TEST_F(FieldValues, SectionPointsArePickedOrServedByForm) {
 }
 
 TEST_F(FieldValues, LocalDirectionsGoAheadOfEachValueInTheCapitalForm) {
-  odb_FieldOutput& field = frame_.FieldOutput("S", "", odb_Enum::TENSOR_3D_FULL);
-  const auto quarterTurn = floatRows({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}});
-  field.addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{1, 2, 3, 4, 5, 6}}),
-                odb_SectionPoint(), quarterTurn);
+  frame_.FieldOutput("S", "", odb_Enum::TENSOR_3D_FULL)
+      .addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{1, 2, 3, 4, 5, 6}}),
+               odb_SectionPoint(), floatRows({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}));
   select(1, 0, kStored, "S");
   EXPECT_EQ(0u, withTag(ask("rs "), '\'').size());
   const Records records = values("rS ");
   ASSERT_EQ(4u, records.size());
   ASSERT_EQ(25u, records[2].size());
   EXPECT_EQ('\'', records[2][0]);
+  const float expected[] = {0, -1, 0, 1, 0, 0};  // the first two rows
+  const auto* numbers = reinterpret_cast<const unsigned char*>(records[2].data()) + 1;
+  for (int k = 0; k < 6; ++k) EXPECT_NEAR(expected[k], getF32(numbers + 4 * k), 1e-6) << k;
 }
 
 TEST_F(FieldValues, WhatIsNotThereEndsAfterTheHeader) {
   stress(frame_);
-  select(1, 0, kStored, "NONE");
-  EXPECT_EQ(Records{}, values("rs "));
-  select(0, 0, kStored, "S");
-  EXPECT_EQ(Records{}, values("rs "));
-  select(2, 0, kStored, "S");
-  EXPECT_EQ(Records{}, values("rs "));
-  select(1, 7, kStored, "S");
-  EXPECT_EQ(Records{}, values("rs "));
-  select(1, -1, kStored, "S");
-  EXPECT_EQ(Records{}, values("rs "));
+  const struct {
+    int step, frame;
+    const char* field;
+  } rows[] = {{1, 0, "NONE"}, {0, 0, "S"}, {2, 0, "S"}, {1, 7, "S"}, {1, -1, "S"}};
+  for (const auto& row : rows) {
+    select(row.step, row.frame, kStored, row.field);
+    EXPECT_EQ(Records{}, values("rs ")) << row.step << row.frame << row.field;
+  }
 }
 
 TEST_F(FieldValues, UnknownLettersAndHalfPairsAreAcknowledgedOnly) {
@@ -183,67 +172,35 @@ TEST_F(FieldValues, SeveralInstancesAreAnnounced) {
       << "labels are compared across blocks and instances";
 }
 
-TEST_F(FieldValues, DoublePrecisionIsNarrowed) {
-  odb_FieldOutput& field = frame_.FieldOutput("D", "", odb_Enum::SCALAR);
-  field.addData(odb_Enum::NODAL, instance(), ints({4}), doubleRows({{0.1}}));
-  select(1, 0, kStored, "D");
-  EXPECT_EQ(Payload(0x1F).i32(4).i32(-1).i32(0).f32(0.1F).operator std::string(),
-            values("rs ").back());
-}
-
 // Elements with a section category of points 1, 2 and 3, and one without.
-class TopAndBottom : public ::testing::Test {
- protected:
-  TopAndBottom() {
-    odb_Odb& odb = Odb("layers", "", "", path().c_str());
-    odb_SectionCategory& category = odb.SectionCategory("shell < elset = A >", "");
-    odb_Part& part = odb.Part("P", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
-    part.addNodes(ints({1, 2, 3, 4}), floatRows({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}));
-    std::vector<odb_SectionPoint> points;
-    for (int number = 1; number <= 3; ++number) {
-      points.push_back(category.SectionPoint(number, "p"));
-    }
-    part.addElements(ints({7}), rows({{1, 2, 3, 4}}), "S4R", "", category);
-    part.addElements(ints({9}), rows({{1, 2, 3}}), "S3");
-    odb_Instance& instance = odb.rootAssembly().Instance("I", part);
-    odb_FieldOutput& field = odb.Step("Step-1", "", odb_Enum::TIME)
-                                 .Frame(1, 1)
-                                 .FieldOutput("PEEQ", "", odb_Enum::SCALAR);
-    for (int number = 1; number <= 3; ++number) {
-      field.addData(odb_Enum::CENTROID, instance, ints({7}),
-                    floatRows({{static_cast<float>(number)}}),
-                    points[static_cast<std::size_t>(number - 1)]);
-    }
-    field.addData(odb_Enum::CENTROID, instance, ints({9}), floatRows({{90}}));
-    odb.save();
-    odb.close();
+TEST_F(FieldValues, TopAndBottomAreThePointsOfEachElementItself) {
+  odb_SectionCategory& category = odb_->SectionCategory("shell < elset = A >", "");
+  odb_Part& part = odb_->Part("L", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
+  part.addNodes(ints({1, 2, 3, 4}), floatRows({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}));
+  std::vector<odb_SectionPoint> points;
+  for (int number = 1; number <= 3; ++number) points.push_back(category.SectionPoint(number, "p"));
+  part.addElements(ints({7}), rows({{1, 2, 3, 4}}), "S4R", "", category);
+  part.addElements(ints({9}), rows({{1, 2, 3}}), "S3");
+  odb_Instance& shells = odb_->rootAssembly().Instance("J", part);
+  odb_FieldOutput& field = frame_.FieldOutput("PEEQ", "", odb_Enum::SCALAR);
+  for (const odb_SectionPoint& point : points) {
+    field.addData(odb_Enum::CENTROID, shells, ints({7}),
+                  floatRows({{static_cast<float>(point.number())}}), point);
   }
-
-  std::string path() const { return folder_.file("layers.odb"); }
-
-  // Element labels and values of the value records of a reply whose records all start a new element
-  // or repeat everything.
-  std::vector<float> valuesOf(const std::string& head) {
-    server_.send("d 1 0 2 PEEQ");
-    std::vector<float> values;
-    for (const std::string& record : recordsOf(server_, head + path())) {
-      const auto tag = static_cast<unsigned char>(record[0]);
-      if (tag != 0x1F && tag != 0x22 && tag != 0x15) continue;
-      float value;
-      std::memcpy(&value, record.data() + record.size() - 4, 4);
-      values.push_back(value);
+  field.addData(odb_Enum::CENTROID, shells, ints({9}), floatRows({{90}}));
+  select(1, 0, kStored, "PEEQ");
+  const auto numbers = [&](const char* head) {
+    std::vector<float> found;
+    for (const std::string& record : values(head)) {
+      if (record[0] != 0x1F && record[0] != 0x22 && record[0] != 0x15) continue;
+      const char* last = record.data() + record.size() - 4;
+      found.push_back(getF32(reinterpret_cast<const unsigned char*>(last)));
     }
-    return values;
-  }
-
-  TemporaryFolder folder_;
-  ServerProcess server_;
-};
-
-TEST_F(TopAndBottom, EachElementKeepsItsOwnPoint) {
-  EXPECT_EQ((std::vector<float>{3, 90}), valuesOf("rt "));
-  EXPECT_EQ((std::vector<float>{1, 90}), valuesOf("rb "));
-  EXPECT_EQ((std::vector<float>{90}), valuesOf("rs "));
+    return found;
+  };
+  EXPECT_EQ((std::vector<float>{3, 90}), numbers("rt "));
+  EXPECT_EQ((std::vector<float>{1, 90}), numbers("rb "));
+  EXPECT_EQ((std::vector<float>{90}), numbers("rs "));
 }
 
 }  // namespace

@@ -121,14 +121,6 @@ TEST(ModalKernel, ChosenValuesAreThoseOfAll) {
   }
 }
 
-TEST(ModalKernel, TheFormChangesAboveTheLargestPlainOrder) {
-  const StressSlots full{{0, 1, 2, 3, 4, 5}};
-  const Problem plain(kLargestPlainOrder, 9, 6, full);
-  EXPECT_EQ(plain.squares(expectedMisesSquaresPlain), plain.squares(expectedMisesSquares));
-  const Problem large(kLargestPlainOrder + 1, 9, 6, full);
-  EXPECT_EQ(large.squares(expectedMisesSquaresByProduct), large.squares(expectedMisesSquares));
-}
-
 TEST(ModalKernel, AnInfiniteStressSpoilsItsOwnValueOnly) {
   const int order = 20;
   std::vector<float> entries(order * (order + 1) / 2, 0.5F);
@@ -140,46 +132,6 @@ TEST(ModalKernel, AnInfiniteStressSpoilsItsOwnValueOnly) {
   EXPECT_TRUE(std::isfinite(squares[0]));
   EXPECT_FALSE(std::isfinite(squares[1]));
   EXPECT_TRUE(std::isfinite(squares[2]));
-}
-
-// Mode amplitudes drawn at random, with the covariance G G^T: the mean of the square of the von
-// Mises stress of the combined modes comes near the expected square.
-TEST(ModalKernel, AMonteCarloEstimateComesNearTheExpectedSquare) {
-  constexpr int kOrder = 24;
-  constexpr int kSamples = 40000;
-  std::mt19937 random(11);
-  std::normal_distribution<double> normal;
-  std::vector<std::vector<double>> factor(kOrder, std::vector<double>(kOrder, 0.0));
-  for (int i = 0; i < kOrder; ++i) {
-    for (int j = 0; j <= i; ++j) factor[i][j] = normal(random);
-  }
-  std::vector<float> entries, numbers;
-  for (int i = 0; i < kOrder; ++i) {
-    for (int j = 0; j <= i; ++j) {
-      double sum = 0;
-      for (int k = 0; k <= j; ++k) sum += factor[i][k] * factor[j][k];
-      entries.push_back(static_cast<float>(sum));
-    }
-  }
-  for (int i = 0; i < kOrder * 6; ++i) numbers.push_back(static_cast<float>(normal(random)));
-  double expected = 0;
-  expectedMisesSquares({entries.data(), kOrder},
-                       {numbers.data(), 1, 6, StressSlots{{0, 1, 2, 3, 4, 5}}}, &expected);
-
-  double mean = 0;
-  for (int sample = 0; sample < kSamples; ++sample) {
-    double draw[kOrder], s[6] = {};
-    for (double& x : draw) x = normal(random);
-    for (int i = 0; i < kOrder; ++i) {
-      double amplitude = 0;
-      for (int k = 0; k <= i; ++k) amplitude += factor[i][k] * draw[k];
-      for (int c = 0; c < 6; ++c) s[c] += amplitude * static_cast<double>(numbers[i * 6 + c]);
-    }
-    mean += 0.5 * (std::pow(s[0] - s[1], 2) + std::pow(s[1] - s[2], 2) + std::pow(s[2] - s[0], 2));
-    mean += 3 * (s[3] * s[3] + s[4] * s[4] + s[5] * s[5]);
-  }
-  mean /= kSamples;
-  EXPECT_NEAR(1, mean / expected, 0.03);  // several standard deviations of the estimate
 }
 
 }  // namespace

@@ -7,8 +7,6 @@
 namespace odbs::tests {
 namespace {
 
-constexpr int kStored = 2;  // position as the parent sends it
-
 class ModalStresses : public ResultTest {
  protected:
   odb_Step& frequencyStep(const char* name) { return step(name, odb_Enum::MODAL, "*FREQUENCY"); }
@@ -36,10 +34,7 @@ class ModalStresses : public ResultTest {
   // The reply behind title and analysis kind.
   Records values(int step, const char* variable, int frame = 0) {
     select(step, frame, kStored, variable);
-    const Records records = ask("rs ");
-    EXPECT_EQ(title("A title"), records.at(0));
-    EXPECT_EQ(analysisKind(-1), records.at(1));
-    return Records(records.begin() + 2, records.end());
+    return ResultTest::values("rs ");
   }
 
   static Records oneValue(float value) {
@@ -50,20 +45,19 @@ class ModalStresses : public ResultTest {
   int nFrames_ = 0;
 };
 
-TEST_F(ModalStresses, OfOneModeItIsItsSquareTimesTheVariance) {
-  mode(frequencyStep("Modes"), 1, {2, 0, 0, 1, 0, 0});
-  matrix(responseStep(), 1, {3});
+TEST_F(ModalStresses, AreSquaresTimesCovariancesAndTheRootsOfTheirSizes) {
+  odb_Step& modes = frequencyStep("Modes");
+  mode(modes, 1, {2, 0, 0, 1, 0, 0});
+  mode(modes, 2, {2, 0, 0, 1, 0, 0});
+  odb_Step& response = responseStep();
+  matrix(response, 1, {3});
+  matrix(response, 2, {1, -3, 1});  // not positive definite
+  matrix(response, 3, {1, 1, 1, 1, 1, 1});
   EXPECT_EQ(oneValue(21), values(2, "MATRIX^Sqq"));
   EXPECT_EQ(oneValue(std::sqrt(21.0F)), values(2, "MATRIX^RSqq"));
-}
-
-TEST_F(ModalStresses, AnIndefiniteMatrixGivesANegativeSquareAndTheRootOfItsSize) {
-  odb_Step& modes = frequencyStep("Modes");
-  mode(modes, 1, {1, 0, 0, 0, 0, 0});
-  mode(modes, 2, {1, 0, 0, 0, 0, 0});
-  matrix(responseStep(), 2, {1, -3, 1});
-  EXPECT_EQ(oneValue(-4), values(2, "MATRIX^Sqq"));
-  EXPECT_EQ(oneValue(2), values(2, "MATRIX^RSqq"));
+  EXPECT_EQ(oneValue(-28), values(2, "MATRIX^Sqq", 1));
+  EXPECT_EQ(oneValue(std::sqrt(28.0F)), values(2, "MATRIX^RSqq", 1));
+  EXPECT_EQ(Records{}, values(2, "MATRIX^Sqq", 2)) << "more modes than there are";
 }
 
 TEST_F(ModalStresses, ComponentsAreFoundByLabelAndMissingShearsCountAsZero) {
@@ -137,19 +131,9 @@ TEST_F(ModalStresses, WithoutModesTheReplyEndsBehindItsHead) {
   nFrames_ = 0;
   matrix(last, 1, {1});
   matrix(last, 1, {});
-  EXPECT_EQ(Records{}, values(1, "MATRIX^Sqq"));
-  EXPECT_EQ(Records{}, values(3, "MATRIX^Sqq", 0));
-  EXPECT_EQ(Records{}, values(3, "MATRIX^Sqq", 1));
-  EXPECT_EQ(Records{}, values(0, "MATRIX^Sqq"));
-}
-
-TEST_F(ModalStresses, AMatrixOfMoreModesThanThereAreGivesNoValues) {
-  mode(frequencyStep("Modes"), 1, {2, 0, 0, 0, 0, 0});
-  odb_Step& response = responseStep();
-  matrix(response, 2, {1, 1, 1});
-  matrix(response, 1, {1});
-  EXPECT_EQ(Records{}, values(2, "MATRIX^Sqq", 0));
-  EXPECT_EQ(oneValue(4), values(2, "MATRIX^Sqq", 1));
+  for (const auto& [number, index] : {std::pair(1, 0), {3, 0}, {3, 1}, {0, 0}}) {
+    EXPECT_EQ(Records{}, values(number, "MATRIX^Sqq", index)) << number << index;
+  }
 }
 
 TEST_F(ModalStresses, GatheredModesAreKeptByBlockUntilTheyAreFreed) {

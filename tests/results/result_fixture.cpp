@@ -8,17 +8,17 @@ ResultTest::ResultTest() {
   path_ = folder_.file("results.odb");
   odb_ = &Odb("results", "A title", "", path_.c_str());
   odb_Part& body = odb_->Part("P", odb_Enum::THREE_D, odb_Enum::DEFORMABLE_BODY);
-  std::vector<std::vector<float>> corners;
-  for (const float z : {0.0F, 1.0F}) {
-    corners.insert(corners.end(), {{0, 0, z}, {1, 0, z}, {1, 1, z}, {0, 1, z}});
-  }
-  body.addNodes(ints({1, 2, 3, 4, 5, 6, 7, 8}), floatRows(corners));
+  body.addNodes(ints({1, 2, 3, 4, 5, 6, 7, 8}), floatRows(corners()));
   body.addElements(ints({10}), rows({{1, 2, 3, 4, 5, 6, 7, 8}}), "C3D8");
   odb_->rootAssembly().Instance("I", body);
 }
 
 ResultTest::~ResultTest() {
   if (odb_) odb_->close();
+}
+
+std::vector<std::vector<float>> ResultTest::corners() {
+  return {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
 }
 
 odb_Step& ResultTest::step(const char* name, odb_Enum::odb_DomainEnum domain,
@@ -61,10 +61,16 @@ Records ResultTest::ask(const std::string& head) {
 }
 
 void ResultTest::select(int step, int frame, int position, const char* variable) {
-  save();
-  if (!server_) server_ = std::make_unique<ServerProcess>();
+  ask("o ");
   server_->send("d " + std::to_string(step) + " " + std::to_string(frame) + " " +
                 std::to_string(position) + " " + variable);
+}
+
+Records ResultTest::values(const std::string& head) {
+  const Records records = ask(head);
+  EXPECT_EQ(title("A title"), records.at(0));
+  EXPECT_EQ(analysisKind(-1), records.at(1));
+  return Records(records.begin() + 2, records.end());
 }
 
 }  // namespace odbs::tests

@@ -33,12 +33,18 @@ class ResultTest : public ::testing::Test {
   // 10 p + k.
   odb_FieldOutput& stress(odb_Frame& frame);
 
+  // The corners of a unit cube, as elements of eight nodes have them.
+  static std::vector<std::vector<float>> corners();
+
   // Saves and closes the database; from then on the server can be asked.
   void save();
   // The records of the reply to `head` and the database's path; saves first where needed.
   Records ask(const std::string& head);
   // The selection of `D` and `d`; position as the parent sends it.
+  static constexpr int kCentroid = 0, kElementNodal = 1, kStored = 2;
   void select(int step, int frame, int position, const char* variable);
+  // The records of the reply to `head` and the path that follow title and analysis kind.
+  Records values(const std::string& head);
 
   TemporaryFolder folder_;
   std::string path_;

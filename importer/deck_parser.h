@@ -34,6 +34,8 @@ class DeckParser {
   // ---- Helpers (deck_parser.cpp) ----
   [[noreturn]] void fail(const std::string& reason) const { lines_.fail(reason); }
   void checkSpelling(const Keyword& keyword);
+  // Counts a keyword that leaves nothing in the database.
+  void ignore(const Keyword& keyword);
   Scope& scope();
   // A required parameter's value; fails at the keyword's line when it is missing or empty.
   const std::string& required(const Keyword& keyword, std::string_view name) const;
@@ -59,6 +61,9 @@ class DeckParser {
   void readNode(const Keyword&);
   void readElement(const Keyword&);
   void readSystem(const Keyword&);
+  void readNmap(const Keyword&);
+  void readImperfection(const Keyword&);
+  void readParameter(const Keyword&);
   void addElementLine(std::string_view line, std::size_t block, const ElementType& type,
                       Set* elset);
   void takeElementFields(std::string_view line, const ElementType& type);
@@ -74,7 +79,7 @@ class DeckParser {
   Vec3 nodeAt(std::int64_t label);
   void generateNode(std::int64_t label, const Vec3& at, Set* nset);
   void generateElement(std::int64_t label, ElementTable::Position master, std::int64_t nodeShift,
-                       Set* elset);
+                       bool mirrored, Set* elset);
   std::vector<std::int32_t> membersInOrder(const std::string& setName, bool elements);
 
   // ---- Sets and surfaces (read_sets.cpp) ----

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace odbs::importer {
 
@@ -35,5 +36,10 @@ ElementType elementTypeOf(std::string_view name);
 // Corner-node positions (from 0) of a solid's face 1 to 6, at most 4; returns their number, 0 when
 // there is no such face. Faces are numbered as decks number them (S1 to S6).
 int faceCorners(const ElementType& type, int face, int corners[4]);
+
+// The order in which the nodes of an element's mirror image make a valid element: node i is node
+// order[i] (from 0) of the element. The image starts with the same node. Empty for types whose
+// shape is not known here.
+std::vector<std::size_t> mirroredOrder(const ElementType& type, std::size_t nNodes);
 
 }  // namespace odbs::importer

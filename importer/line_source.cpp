@@ -32,16 +32,10 @@ std::string keywordOf(std::string_view line) {
   return squeezed(line.substr(1, line.find(',') - 1));
 }
 
-// Printable form of foreign text in messages.
-std::string shown(std::string_view text) {
+// The start of a foreign text, for messages.
+std::string startOf(std::string_view text) {
   constexpr std::size_t kMaxShown = 200;
-  std::string result;
-  for (const char c : text.substr(0, kMaxShown)) {
-    const bool control = static_cast<unsigned char>(c) < ' ' || c == 127;
-    result += control ? '?' : c;
-  }
-  if (text.size() > kMaxShown) result += "...";
-  return result;
+  return std::string(text.substr(0, kMaxShown)) + (text.size() > kMaxShown ? "..." : "");
 }
 
 }  // namespace
@@ -74,7 +68,7 @@ LineSource::LineSource(const std::string& path) {
 LineSource::~LineSource() = default;
 
 void LineSource::fail(Place place, const std::string& reason) const {
-  throw DeckError(where(place) + ": " + reason);
+  throw DeckError(shown(where(place) + ": " + reason));
 }
 
 std::string LineSource::where(Place place) const {
@@ -94,7 +88,7 @@ double LineSource::progress() const {
 void LineSource::open(const std::string& path) {
   const std::string at = stack_.empty() ? path : where(place_);
   const auto refuse = [&](const std::string& reason) {
-    throw DeckError(at + ": " + (stack_.empty() ? "" : shown(path) + ": ") + reason);
+    throw DeckError(shown(at + ": " + (stack_.empty() ? "" : startOf(path) + ": ") + reason));
   };
   std::error_code error;
   const fs::path file(path);
@@ -127,7 +121,7 @@ void LineSource::open(const std::string& path) {
   if (nul != std::string::npos) {
     const auto line = std::count(opened->text.begin(),
                                  opened->text.begin() + static_cast<std::ptrdiff_t>(nul), '\n');
-    throw DeckError(path + ":" + std::to_string(line + 1) +
+    throw DeckError(shown(path) + ":" + std::to_string(line + 1) +
                     ": holds a NUL byte: this is not a text file");
   }
   segments_.push_back({nextPlace_, opened->name, 1});
@@ -152,7 +146,7 @@ void LineSource::push(const std::string& file) {
       if (fs::exists(path, error)) return open(path.string());
     }
   }
-  fail("included file " + shown(file) + " does not exist");
+  fail("included file " + startOf(file) + " does not exist");
 }
 
 bool LineSource::rawLine(std::string_view& line) {
@@ -173,7 +167,28 @@ bool LineSource::rawLine(std::string_view& line) {
   if (nextPlace_ == 0) fail("the deck has too many lines");
   if (n > kMaxLineLength) fail("a line of " + std::to_string(n) + " characters is too long");
   line = std::string_view(begin, n);
+  if (!values_.empty() && line.find('<') != std::string_view::npos) {
+    substituted_ = substituted(line);
+    line = substituted_;
+  }
   return true;
+}
+
+// `line` with values in place of the references to parameters; what names none stays.
+std::string LineSource::substituted(std::string_view line) const {
+  std::string result;
+  while (!line.empty()) {
+    const std::size_t open = std::min(line.find('<'), line.size());
+    const std::size_t close = line.find('>', open);
+    result += line.substr(0, open);
+    line.remove_prefix(open);
+    if (close == std::string_view::npos) break;
+    const auto value = values_.find(std::string(trimmed(line.substr(1, close - open - 1))));
+    const std::size_t used = value == values_.end() ? 1 : close - open + 1;
+    result += value == values_.end() ? line.substr(0, 1) : std::string_view(value->second);
+    line.remove_prefix(used);
+  }
+  return result + std::string(line);
 }
 
 // Puts the last raw line back.
@@ -249,7 +264,7 @@ void LineSource::parseKeyword(std::string_view line, Keyword& keyword) {
       Spelling spelling = keywordSpelled(squeezed(field));
       const bool known = !spelling.name.empty();
       keyword.name = known ? spelling.name : squeezed(field);
-      keyword.text = "*" + (known ? spelling.text : shown(upperCase(field)));
+      keyword.text = "*" + (known ? spelling.text : startOf(upperCase(field)));
       keyword.choices = std::move(spelling.choices);
       keyword.abbreviated = known && spelling.name != squeezed(field);
       first = false;
@@ -283,6 +298,29 @@ bool Fields::next(std::string_view& field) {
   field = trimmed(rest_.substr(0, end));
   rest_.remove_prefix(std::min(end + 1, rest_.size()));
   return true;
+}
+
+std::optional<double> numberOf(std::string_view field) {
+  const auto number = parseReal(field);
+  if (number) return number;
+  // Programs that write "1." write "1e-3." too.
+  field = trimmed(field);
+  const bool exponent = field.find_first_of("eEdD") != std::string_view::npos;
+  return exponent && field.back() == '.' ? parseReal(field.substr(0, field.size() - 1)) : number;
+}
+
+std::string shown(std::string_view text) {
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  std::string result;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte < 0x7F) {
+      result += c;
+    } else {
+      result += std::string("\\x") + kDigits[byte >> 4] + kDigits[byte & 15];
+    }
+  }
+  return result;
 }
 
 std::string nameOf(std::string_view text) {

@@ -3,7 +3,9 @@
 // they stand. Comments, blank lines and *INCLUDE never reach the caller.
 #pragma once
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,6 +57,10 @@ class LineSource {
   // beside the file that names it, then beside the deck.
   void push(const std::string& file);
 
+  // From the next line on `<name>` stands for `value`.
+  const std::map<std::string, std::string>& values() const { return values_; }
+  void setValue(const std::string& name, const std::string& value) { values_[name] = value; }
+
   // Line of what was returned last.
   Place place() const { return place_; }
   // "file:line" of a place.
@@ -81,11 +87,14 @@ class LineSource {
   bool anyLine(std::string_view& line);
   void parseKeyword(std::string_view line, Keyword& keyword);
   std::string gather(std::string_view line);
+  std::string substituted(std::string_view line) const;
 
   std::vector<std::unique_ptr<File>> stack_;
   std::vector<std::string> names_;
   std::vector<Segment> segments_;
-  std::size_t lineStart_ = 0;  // offset of the last raw line in the topmost file
+  std::map<std::string, std::string> values_;  // of parameters
+  std::string substituted_;                    // the last line, where it refers to some
+  std::size_t lineStart_ = 0;                  // offset of the last raw line in the topmost file
   Place place_ = 0, nextPlace_ = 1;
   std::size_t nOpened_ = 0;
   std::uint64_t nBytes_ = 0, nBytesDone_ = 0;
@@ -102,6 +111,12 @@ class Fields {
  private:
   std::string_view rest_;
 };
+
+// The whole of a field as a number: base's parseReal, and "1e-3." with a point at its end.
+std::optional<double> numberOf(std::string_view field);
+
+// `text` as a terminal may show it: bytes other than printable ASCII as \xNN.
+std::string shown(std::string_view text);
 
 // A name as databases show it: without quotes and as it stands when quoted, else in upper case.
 std::string nameOf(std::string_view text);

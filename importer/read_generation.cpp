@@ -131,6 +131,9 @@ void DeckParser::readNfill(const Keyword& keyword) {
   const double bias = keyword.has("BIAS") ? realOf(keyword.value("BIAS")) : 1.0;
   if (!(bias > 0)) lines_.fail(keyword.place, "BIAS must be positive");
   const bool twoStep = keyword.has("TWOSTEP");
+  const std::int64_t singular =
+      keyword.has("SINGULAR") ? integerOf(required(keyword, "SINGULAR")) : 0;
+  if (singular < 0 || singular > 2) lines_.fail(keyword.place, "SINGULAR must be 1 or 2");
   std::string_view line;
   while (lines_.dataLine(line)) {
     std::vector<std::string> fields;
@@ -151,11 +154,18 @@ void DeckParser::readNfill(const Keyword& keyword) {
     for (std::size_t i = 0; i < nPairs; ++i) {
       const Vec3 a = nodeAt(first[i]), b = nodeAt(second[i]);
       if (nset) nset->addLabel(kOwn, first[i]);
-      for (std::int64_t k = 1; k < n; ++k) {
+      const auto position = [&](std::int64_t k) {
         // Two-step: the bias holds from corner to corner, middle nodes lie half way.
-        const double t = twoStep && n % 2 == 0
-                             ? (biased(k / 2, n / 2, bias) + biased((k + 1) / 2, n / 2, bias)) / 2
-                             : biased(k, n, bias);
+        return twoStep && n % 2 == 0
+                   ? (biased(k / 2, n / 2, bias) + biased((k + 1) / 2, n / 2, bias)) / 2
+                   : biased(k, n, bias);
+      };
+      for (std::int64_t k = 1; k < n; ++k) {
+        double t = position(k);
+        // Beside the crack tip, which is the first or the second set, middle nodes of quadratic
+        // elements lie at a quarter.
+        if (singular == 1 && k == 1) t = position(2) / 4;
+        if (singular == 2 && k == n - 1) t = 1 - (1 - position(n - 2)) / 4;
         generateNode(first[i] + k * step, a + t * (b - a), nset);
       }
       if (nset) nset->addLabel(kOwn, second[i]);
@@ -212,7 +222,7 @@ void DeckParser::readNcopy(const Keyword& keyword) {
 }
 
 void DeckParser::generateElement(std::int64_t label, ElementTable::Position master,
-                                 std::int64_t nodeShift, Set* elset) {
+                                 std::int64_t nodeShift, bool mirrored, Set* elset) {
   constexpr std::int64_t kMax = std::numeric_limits<std::int32_t>::max();
   if (label < 1 || label > kMax) {
     fail("a generated element would have the label " + std::to_string(label));
@@ -232,6 +242,16 @@ void DeckParser::generateElement(std::int64_t label, ElementTable::Position mast
   std::vector<std::int32_t> owners;
   if (!block.owners.empty()) {
     owners.assign(block.owners.begin() + begin, block.owners.begin() + end);
+  }
+  if (mirrored) {
+    const auto order = mirroredOrder(elementTypeOf(block.type), nodes.size());
+    if (order.empty()) fail("elements of type " + block.type + " cannot be reflected");
+    const auto nodesBefore = nodes;
+    const auto ownersBefore = owners;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      nodes[i] = nodesBefore[order[i]];
+      if (!owners.empty()) owners[i] = ownersBefore[order[i]];
+    }
   }
   elements.add(at, static_cast<std::int32_t>(label), nodes.data(),
                owners.empty() ? nullptr : owners.data(), nodes.size(), lines_.place());
@@ -271,7 +291,7 @@ void DeckParser::readElgen(const Keyword& keyword) {
         for (std::int64_t i = 0; i < count[0]; ++i) {
           if (i == 0 && j == 0 && k == 0) continue;
           generateElement(master + i * elementStep[0] + j * elementStep[1] + k * elementStep[2], at,
-                          i * nodeStep[0] + j * nodeStep[1] + k * nodeStep[2], elset);
+                          i * nodeStep[0] + j * nodeStep[1] + k * nodeStep[2], false, elset);
         }
       }
     }
@@ -279,9 +299,6 @@ void DeckParser::readElgen(const Keyword& keyword) {
 }
 
 void DeckParser::readElcopy(const Keyword& keyword) {
-  if (keyword.has("REFLECT")) {
-    lines_.fail(keyword.place, "*ELCOPY with REFLECT is not supported");
-  }
   const std::int64_t shift = integerOf(required(keyword, "ELEMENTSHIFT"));
   const std::int64_t nodeShift = integerOf(required(keyword, "SHIFTNODES"));
   const std::int64_t limit = std::int64_t{1} << 31;
@@ -293,7 +310,8 @@ void DeckParser::readElcopy(const Keyword& keyword) {
   Set* elset = newSet ? &scope().elementSets.at(newSet->value) : nullptr;
   countGenerated(static_cast<std::int64_t>(members.size()));
   for (const std::int32_t label : members) {
-    generateElement(label + shift, scope().elements.find(label), nodeShift, elset);
+    generateElement(label + shift, scope().elements.find(label), nodeShift, keyword.has("REFLECT"),
+                    elset);
   }
 }
 

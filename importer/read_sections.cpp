@@ -62,7 +62,7 @@ void DeckParser::readLayers(Section& section) {
     layer.nPoints = pointsOf(field(1), usualPoints);
     layer.material = nameOf(field(2));
     if (layer.material.empty()) layer.material = section.material;
-    if (const auto angle = parseReal(field(3))) {
+    if (const auto angle = numberOf(field(3))) {
       layer.angle = *angle;
     } else {
       layer.orientation = nameOf(field(3));
@@ -147,7 +147,7 @@ void DeckParser::readBeamSection(const Keyword& keyword) {
   if (lines_.dataLine(line) && lines_.dataLine(line)) {
     Fields fields(line);
     for (std::string_view field; fields.next(field);) {
-      const auto value = parseReal(field);
+      const auto value = numberOf(field);
       section.beamAxis.push_back(value ? *value : 0.0);
     }
     // Profiles with more lines of dimensions have something else there.
@@ -233,7 +233,7 @@ void DeckParser::readOrientation(const Keyword& keyword) {
   const bool any = lines_.dataLine(line);
   // In place of points the name of a table may stand that gives each element its own.
   std::string_view first;
-  if (any && byPoints && Fields(line).next(first) && !first.empty() && !parseReal(first)) {
+  if (any && byPoints && Fields(line).next(first) && !first.empty() && !numberOf(first)) {
     byPoints = false;
   }
   if (byPoints && any) {
@@ -276,12 +276,12 @@ void DeckParser::readOrientation(const Keyword& keyword) {
 
 // The systems themselves have no place; which nodes have one tells how printed values are meant.
 void DeckParser::readTransform(const Keyword& keyword) {
-  ++deck_.ignoredKeywords[keyword.text];
+  ignore(keyword);
   if (!keyword.value("NSET").empty()) scope().transformedSets.push_back(keyword.value("NSET"));
 }
 
 void DeckParser::readNodePrint(const Keyword& keyword) {
-  ++deck_.ignoredKeywords[keyword.text];
+  ignore(keyword);
   if (upperCase(keyword.value("GLOBAL")) != "YES") deck_.printsLocally = true;
 }
 

@@ -96,12 +96,12 @@ void DeckParser::readEndStep(const Keyword& keyword) {
 void DeckParser::readProcedure(const Keyword& keyword) {
   // Outside of steps the word is another keyword's business.
   if (!inStep_) {
-    ++deck_.ignoredKeywords[keyword.text];
+    ignore(keyword);
     return;
   }
   Step& step = deck_.steps.back();
   if (!step.procedure.empty()) {
-    ++deck_.ignoredKeywords[keyword.text];
+    ignore(keyword);
     return;
   }
   const auto found = std::find_if(std::begin(kProcedures), std::end(kProcedures),

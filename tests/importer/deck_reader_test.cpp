@@ -19,11 +19,11 @@ const Scope& mesh(const Deck& deck) {
 TEST_F(DeckTest, KeywordsAreReadWhateverTheirCaseBlanksAndLineBreaks) {
   const Deck deck = read(
       "\xEF\xBB\xBF** comment\n*hEading\r\n  A title \r\n more\r\n\r\n"
-      "  * Node , Nset = \"Two Words\" \n** comment\n 1 , 1.5D+1, -2.e-1 ,\n\n2,,3\n"
+      "  * Node , Nset = \"Two Words\" \n** comment\n 1 , 1.5D+1, -2.e-1 ,1e-3.\n\n2,,3\n"
       "*element,\n** comment in between\n type=T3D2,\nelset=bars\n7,1,2\n*end\n");
   EXPECT_EQ("A title", deck.title);
   EXPECT_EQ((Labels{1, 2}), mesh(deck).nodes.labels);
-  EXPECT_EQ((std::vector<double>{15, -0.2, 0, 0, 3, 0}), mesh(deck).nodes.xyz);
+  EXPECT_EQ((std::vector<double>{15, -0.2, 0.001, 0, 3, 0}), mesh(deck).nodes.xyz);
   EXPECT_EQ((Labels{1, 2}), nodeSet(deck, "Two Words"));
   EXPECT_EQ((Labels{7}), elementSet(deck, "BARS"));
   EXPECT_EQ(1, deck.ignoredKeywords.at("*END"));
@@ -52,6 +52,18 @@ TEST_F(DeckTest, UniqueBeginningsOfKeywordsAndParametersAreRead) {
       ":15: parameter NSTE of *NODE is unknown and left out\n"
       ":9: the section is left out: its element set NONE is not defined\n",
       warnings);
+}
+
+TEST_F(DeckTest, ParametersAreEvaluatedAndReferencesReplaced) {
+  const Deck deck = read(
+      "*PARAMETER\n# sizes\nlength = 2*(3 + 4)**2 / 7.  # 14\nn = -7//2 + 7 % 5\n"
+      "m = max(-n, 3) + -2**2\nroot=sqrt(length + 2)\nword = 'nset=odd'\nhalf = 1/2\n"
+      "*NODE, <word>\n3, < length >, <n>, <root>\n5, <m>, <half>\n*NSET, NSET=<none>\n3\n");
+  EXPECT_EQ((std::vector<double>{14, -2, 4, -1, 0.5, 0}), mesh(deck).nodes.xyz);
+  EXPECT_EQ((Labels{3, 5}), nodeSet(deck, "ODD"));
+  EXPECT_EQ((Labels{3}), nodeSet(deck, "<NONE>"));
+  ASSERT_EQ(1U, deck.warnings.size());
+  EXPECT_NE(std::string::npos, deck.warnings[0].find(":8: parameter half divides whole numbers"));
 }
 
 TEST_F(DeckTest, AFlatDeckIsOnePartWithOneInstance) {

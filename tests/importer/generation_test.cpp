@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Nodes and elements made from others.
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <tuple>
 
 #include "tests/importer/deck_files.h"
 
@@ -43,6 +46,54 @@ TEST_F(GenerationTest, NfillFillsBetweenSetsEvenlyOrBiased) {
   expectAt(deck, 101, 4, 0, 0);
   expectAt(deck, 202, 6, 1, 0);
   EXPECT_EQ(8U, nodeSet(deck, "ALL").size());
+}
+
+TEST_F(GenerationTest, NfillSetsMiddleNodesBesideACrackTipToAQuarter) {
+  for (const auto& [singular, first, last] :
+       {std::tuple{"1", 1.0, 6.0}, std::tuple{"2", 2.0, 7.0}}) {
+    Deck deck = read("*NODE, NSET=A\n1,0,0,0\n*NODE, NSET=B\n2,8,0,0\n*NFILL, SINGULAR=" +
+                     std::string(singular) + "\nA,B,4,10\n");
+    expectAt(deck, 11, first, 0, 0);
+    expectAt(deck, 21, 4, 0, 0);
+    expectAt(deck, 31, last, 0, 0);
+  }
+}
+
+TEST_F(GenerationTest, ReflectedElementsGoRoundTheOtherWay) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"C3D8", "1 4 3 2 5 8 7 6"},
+      {"C3D20", "1 4 3 2 5 8 7 6 12 11 10 9 16 15 14 13 17 20 19 18"},
+      {"C3D10", "1 3 2 4 7 6 5 8 10 9"},
+      {"C3D15", "1 3 2 4 6 5 9 8 7 12 11 10 13 15 14"},
+      {"C3D5", "1 4 3 2 5"},
+      {"S8R", "1 4 3 2 8 7 6 5"},
+      {"CPE6", "1 3 2 6 5 4"},
+      {"B32", "1 2 3"}};
+  for (const auto& [type, expected] : rows) {
+    std::string nodes, label = "7";
+    for (int i = 1; i <= 20; ++i) nodes += std::to_string(i) + "\n" + std::to_string(i + 50) + "\n";
+    const auto n = std::count(expected, expected + std::strlen(expected), ' ') + 1;
+    for (int i = 1; i <= n; ++i) label += "," + std::to_string(i);
+    const Deck deck = read("*NODE\n" + nodes + "*ELEMENT, ELSET=E, TYPE=" + type + "\n" + label +
+                           "\n*ELCOPY, OLD SET=E, ELEMENT SHIFT=1, SHIFT NODES=50, REFLECT\n");
+    const auto& copied = deck.parts.front().content.elements.blocks[0].nodes;
+    std::string order;
+    for (auto at = copied.begin() + n; at != copied.end(); ++at) {
+      order += (order.empty() ? "" : " ") + std::to_string(*at - 50);
+    }
+    EXPECT_EQ(expected, order) << type;
+  }
+}
+
+TEST_F(GenerationTest, ImperfectionsMoveNodesAndWhatIsNotDoneIsSaid) {
+  Deck deck = read(
+      "*NODE, NSET=A\n1,1,0,0\n2,1,0,0\n*IMPERFECTION\n2, .5,, 1.\n*NMAP, NSET=A\n1,2\n"
+      "*IMPERFECTION, FILE=buckle, STEP=1\n1,1.\n");
+  expectAt(deck, 1, 1, 0, 0);
+  expectAt(deck, 2, 1.5, 0, 1);
+  ASSERT_EQ(2U, deck.warnings.size());
+  EXPECT_NE(std::string::npos, deck.warnings[0].find(":6: *NMAP is not carried out"));
+  EXPECT_NE(std::string::npos, deck.warnings[1].find(":8: the imperfection is left out"));
 }
 
 TEST_F(GenerationTest, NcopyShiftsTurnsAndMirrors) {

@@ -14,6 +14,8 @@
 #include <stdexcept>
 #include <string>
 #include <unordered_map>
+#include <utility>
+#include <variant>
 #include <vector>
 
 namespace odbs::importer {
@@ -247,6 +249,25 @@ struct RigidBody {
   Place place = 0;
 };
 
+// A constraint, an interaction, a contact property or an amplitude, in the words of the database:
+// its class, and values, regions and tables by the names of the getters.
+struct NamedObject {
+  enum class Kind { constraint, interaction, interactionProperty, amplitude };
+  using Value = std::variant<bool, int, double, std::string>;
+  struct Region {
+    std::string getter;
+    Reference reference;
+    bool isSurface = false;  // else nodes
+  };
+  Kind kind = Kind::constraint;
+  std::string type, name;
+  std::optional<bool> isExplicit;  // for that analysis only
+  std::vector<std::pair<std::string, Value>> values;
+  std::vector<Region> regions;
+  std::vector<std::pair<std::string, std::vector<std::vector<double>>>> tables;
+  Place place = 0;
+};
+
 // ---- Structure ----
 
 // Whatever can stand in a part, an instance or the assembly.
@@ -258,6 +279,7 @@ struct Scope {
   std::vector<AnalyticSurface> analyticSurfaces;
   std::vector<Section> sections;
   std::vector<RigidBody> rigidBodies;
+  std::vector<NamedObject> objects;  // constraints and interactions
   std::map<std::string, Orientation> orientations;
   std::vector<std::string> transformedSets;  // of nodes, with a *TRANSFORM
 
@@ -307,6 +329,7 @@ struct Deck {
   std::deque<Instance> instances;
   Scope assembly;
   std::vector<Material> materials;
+  std::vector<NamedObject> objects;  // contact properties and amplitudes
   std::vector<Step> steps;
 
   bool printsLocally = false;  // some *NODE PRINT has values in the systems of *TRANSFORM

@@ -125,6 +125,28 @@ class DeckParser {
   Material& material(const Keyword&);
   void readTable(Table& table, std::size_t nConstants);
 
+  // ---- Constraints, contact, amplitudes (read_interactions.cpp) ----
+  void readTie(const Keyword&);
+  void readCoupling(const Keyword&);
+  void readCouplingKind(const Keyword&);
+  void readKinematicCoupling(const Keyword&);
+  void readMpc(const Keyword&);
+  void readShellToSolidCoupling(const Keyword&);
+  void readDisplayBody(const Keyword&);
+  void readSurfaceInteraction(const Keyword&);
+  void readFriction(const Keyword&);
+  void readConnectorFriction(const Keyword&);
+  void readContactPair(const Keyword&);
+  void readAmplitude(const Keyword&);
+  NamedObject startObject(const Keyword&, NamedObject::Kind kind, const char* type,
+                          const std::string& name);
+  // A free name in the manner of `base`: itself, or with a number after it.
+  std::string freeName(const std::string& base, NamedObject::Kind kind);
+  // "LENGTH_METHOD": SPECIFIED with the value of the parameter, or what it is otherwise.
+  void addSpecified(const Keyword&, std::string_view parameter, const char* otherwise,
+                    const std::string& methodGetter, const std::string& getter,
+                    NamedObject& object);
+
   // ---- Structure (read_assembly.cpp) ----
   void readPart(const Keyword&);
   void readEndPart(const Keyword&);
@@ -172,6 +194,9 @@ class DeckParser {
   } elementInput_;
   bool surplusWarned_ = false;  // elements with too many nodes: one warning a keyword
   std::int32_t material_ = -1;
+  std::string property_;              // the *SURFACE INTERACTION being read; empty: none
+  bool couplingOpen_ = false;         // the last of the scope's objects waits for its kind
+  std::map<std::string, int> names_;  // of constraints and interactions, with the numbers given
   std::int64_t nGenerated_ = 0;
   std::int64_t nResolved_ = 0;
   std::unordered_map<const Scope*, std::vector<std::int32_t>> elementLabels_;

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -97,6 +98,14 @@ class ModelWriter {
   odb_Set setOf(odb_DiscreteEntity& entity, const Reference& reference, bool elements);
   std::string nodeSetFor(odb_DiscreteEntity& entity, const Reference& reference);
 
+  // ---- write_interactions.cpp ----
+  // Objects of a scope, with regions looked up on `entity`; `owner` goes before names that are
+  // taken.
+  void writeObjects(odb_DiscreteEntity& entity, const Scope& content, const std::string& owner);
+  void writeObject(const NamedObject& object, odb_DiscreteEntity* entity, const std::string& owner);
+  odb_Set regionOf(odb_DiscreteEntity& entity, const NamedObject& object,
+                   const NamedObject::Region& region);
+
   const Deck& deck_;
   odb_Odb& odb_;
   odb_SectionApi sectionApi_;
@@ -109,6 +118,7 @@ class ModelWriter {
   std::map<std::string, const Orientation*> csysNames_;
   const Scope* sharedFacesOf_ = nullptr;  // mesh whose inner faces these are
   std::unordered_set<FaceNodes, FaceHash> sharedFaces_;
+  std::set<std::pair<NamedObject::Kind, std::string>> objectNames_;
   std::map<const Scope*, odb_Part> partOf_;  // by the scope that was written as a part
 };
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "importer/line_source.h"
 #include "importer/model_writer.h"
 
 namespace odbs::importer {
@@ -31,7 +32,7 @@ WriteSummary writeModel(const Deck& deck, odb_Odb& odb) {
 }
 
 void ModelWriter::warn(const std::string& what) {
-  summary_.warnings.push_back(what);
+  summary_.warnings.push_back(shown(what));
 }
 
 WriteSummary ModelWriter::write() {
@@ -56,6 +57,13 @@ WriteSummary ModelWriter::write() {
     warn("analytic surface " + deck_.assembly.analyticSurfaces[0].name +
          " of the assembly is left out: databases keep them in parts");
   }
+  for (const NamedObject& object : deck_.objects) writeObject(object, nullptr, "");
+  for (const Instance& instance : deck_.instances) {
+    odb_Instance& written = assembly.instances()[text(instance.name)];
+    writeObjects(written, deck_.parts[instance.part].content, instance.name);
+    writeObjects(written, instance.content, instance.name);
+  }
+  writeObjects(assembly, deck_.assembly, deck_.assemblyName);
   writeSteps();
   odb_embedded::addInternalSets(odb_);
   return summary_;

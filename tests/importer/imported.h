@@ -3,6 +3,7 @@
 #pragma once
 
 #include <odb_API.h>
+#include <odb_Interaction.h>
 #include <odb_MaterialTypes.h>
 #include <odb_SectionTypes.h>
 

@@ -251,6 +251,58 @@ TEST_F(ImportTest, TheAssemblyHasMassesGroundedConnectorsAndSurfacesOfItsOwn) {
   EXPECT_STREQ("RP", assembly.rigidBodies()[0].pinNodes().name().CStr());
 }
 
+TEST_F(ImportTest, ConstraintsContactAndAmplitudesArriveInTheirClasses) {
+  odb_Odb& odb = import(
+      kCube +
+      "*SURFACE, NAME=LOW\nPLATE, SPOS\n*SURFACE, NAME=HIGH\nEALL, S2\n"
+      "*TIE, NAME=GLUE, ADJUST=NO, POSITION TOLERANCE=.25, TYPE=SURFACE TO SURFACE\nLOW, HIGH\n"
+      "*COUPLING, CONSTRAINT NAME=HUB, REF NODE=3, SURFACE=LOW\n*KINEMATIC\n1, 2\n6\n"
+      "*COUPLING, REF NODE=NALL, SURFACE=LOW\n*DISTRIBUTING, COUPLING=STRUCTURAL\n"
+      "*MPC\nBEAM, 1, 2\n*SURFACE INTERACTION, NAME=RUB\n*FRICTION, TAUMAX=7.\n.3, , 1.\n.2, , 2.\n"
+      "*SURFACE INTERACTION, NAME=STICK\n*FRICTION\n.4, 5000.\n"
+      "*CONTACT PAIR, INTERACTION=RUB, SMALL SLIDING, ADJUST=0.5\nLOW, HIGH\n"
+      "*AMPLITUDE, NAME=RAMP, TIME=TOTAL TIME\n0,0,1,.5,\n2,1\n"
+      "*AMPLITUDE, NAME=EVEN, DEFINITION=EQUALLY SPACED, FIXED INTERVAL=.5\n1,2\n");
+  EXPECT_EQ(4, odb.constraints().size());
+  const auto& tie = odb_dynamicCast(odb_Tie, odb.constraints()["GLUE"]);
+  EXPECT_STREQ("LOW", tie.slave().name().CStr());
+  EXPECT_STREQ("HIGH", tie.master().name().CStr());
+  EXPECT_FALSE(tie.adjust());
+  EXPECT_TRUE(tie.tieRotations());
+  EXPECT_STREQ("SPECIFIED", tie.positionToleranceMethod().CStr());
+  EXPECT_EQ(0.25, tie.positionTolerance());
+  EXPECT_STREQ("SURFACE_TO_SURFACE", tie.constraintEnforcement().CStr());
+  const auto& hub = odb_dynamicCast(odb_Coupling, odb.constraints()["HUB"]);
+  EXPECT_STREQ("KINEMATIC", hub.couplingType().CStr());
+  EXPECT_EQ((std::vector<int>{3}), labelsOf(hub.refPoint().nodes()));
+  EXPECT_TRUE(hub.u1() && hub.u2() && hub.ur3());
+  EXPECT_FALSE(hub.u3() || hub.ur1() || hub.ur2());
+  const auto& spread = odb_dynamicCast(odb_Coupling, odb.constraints()["COUPLING"]);
+  EXPECT_STREQ("DISTRIBUTING_STRUCTURAL", spread.couplingType().CStr());
+  EXPECT_TRUE(spread.u1() && spread.ur3());
+  const auto& mpc = odb_dynamicCast(odb_MPC, odb.constraints()["MPC"]);
+  EXPECT_EQ((std::vector<int>{2}), labelsOf(mpc.controlPoint().nodes()));
+  const auto frictionOf = [&](const char* name) {
+    return odb_dynamicCast(odb_ContactProperty, odb.interactionProperties()[name])
+        .tangentialBehavior();
+  };
+  EXPECT_TRUE(frictionOf("RUB").pressureDependency());
+  EXPECT_FALSE(frictionOf("RUB").slipRateDependency());
+  EXPECT_EQ(7, frictionOf("RUB").shearStressLimit());
+  EXPECT_EQ(0.2, frictionOf("RUB").table()[1][0]);
+  EXPECT_EQ(5000, frictionOf("STICK").elasticSlipStiffness());
+  const auto& pair = odb_dynamicCast(odb_SurfaceToSurfaceContactStd, odb.interactions()["INT"]);
+  EXPECT_STREQ("RUB", pair.interactionProperty().CStr());
+  EXPECT_STREQ("SMALL", pair.sliding().CStr());
+  EXPECT_STREQ("TOLERANCE", pair.adjustMethod().CStr());
+  EXPECT_STREQ("HIGH", pair.master().name().CStr());
+  const auto& ramp = odb_dynamicCast(odb_TabularAmplitude, odb.amplitudes()["RAMP"]);
+  EXPECT_STREQ("TOTAL", ramp.timeSpan().CStr());
+  ASSERT_EQ(3, ramp.data().size());
+  EXPECT_EQ(0.5, ramp.data()[1][1]);
+  EXPECT_EQ(2, odb_dynamicCast(odb_TabularAmplitude, odb.amplitudes()["EVEN"]).data()[1][1]);
+}
+
 class SampleTest : public ImportTest {
  protected:
   void SetUp() override {

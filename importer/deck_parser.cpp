@@ -7,6 +7,7 @@
 
 #include "base/text.h"
 #include "importer/deck_reader.h"
+#include "importer/result_input.h"
 
 namespace odbs::importer {
 
@@ -164,7 +165,7 @@ void DeckParser::checkSpelling(const Keyword& keyword) {
 }
 
 void DeckParser::ignore(const Keyword& keyword) {
-  const std::string text = shown(keyword.text);
+  const std::string text = printable(keyword.text);
   if (deck_.ignoredKeywords.size() >= kMaxKeywordKinds && deck_.ignoredKeywords.count(text) == 0) {
     lines_.fail(keyword.place, "too many different unknown keywords: this is no input deck");
   }
@@ -312,7 +313,7 @@ void DeckParser::countGenerated(std::int64_t n) {
 
 void DeckParser::warn(Place place, const std::string& text) {
   if (deck_.warnings.size() < kMaxWarnings) {
-    deck_.warnings.push_back(shown(lines_.where(place) + ": " + text));
+    deck_.warnings.push_back(printable(lines_.where(place) + ": " + text));
   } else if (deck_.warnings.size() == kMaxWarnings) {
     deck_.warnings.push_back("further warnings are left out");
   }

@@ -10,6 +10,7 @@
 
 #include "base/text.h"
 #include "importer/keyword_table.h"
+#include "importer/result_input.h"
 
 namespace odbs::importer {
 
@@ -68,7 +69,7 @@ LineSource::LineSource(const std::string& path) {
 LineSource::~LineSource() = default;
 
 void LineSource::fail(Place place, const std::string& reason) const {
-  throw DeckError(shown(where(place) + ": " + reason));
+  throw DeckError(printable(where(place) + ": " + reason));
 }
 
 std::string LineSource::where(Place place) const {
@@ -88,7 +89,7 @@ double LineSource::progress() const {
 void LineSource::open(const std::string& path) {
   const std::string at = stack_.empty() ? path : where(place_);
   const auto refuse = [&](const std::string& reason) {
-    throw DeckError(shown(at + ": " + (stack_.empty() ? "" : startOf(path) + ": ") + reason));
+    throw DeckError(printable(at + ": " + (stack_.empty() ? "" : startOf(path) + ": ") + reason));
   };
   std::error_code error;
   const fs::path file(path);
@@ -121,7 +122,7 @@ void LineSource::open(const std::string& path) {
   if (nul != std::string::npos) {
     const auto line = std::count(opened->text.begin(),
                                  opened->text.begin() + static_cast<std::ptrdiff_t>(nul), '\n');
-    throw DeckError(shown(path) + ":" + std::to_string(line + 1) +
+    throw DeckError(printable(path) + ":" + std::to_string(line + 1) +
                     ": holds a NUL byte: this is not a text file");
   }
   segments_.push_back({nextPlace_, opened->name, 1});
@@ -307,20 +308,6 @@ std::optional<double> numberOf(std::string_view field) {
   field = trimmed(field);
   const bool exponent = field.find_first_of("eEdD") != std::string_view::npos;
   return exponent && field.back() == '.' ? parseReal(field.substr(0, field.size() - 1)) : number;
-}
-
-std::string shown(std::string_view text) {
-  constexpr const char* kDigits = "0123456789ABCDEF";
-  std::string result;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte < 0x7F) {
-      result += c;
-    } else {
-      result += std::string("\\x") + kDigits[byte >> 4] + kDigits[byte & 15];
-    }
-  }
-  return result;
 }
 
 std::string nameOf(std::string_view text) {

@@ -115,9 +115,6 @@ class Fields {
 // The whole of a field as a number: base's parseReal, and "1e-3." with a point at its end.
 std::optional<double> numberOf(std::string_view field);
 
-// `text` as a terminal may show it: bytes other than printable ASCII as \xNN.
-std::string shown(std::string_view text);
-
 // A name as databases show it: without quotes and as it stands when quoted, else in upper case.
 std::string nameOf(std::string_view text);
 

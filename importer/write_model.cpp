@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "importer/line_source.h"
 #include "importer/model_writer.h"
+#include "importer/result_input.h"
 
 namespace odbs::importer {
 
@@ -32,7 +32,7 @@ WriteSummary writeModel(const Deck& deck, odb_Odb& odb) {
 }
 
 void ModelWriter::warn(const std::string& what) {
-  summary_.warnings.push_back(shown(what));
+  summary_.warnings.push_back(printable(what));
 }
 
 WriteSummary ModelWriter::write() {

@@ -72,7 +72,7 @@ void Database::save() {
     Saver saver(storage, writer, storage.pendingFile());
     fill(saver);
     saver.finish();
-    storage.commitPending(pathOf(target));
+    storage.commitPending();
     saver.commit();
   } catch (...) {
     // What was spilled exists nowhere else, and stays for another try.

@@ -191,11 +191,10 @@ void saveInOldLayout(odb_Odb& odb, const odb_String& path) {
 }
 
 void stampRelease(const odb_String& path, int release) {
-  Hdf5File file = Hdf5File::openForWriting(path.CStr());
-  const Hdf5File::Dataset dataset = file.open(layout::kFormat, Number::kInt64, 1);
+  Hdf5File file = Hdf5File::openForWriting(path.CStr(), path.CStr());
   const std::int64_t value = release;
-  file.write(dataset, 1, 1, &value);
-  file.flush();
+  file.write(file.open(layout::kFormat, Number::kInt64, 1), 1, 1, &value);
+  file.finish();
 }
 
 int releaseOf(const odb_String& path) {

@@ -71,7 +71,7 @@ FileReader::FileReader(const std::string& path) : path_(path) {
 }
 
 void FileReader::begin() {
-  if (depth_ == 0 && !file_) {
+  if (!file_) {
     auto file = std::make_unique<Hdf5File>(Hdf5File::openForReading(path_));
     const Format now = readFormat(*file);
     if (now.saveId[0] != format_.saveId[0] || now.saveId[1] != format_.saveId[1]) {
@@ -82,15 +82,26 @@ void FileReader::begin() {
   ++depth_;
 }
 
-void FileReader::end() {
+void FileReader::end(bool failed) {
   --depth_;
-  rest();
+  if (failed) {
+    drop();
+  } else {
+    rest();
+  }
 }
 
 void FileReader::rest() {
-  if (depth_ > 0 || port::openFilesCanBeReplaced()) return;
+  if (depth_ == 0 && !port::openFilesCanBeReplaced()) drop();
+}
+
+void FileReader::drop() {
   for (Pieces& pieces : pieces_) pieces.open.clear();
   file_.reset();
+}
+
+void FileReader::moved(const std::string& path) {
+  path_ = path;
 }
 
 std::int64_t FileReader::nRows(const layout::TableSpec& shape) {
@@ -137,8 +148,10 @@ Table FileReader::readTable(const layout::TableSpec& shape, std::int64_t firstRo
 
 void FileReader::readTexts() {
   const Use use(*this);
-  textsRead_ = true;
-  if (!file_->has(layout::kTextEnds)) return;
+  if (!file_->has(layout::kTextEnds)) {
+    textsRead_ = true;
+    return;
+  }
   const Hdf5File::Dataset ends = file_->open(layout::kTextEnds, Number::kInt64, 1);
   const Hdf5File::Dataset bytes = file_->open(layout::kTextBytes, Number::kUint8, 1);
   Buffer<std::int64_t> places;
@@ -152,6 +165,7 @@ void FileReader::readTexts() {
   textBytes_.resize(static_cast<std::size_t>(bytes.dims[0]));
   file_->read(bytes, 0, bytes.dims[0], textBytes_.data());
   textEnds_.swap(places);
+  textsRead_ = true;
 }
 
 odb_String FileReader::text(std::int64_t number) {
@@ -176,13 +190,15 @@ void FileReader::readPieces(layout::Kind kind) {
     sizes.resize(static_cast<std::size_t>(dataset.dims[0]));
     file_->read(dataset, 0, dataset.dims[0], sizes.data());
   }
+  std::vector<std::int64_t> ends;
   std::int64_t end = 0;
   for (const std::int64_t size : sizes) {
     if (size < 0 || size > (std::int64_t(1) << 50)) failDamaged(path_ + ": absurd array sizes");
     end += size;
     if (end > (std::int64_t(1) << 52)) failDamaged(path_ + ": absurd array sizes");
-    pieces.ends.push_back(end);
+    ends.push_back(end);
   }
+  pieces.ends.swap(ends);
   pieces.known = true;
 }
 

@@ -2,7 +2,9 @@
 #include "odb/src/hdf5_file.h"
 
 #include "odb/src/errors.h"
-#include "port/port.h"
+
+#include <algorithm>
+#include <cstdio>
 
 #if defined(__SANITIZE_ADDRESS__)
 // HDF5 1.10 loses the header structure (424 bytes) of each object whose stored header is damaged.
@@ -51,28 +53,36 @@ hid_t memoryType(Number number) {
   }
 }
 
+// Fixed in size: no exception may pass through HDF5.
+struct Reason {
+  char text[256] = "no reason given";
+};
+
 herr_t takeInnermost(unsigned n, const H5E_error2_t* error, void* out) {
   if (n == 0) {
-    std::string& text = *static_cast<std::string*>(out);
-    text = error->func_name ? error->func_name : "?";
-    text += ": ";
-    text += error->desc ? error->desc : "no reason given";
+    std::snprintf(static_cast<Reason*>(out)->text, sizeof(Reason), "%s: %s",
+                  error->func_name ? error->func_name : "?",
+                  error->desc ? error->desc : "no reason given");
   }
   return 0;
 }
 
-// Newest format bounds: their metadata carries checksums. No file locks: databases are replaced
-// whole, never changed in place, and locks fail on network drives.
-Hid accessList() {
+// Newest format bounds: their metadata carries checksums.
+Hid accessList(DiskFile& disk) {
+  // HDF5's own handler at the exit would go on with files whose writing failed.
+  static const herr_t withoutExitHandler = H5dont_atexit();
+  static_cast<void>(withoutExitHandler);
   H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
   Hid list(H5Pcreate(H5P_FILE_ACCESS), H5Pclose);
-  if (!list.valid() || H5Pset_libver_bounds(list.get(), H5F_LIBVER_LATEST, H5F_LIBVER_LATEST) < 0 ||
+  if (!list.valid() || disk.setDriver(list.get()) < 0 ||
+      H5Pset_libver_bounds(list.get(), H5F_LIBVER_LATEST, H5F_LIBVER_LATEST) < 0 ||
       H5Pset_fclose_degree(list.get(), H5F_CLOSE_STRONG) < 0) {
     fail(odb_ERROR_CANNOT_OPEN, "HDF5 refuses the access properties");
   }
-  H5Pset_file_locking(list.get(), false, true);
   return list;
 }
+
+int nFailedCloses = 0;
 
 }  // namespace
 
@@ -100,33 +110,48 @@ Hid& Hid::operator=(Hid&& other) noexcept {
 }
 
 void Hid::reset() {
-  if (id_ >= 0) closer_(id_);
+  if (id_ >= 0 && closer_(id_) < 0) ++nFailedCloses;
   id_ = -1;
 }
 
+int Hid::nFailures() {
+  return nFailedCloses;
+}
+
+Hdf5File::Hdf5File(std::unique_ptr<DiskFile> disk, const std::string& shown)
+    : disk_(std::move(disk)), path_(shown), nFailuresBefore_(Hid::nFailures()) {}
+
+Hdf5File& Hdf5File::operator=(Hdf5File&& other) noexcept {
+  file_ = std::move(other.file_);
+  disk_ = std::move(other.disk_);
+  path_ = std::move(other.path_);
+  nFailuresBefore_ = other.nFailuresBefore_;
+  return *this;
+}
+
 void Hdf5File::failCall(const char* call, const std::string& object) const {
-  std::string reason = "no reason given";
+  Reason reason;
   H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, takeInnermost, &reason);
   H5Eclear2(H5E_DEFAULT);
-  const std::string message = path_ + ": " + object + ": " + call + ": " + reason;
-  if (writing_) fail(odb_ERROR_CANNOT_WRITE, "cannot write " + message);
-  failDamaged(message);
+  const std::string message = object + ": " + call + ": " + reason.text;
+  const std::string cause = disk_->failure();
+  if (disk_->isWritable()) {
+    fail(odb_ERROR_CANNOT_WRITE,
+         "cannot write " + path_ + ": " + (cause.empty() ? message : cause));
+  }
+  if (!cause.empty()) fail(odb_ERROR_DAMAGED, "cannot read " + path_ + ": " + cause);
+  failDamaged(path_ + ": " + message);
 }
 
 Hdf5File Hdf5File::openForReading(const std::string& path) {
-  const port::FileStatus status = port::fileStatus(path);
-  if (!status.exists) fail(odb_ERROR_CANNOT_OPEN, "cannot open " + path + ": no such file");
-  // Opening a pipe would wait for a writer.
-  if (!status.isRegular) fail(odb_ERROR_CANNOT_OPEN, "cannot open " + path + ": not a file");
-  Hdf5File file;
-  file.path_ = path;
-  file.fileSize_ = status.size;
-  const Hid access = accessList();
-  file.file_ =
-      Hid(H5Fopen(port::libraryPath(path).c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose);
+  Hdf5File file(DiskFile::openForReading(path), path);
+  const Hid access = accessList(*file.disk_);
+  file.file_ = Hid(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose);
   if (!file.file_.valid()) {
     H5Eclear2(H5E_DEFAULT);
-    fail(odb_ERROR_CANNOT_OPEN, "cannot open " + path + ": no database, or cut short");
+    const std::string cause = file.disk_->failure();
+    fail(odb_ERROR_CANNOT_OPEN,
+         "cannot open " + path + ": " + (cause.empty() ? "no database, or cut short" : cause));
   }
   // Older file formats have no checksums over their metadata.
   H5F_info2_t info;
@@ -137,35 +162,33 @@ Hdf5File Hdf5File::openForReading(const std::string& path) {
   return file;
 }
 
-Hdf5File Hdf5File::create(const std::string& path) {
-  Hdf5File file;
-  file.path_ = path;
-  file.writing_ = true;
-  const Hid access = accessList();
-  file.file_ =
-      Hid(H5Fcreate(port::libraryPath(path).c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access.get()),
-          H5Fclose);
-  if (!file.file_.valid()) file.failCall("H5Fcreate", "/");
+std::unique_ptr<Hdf5File> Hdf5File::createNew(const std::string& path, const std::string& shown) {
+  std::unique_ptr<DiskFile> disk = DiskFile::createNew(path, shown);
+  if (!disk) return nullptr;
+  std::unique_ptr<Hdf5File> file(new Hdf5File(std::move(disk), shown));
+  const Hid access = accessList(*file->disk_);
+  file->file_ = Hid(H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access.get()), H5Fclose);
+  if (!file->file_.valid()) {
+    port::removeFile(path);
+    file->failCall("H5Fcreate", "/");
+  }
   return file;
 }
 
-Hdf5File Hdf5File::openForWriting(const std::string& path) {
-  Hdf5File file;
-  file.path_ = path;
-  file.writing_ = true;
-  const Hid access = accessList();
-  file.file_ = Hid(H5Fopen(port::libraryPath(path).c_str(), H5F_ACC_RDWR, access.get()), H5Fclose);
+Hdf5File Hdf5File::openForWriting(const std::string& path, const std::string& shown) {
+  Hdf5File file(DiskFile::openForWriting(path), shown);
+  const Hid access = accessList(*file.disk_);
+  file.file_ = Hid(H5Fopen(path.c_str(), H5F_ACC_RDWR, access.get()), H5Fclose);
   if (!file.file_.valid()) file.failCall("H5Fopen", "/");
-  file.fileSize_ = port::fileStatus(path).size;
   return file;
 }
 
-void Hdf5File::close() {
-  file_.reset();
-}
-
-void Hdf5File::flush() {
+void Hdf5File::finish() {
   if (H5Fflush(file_.get(), H5F_SCOPE_GLOBAL) < 0) failCall("H5Fflush", "/");
+  file_.reset();
+  disk_->sync();
+  if (!disk_->failure().empty() || Hid::nFailures() != nFailuresBefore_) failCall("H5Fclose", "/");
+  disk_.reset();
 }
 
 bool Hdf5File::has(const std::string& name) const {
@@ -221,12 +244,14 @@ Hdf5File::Dataset Hdf5File::open(const std::string& name, Number number, int ran
   if (H5Sget_simple_extent_dims(space.get(), dims, nullptr) < 0) {
     failCall("H5Sget_simple_extent_dims", name);
   }
-  constexpr hsize_t kMost = hsize_t(1) << 50;
+  // The product of both, in bytes, stays far below what 64 bits hold.
+  constexpr hsize_t kMost = hsize_t(1) << 44;
   for (int i = 0; i < rank; ++i) {
-    if (dims[i] > kMost) failDamaged(path_ + ": " + name + " has an absurd extent");
+    if (dims[i] > (i == 0 ? kMost : 4096)) {
+      failDamaged(path_ + ": " + name + " has an absurd extent");
+    }
     dataset.dims.push_back(static_cast<std::int64_t>(dims[i]));
   }
-  if (rank == 2 && dims[1] > 4096) failDamaged(path_ + ": " + name + " has an absurd extent");
   checkStorage(dataset);
   return dataset;
 }
@@ -240,7 +265,7 @@ void Hdf5File::checkStorage(const Dataset& dataset) const {
   const H5D_layout_t kind = H5Pget_layout(plist.get());
   if (H5Pget_external_count(plist.get()) != 0) failDamaged(where + " lies in another file");
   // A file that is being written grows, and only by our own hand.
-  if (stored < 0 || (!writing_ && stored > fileSize_))
+  if (stored < 0 || (!disk_->isWritable() && stored > disk_->sizeAtOpening()))
     failDamaged(where + " is larger than the file");
   if (kind == H5D_CHUNKED) {
     hsize_t chunk[2] = {1, 1};
@@ -329,6 +354,9 @@ void Hdf5File::transfer(const Dataset& dataset, std::int64_t firstRow, std::int6
 void Hdf5File::read(const Dataset& dataset, std::int64_t firstRow, std::int64_t nRows,
                     void* out) const {
   transfer(dataset, firstRow, nRows, out, false);
+  if (!disk_->isWritable() && !disk_->isUnchanged()) {
+    fail(odb_ERROR_DAMAGED, "the database " + path_ + " was changed while it was read");
+  }
 }
 
 void Hdf5File::write(const Dataset& dataset, std::int64_t firstRow, std::int64_t nRows,

@@ -5,7 +5,7 @@
 // hold.
 #pragma once
 
-#include <hdf5.h>
+#include "odb/src/disk_file.h"
 
 #include <cstdint>
 #include <string>
@@ -25,6 +25,8 @@ class Hid {
   hid_t get() const { return id_; }
   bool valid() const { return id_ >= 0; }
   void reset();
+  // How often HDF5 failed to close something since the process started.
+  static int nFailures();
 
  private:
   hid_t id_ = -1;
@@ -39,16 +41,17 @@ class Hdf5File {
  public:
   // Opens for reading. Throws odb_Exception: missing (cannot open), no HDF5 file (cannot open).
   static Hdf5File openForReading(const std::string& path);
-  // Creates, replacing what is there.
-  static Hdf5File create(const std::string& path);
-  // Opens for changing numbers in place (tests stamp releases with it).
-  static Hdf5File openForWriting(const std::string& path);
+  // Creates a file; nothing is returned when the name is taken. Messages of failures name `shown`.
+  static std::unique_ptr<Hdf5File> createNew(const std::string& path, const std::string& shown);
+  // Opens for changing: to go on with a finished file, to stamp another release on it.
+  static Hdf5File openForWriting(const std::string& path, const std::string& shown);
+  Hdf5File(Hdf5File&&) = default;
+  Hdf5File& operator=(Hdf5File&& other) noexcept;
 
   const std::string& path() const { return path_; }
-  std::int64_t fileSize() const { return fileSize_; }
-  bool isOpen() const { return file_.valid(); }
-  void close();
-  void flush();
+  // Closes a written file once all of it is on the disk. Throws odb_Exception when anything of it
+  // may be lost, however long ago that happened.
+  void finish();
 
   // An open dataset of a file.
   struct Dataset {
@@ -67,6 +70,7 @@ class Hdf5File {
   // Creates a dataset; `compressed` asks for chunks with deflate.
   Dataset create(const std::string& name, Number number, const std::vector<std::int64_t>& dims,
                  bool compressed);
+  // Throws odb_Exception also when the stored file was changed meanwhile.
   // `count` numbers from flat place `first` of a rank-1 dataset, or whole rows of a rank-2 one.
   void read(const Dataset& dataset, std::int64_t firstRow, std::int64_t nRows, void* out) const;
   void write(const Dataset& dataset, std::int64_t firstRow, std::int64_t nRows, const void* in);
@@ -75,16 +79,16 @@ class Hdf5File {
   [[noreturn]] void failCall(const char* call, const std::string& object) const;
 
  private:
-  Hdf5File() = default;
+  Hdf5File(std::unique_ptr<DiskFile> disk, const std::string& shown);
   void checkLink(const std::string& name) const;
   void checkStorage(const Dataset& dataset) const;
   void transfer(const Dataset& dataset, std::int64_t firstRow, std::int64_t nRows, void* memory,
                 bool writing) const;
 
-  Hid file_;
+  std::unique_ptr<DiskFile> disk_;
+  Hid file_;  // closed before the file below it
   std::string path_;
-  std::int64_t fileSize_ = 0;
-  bool writing_ = false;
+  int nFailuresBefore_;
 };
 
 }  // namespace odbs::engine

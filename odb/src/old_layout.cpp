@@ -5,7 +5,6 @@
 #include "port/port.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <cstring>
 #include <fstream>
@@ -144,15 +143,18 @@ std::string logPath(const std::string& path) {
 
 }  // namespace
 
-OldWriter::OldWriter(const std::string& path) : file_(Hdf5File::create(path)) {
-  file_.makeGroup(kColumns);
-  file_.makeGroup(kBlocks);
+OldWriter::OldWriter(const std::string& path) {
+  port::removeFile(path);
+  file_ = Hdf5File::createNew(path, path);
+  if (!file_) fail(odb_ERROR_CANNOT_WRITE, "cannot write " + path + ": it cannot be replaced");
+  file_->makeGroup(kColumns);
+  file_->makeGroup(kBlocks);
 }
 
 std::int64_t OldWriter::putArray(layout::Kind kind, const void* data, std::int64_t count) {
   const std::int64_t number = nArrays_[static_cast<int>(kind)]++;
-  file_.write(file_.create(blockName(kind, number), numberOf(kind), {count}, false), 0, count,
-              data);
+  file_->write(file_->create(blockName(kind, number), numberOf(kind), {count}, false), 0, count,
+               data);
   return number;
 }
 
@@ -160,14 +162,14 @@ void OldWriter::putTable(const layout::TableSpec& shape, const Table& table) {
   for (int c = 0; c < shape.nInts; ++c) {
     std::vector<std::int64_t> column;
     for (std::int64_t r = 0; r < table.nRows; ++r) column.push_back(table.integer(r, c));
-    file_.write(file_.create(columnName(shape, 'i', c), Number::kInt64, {table.nRows}, false), 0,
-                table.nRows, column.data());
+    file_->write(file_->create(columnName(shape, 'i', c), Number::kInt64, {table.nRows}, false), 0,
+                 table.nRows, column.data());
   }
   for (int c = 0; c < shape.nReals; ++c) {
     std::vector<double> column;
     for (std::int64_t r = 0; r < table.nRows; ++r) column.push_back(table.real(r, c));
-    file_.write(file_.create(columnName(shape, 'r', c), Number::kFloat64, {table.nRows}, false), 0,
-                table.nRows, column.data());
+    file_->write(file_->create(columnName(shape, 'r', c), Number::kFloat64, {table.nRows}, false),
+                 0, table.nRows, column.data());
   }
 }
 
@@ -180,25 +182,24 @@ void OldWriter::putTexts(const std::vector<std::string>& texts) {
     bytes += text;
   }
   const std::int64_t n = static_cast<std::int64_t>(texts.size());
-  file_.write(file_.create(kTexts, Number::kUint8, {n, static_cast<std::int64_t>(longest)}, false),
-              0, n, bytes.data());
+  file_->write(
+      file_->create(kTexts, Number::kUint8, {n, static_cast<std::int64_t>(longest)}, false), 0, n,
+      bytes.data());
 }
 
 void OldWriter::finish() {
   const std::int64_t format[4] = {layout::kMagic, kOldRelease, 0, 0};
-  file_.write(file_.create(layout::kFormat, Number::kInt64, {4}, false), 0, 4, format);
-  file_.flush();
-  file_.close();
+  file_->write(file_->create(layout::kFormat, Number::kInt64, {4}, false), 0, 4, format);
+  file_->finish();
 }
 
 void upgradeOldLayout(const std::string& from, const std::string& to) {
   OldReader reader(from);
-  const std::string unfinished = to + ".new" + std::to_string(port::currentProcessId());
   std::ofstream log(logPath(to));
   log << "upgrade of " << from << " (release " << kOldRelease << ") to " << to << " (release "
       << layout::kRelease << ")\n";
   try {
-    FileWriter writer(unfinished, false);
+    FileWriter writer(to, false);
     ArrayMover mover(reader, writer);
     writer.putTexts(reader.texts());
     for (const layout::TableSpec* shape : layout::kAllTables) {
@@ -209,14 +210,10 @@ void upgradeOldLayout(const std::string& from, const std::string& to) {
     }
     writer.finish();
     log << mover.count() << " arrays\n";
-    const bool durable = port::syncFile(unfinished);
-    const int error = durable ? port::replaceFile(unfinished, to) : EIO;
-    if (error != 0)
-      fail(odb_ERROR_CANNOT_WRITE, "cannot write " + to + ": " + std::strerror(error));
+    writer.commit();
     log << "upgrade completed\n";
   } catch (const std::exception& error) {
     log << "upgrade failed: " << error.what() << "\n";
-    port::removeFile(unfinished);
     throw;
   }
 }

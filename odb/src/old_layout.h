@@ -21,7 +21,7 @@ class OldWriter : public SaveTarget {
   void finish() override;
 
  private:
-  Hdf5File file_;
+  std::unique_ptr<Hdf5File> file_;
   std::int64_t nArrays_[layout::kNKinds] = {0, 0, 0};
 };
 

@@ -3,9 +3,6 @@
 #include "odb/src/storage.h"
 
 #include "odb/src/errors.h"
-#include "port/port.h"
-
-#include <cstring>
 
 namespace odbs::engine {
 
@@ -35,27 +32,15 @@ void Storage::read(layout::Kind kind, const ArrayRef& ref, std::int64_t first, s
 
 FileWriter& Storage::pending(const std::string& target) {
   if (!pending_) {
-    static int count = 0;
-    const std::string path =
-        target + ".new" + std::to_string(port::currentProcessId()) + "-" + std::to_string(++count);
-    pending_ = std::make_unique<FileWriter>(path, compressed);
+    pending_ = std::make_unique<FileWriter>(target, compressed);
     pendingFile_ = ++lastFile_;
   }
   return *pending_;
 }
 
-void Storage::commitPending(const std::string& target) {
-  const std::string path = pending_->path();
-  const bool durable = port::syncFile(path);
-  const int error = durable ? port::replaceFile(path, target) : 0;
-  if (!durable || error != 0) {
-    pending_->reopen();
-    fail(odb_ERROR_CANNOT_WRITE,
-         "cannot write " + target + ": " + (durable ? std::strerror(error) : "flushing failed"));
-  }
+void Storage::commitPending() {
   const int number = pendingFile_;
-  auto reader = std::make_unique<FileReader>(target);
-  reader->rest();
+  std::unique_ptr<FileReader> reader = pending_->commit();
   pending_.reset();
   pendingFile_ = 0;
   // References may point at files of earlier saves only as long as those are the current one.
@@ -65,11 +50,8 @@ void Storage::commitPending(const std::string& target) {
 }
 
 void Storage::dropPending() {
-  if (!pending_) return;
-  const std::string path = pending_->path();
   pending_.reset();
   pendingFile_ = 0;
-  port::removeFile(path);
 }
 
 Table& Saver::table(const layout::TableSpec& shape) {

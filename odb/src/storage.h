@@ -13,10 +13,12 @@
 
 #include <odb_String.h>
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
 #include <new>
+#include <optional>
 #include <tuple>
 #include <unordered_map>
 
@@ -152,21 +154,27 @@ class FileReader {
   // Closes the file until the next read where open files cannot be replaced.
   void rest();
 
-  // Keeps the file open over several reads.
+  // The file has another name from now on.
+  void moved(const std::string& path);
+
+  // Keeps the file open over several reads. After an exception it is closed, for HDF5 would take
+  // buffers that it could not fill for what is stored; the next read opens it afresh.
   class Use {
    public:
     explicit Use(FileReader& reader) : reader_(reader) { reader_.begin(); }
-    ~Use() { reader_.end(); }
+    ~Use() { reader_.end(std::uncaught_exceptions() > nExceptions_); }
     Use(const Use&) = delete;
     Use& operator=(const Use&) = delete;
 
    private:
     FileReader& reader_;
+    int nExceptions_ = std::uncaught_exceptions();
   };
 
  private:
   void begin();
-  void end();
+  void end(bool failed);
+  void drop();
   void readTexts();
   void readPieces(layout::Kind kind);
   int pieceOf(layout::Kind kind, std::int64_t start, std::int64_t count);
@@ -202,15 +210,17 @@ class SaveTarget {
 // A new database in the current layout.
 class FileWriter : public SaveTarget {
  public:
-  FileWriter(const std::string& path, bool compressed);
+  // Begins a file beside `target`, or beside what `target` links to; it is deleted with the object
+  // unless commit() came through. Throws odb_Exception when the target is no ordinary file.
+  FileWriter(const std::string& target, bool compressed);
 
-  const std::string& path() const { return path_; }
   std::int64_t putArray(layout::Kind kind, const void* data, std::int64_t count) override;
   void putTable(const layout::TableSpec& shape, const Table& table) override;
   void putTexts(const std::vector<std::string>& texts) override;
   void finish() override;
-  // Opens the finished file again, when it could not be put in its place.
-  void reopen();
+  // Checks the finished file, puts it in the target's place and gives its reader. Throws
+  // odb_Exception; the target is untouched then.
+  std::unique_ptr<FileReader> commit();
   // Makes room for an array of `count` numbers, at least 1, that come later in order; gives its
   // place. Numbers that have not come when the file is finished are zeros.
   std::int64_t reserveArray(layout::Kind kind, std::int64_t count);
@@ -237,10 +247,24 @@ class FileWriter : public SaveTarget {
   void fillReserved(layout::Kind kind);
   void writePiece(layout::Kind kind, const void* data, std::int64_t count);
   void flushSmall(layout::Kind kind);
+  // A whole dataset, in the place of an older one.
+  void put(const std::string& name, Number number, const std::vector<std::int64_t>& dims,
+           const void* data);
+  void checkStored() const;
 
-  std::string path_;
-  Hdf5File file_;
+  // What must be found in the finished file; the hash of arrays is not kept.
+  struct Stored {
+    Number number;
+    std::vector<std::int64_t> dims;
+    std::optional<std::size_t> hash;
+  };
+
+  std::string target_;
+  std::string finalPath_;
+  std::unique_ptr<port::UnfinishedFile> unfinished_;  // deleted after the file was closed
+  std::unique_ptr<Hdf5File> file_;
   bool compressed_;
+  std::map<std::string, Stored> stored_;
   Pieces pieces_[layout::kNKinds];
 };
 
@@ -265,7 +289,7 @@ class Storage {
   FileWriter& pending(const std::string& target);
   int pendingFile() const { return pendingFile_; }
   // Puts the finished pending file in the target's place and makes it the current one.
-  void commitPending(const std::string& target);
+  void commitPending();
   void dropPending();
 
   bool compressed = false;

@@ -40,7 +40,8 @@ bodies, connectors and the names of the steps.
       --version       print the version
   -h, --help          print this text
 
-A database that exists is replaced, but only when the import succeeds. A deck that is broken gives
+A database that exists is replaced, but only when the import succeeds; through a symbolic link, the
+file that it names. A deck that is broken gives
 one message, FILE:LINE: REASON, and no database. Keywords that a database has no place for (loads,
 output requests, ...) are counted and listed at the end.
 
@@ -193,6 +194,13 @@ int runImport(const std::vector<std::string>& texts) {
   const Program program{"odb_import", [](const Arguments&) { return kHelp; }, kOptions};
   return runProgram(program, texts, std::cout, std::cerr, [](const Arguments& arguments) {
     const Options options = optionsOf(arguments);
+    std::error_code none;
+    const fs::file_status target = fs::status(options.output, none);
+    if (fs::exists(target) && !fs::is_regular_file(target)) {
+      std::fprintf(stderr, "odb_import: %s: it exists and is no ordinary file\n",
+                   options.output.c_str());
+      return kFailed;
+    }
     try {
       importDeck(options);
       return kDone;

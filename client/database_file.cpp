@@ -19,7 +19,7 @@ namespace odbs::client {
 namespace {
 
 // The first bytes of a file: the signature and the superblock of HDF5.
-using Head = std::array<unsigned char, 48>;
+using Head = std::array<unsigned char, 64>;
 
 constexpr std::string_view kSignature("\x89HDF\r\n\x1a\n", 8);
 
@@ -32,14 +32,12 @@ std::uint64_t announcedSize(const Head& head) {
   if (version > 3 || head[isOld ? 13 : 9] != 8) return 0;
   // Version 1 has four bytes more ahead of the addresses.
   const std::size_t at = !isOld ? 28 : version == 0 ? 40 : 44;
-  if (at + 8 > head.size()) return 0;
   return getU32(head.data() + at) | std::uint64_t{getU32(head.data() + at + 4)} << 32;
 }
 
 bool isText(const Head& head, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) {
-    if (head[i] < 0x20 && std::strchr("\t\n\v\f\r", head[i]) == nullptr) return false;
-    if (head[i] == 0) return false;
+    if (head[i] < 0x20 && (head[i] < '\t' || head[i] > '\r')) return false;
   }
   return true;
 }
@@ -75,7 +73,8 @@ std::string whyNotOpened(const std::string& path) {
            "wrote. Databases of the vendor's own library need a server that is built against the "
            "vendor's SDK (ODB_API=sdk), or odb_import on the deck that they came from";
   }
-  const std::uint64_t announced = n < head.size() ? head.size() : announcedSize(head);
+  if (n < head.size()) return "the file is cut: it ends in its header";
+  const std::uint64_t announced = announcedSize(head);
   if (announced > static_cast<std::uint64_t>(status.size)) {
     return "the file is cut: it has " + std::to_string(status.size) + " of " +
            std::to_string(announced) + " bytes";

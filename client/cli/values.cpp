@@ -106,7 +106,7 @@ std::string placeText(const FieldValues& values, const Place& place) {
 }
 
 // Names of a value's components, "S11", "U1", ...; conjugates come after the others. Where the
-// number does not fit the type, as with the one number of "MATRIX Sqq", they are counted.
+// number does not fit the type, they are counted; the one number of "MATRIX Sqq" has its name.
 std::vector<std::string> componentNames(const std::string& field, const ValueBlock& block) {
   static const std::map<std::uint32_t, std::vector<std::string>> kSuffixes{
       {1, {""}},
@@ -120,11 +120,10 @@ std::vector<std::string> componentNames(const std::string& field, const ValueBlo
   if (block.valueType == 16) nReal = n <= 3 ? n : n / 2;  // a vector has one to three
   std::vector<std::string> names;
   if (nReal == 0 || (n != nReal && n != 2 * nReal) || nReal > row->second.size()) {
-    for (std::size_t i = 1; i <= n; ++i) names.push_back(field + " " + std::to_string(i));
-    return names;
+    return n == 1 ? std::vector<std::string>{field} : numbered(field, n);
   }
   for (std::size_t i = 0; i < n; ++i) {
-    names.push_back(field + row->second[i % nReal] + (i < nReal ? "" : " conjugate"));
+    names.push_back(field + row->second[i % nReal] + (i < nReal ? "" : "_conjugate"));
   }
   return names;
 }

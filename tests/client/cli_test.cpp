@@ -43,16 +43,6 @@ const char* const kSmallModel =
     "0d 00 03 01 00 00 00 00 00 00 00 00 00 80 3f 0d 00 03 02 00 00 00 00 00 00 40 00 00 00 bf "
     "19 00 04 54 32 44 32 20 20 20 20 05 00 00 00 01 00 00 00 01 00 00 00 02 00 00 00 01 00 7e";
 
-TEST(Cli, SummarisesAModel) {
-  const Outcome outcome = runOnFake({"model", kSmallModel});
-  EXPECT_EQ(outcome.status, kDone) << outcome.err;
-  for (const char* piece :
-       {"T2D2", "homogeneous solid", "(the only one)", "standard", "\\x1b[1m"}) {
-    EXPECT_NE(outcome.out.find(piece), std::string::npos) << piece << "\n" << outcome.out;
-  }
-  EXPECT_EQ(outcome.out.find('\x1b'), std::string::npos);
-}
-
 TEST(Cli, WritesAModelAsJsonLinesAndCsv) {
   const Outcome json = runOnFake({"model", kSmallModel, "--format", "jsonl"});
   EXPECT_NE(json.out.find("{\"table\":\"instance\",\"instance\":\"(the only one)\",\"nodes\":2,"

@@ -58,8 +58,7 @@ with tempfile.TemporaryDirectory() as folder:
                  ("client/libodbs_client.a", "port/libodbs_port.a", "base/libodbs_base.a")]
     run(["c++", "-std=c++17", *flags, f"-I{source}", str(with_library), *libraries, "-pthread",
          "-o", f"{folder}/with_library"])
-    run([str(build / "bin" / "client_write_rod"), f"{folder}/rod.odb"])
-    output = run([f"{folder}/with_library", f"{folder}/rod.odb"])
-    assert "2 nodes, 1 elements" in output, output
+    output = run([f"{folder}/with_library", f"{folder}/job.odb"])
+    assert "96 nodes, 36 elements" in output, output
     assert output.count("a record of tag 34") == 2, output
 print(f"{len(lines)} command lines and both programs of README.md answer")

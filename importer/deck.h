@@ -194,12 +194,13 @@ struct Section {
   std::string elset;     // as defined in the same scope
   std::string material;  // empty where there is none
   std::string orientation;
-  std::string profile;           // beams: RECT, CIRC, ...
-  std::vector<double> beamAxis;  // direction n1 of the cross-section, 3 numbers; empty: not given
-  double thickness = 0;          // shells, membranes, solids of plane elements
-  int nPoints = 5;               // through the thickness of homogeneous shells
-  bool gauss = false;            // integration rule of shells: Gauss instead of Simpson
-  bool symmetric = false;        // the layers are the lower half of a symmetric layup
+  std::string profile;             // beams: RECT, CIRC, ...
+  std::vector<double> dimensions;  // beams: the first line of the profile's
+  std::vector<double> beamAxis;    // direction n1 of the cross-section, 3 numbers; empty: not given
+  double thickness = 0;            // shells, membranes, solids of plane elements
+  int nPoints = 5;                 // through the thickness of homogeneous shells
+  bool gauss = false;              // integration rule of shells: Gauss instead of Simpson
+  bool symmetric = false;          // the layers are the lower half of a symmetric layup
   std::vector<Layer> layers;
   double mass = 0;
   ConnectorData connector;

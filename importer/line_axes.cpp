@@ -2,6 +2,7 @@
 // Axes from the nodes of lines and the directions of their sections.
 #include "importer/line_axes.h"
 
+#include <array>
 #include <cmath>
 
 #include "base/text.h"
@@ -9,13 +10,65 @@
 
 namespace odbs::importer {
 
+namespace {
+
+// Middle lines of a box's walls in halves of its thickness: at n1, n2, -n1, -n2, which is the order
+// in which the section gives the walls.
+std::array<double, 4> wallPlaces(const Section& section) {
+  const std::vector<double>& d = section.dimensions;
+  return {1 - d[2] / d[0], 1 - d[3] / d[1], d[4] / d[0] - 1, d[5] / d[1] - 1};
+}
+
+// Mean radius (of the squares) of a pipe's wall in outer radii.
+double wallRadius(const Section& section) {
+  const double inner = 1 - section.dimensions[1] / section.dimensions[0];
+  return std::sqrt((1 + inner * inner) / 2);
+}
+
+}  // namespace
+
 bool hasCorners(const Section& section) {
-  return section.kind == SectionKind::beam &&
-         (startsWith(section.profile, "RECT") || section.profile == "CIRC");
+  const std::vector<double>& d = section.dimensions;
+  if (section.kind != SectionKind::beam) return false;
+  if (section.profile == "PIPE") return d.size() >= 2 && d[0] > 0;
+  if (section.profile == "BOX") return d.size() >= 6 && d[0] > 0 && d[1] > 0;
+  return startsWith(section.profile, "RECT") || section.profile == "CIRC";
+}
+
+CornerShares nodeShares(const Section& section, int corner) {
+  if (section.profile != "PIPE") return {{static_cast<std::size_t>(corner), 1.}};
+  const SectionCorner at = cornerOf(section, corner);
+  CornerShares shares;
+  for (int node = 0; node < kCorners; ++node) {
+    const double one = node % 2 == 0 ? -1 : 1, two = node < 2 ? -1 : 1;
+    shares.emplace_back(node, (1 + one * at.along1) * (1 + two * at.along2) / 4);
+  }
+  return shares;
+}
+
+CornerShares wallShares(const Section& section, int corner) {
+  const SectionCorner at = cornerOf(section, corner);
+  CornerShares shares;
+  if (section.profile == "PIPE") {
+    const double radius = wallRadius(section), square = radius * radius;
+    for (std::size_t i = 0; i < kPipePoints; ++i) {
+      const double angle = (static_cast<double>(i) - 2) * std::acos(-1.) / 4;
+      const double one = radius * std::cos(angle), two = radius * std::sin(angle);
+      shares.emplace_back(i, 1. / 8 + (one * at.along1 + two * at.along2) / (4 * square) +
+                                 one * two * at.along1 * at.along2 / (square * square));
+    }
+  } else if (section.profile == "BOX") {
+    const std::array<double, 4> wall = wallPlaces(section);
+    const double u = (at.along1 - wall[2]) / (wall[0] - wall[2]);
+    const double v = (at.along2 - wall[3]) / (wall[1] - wall[3]);
+    shares = {{0, u * (1 - v)}, {4, u * v}, {8, (1 - u) * v}, {12, (1 - u) * (1 - v)}};
+  }
+  return shares;
 }
 
 SectionCorner cornerOf(const Section& section, int corner) {
-  const double at = section.profile == "CIRC" ? std::sqrt(0.5) : 1;
+  const bool round = section.profile == "CIRC" || section.profile == "PIPE";
+  const double at = round ? std::sqrt(0.5) : 1;
   return {corner % 2 == 0 ? -at : at, corner < 2 ? -at : at};
 }
 

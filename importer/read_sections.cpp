@@ -144,12 +144,15 @@ void DeckParser::readBeamSection(const Keyword& keyword) {
   Section section = startSection(keyword, SectionKind::beam, "beam");
   std::string_view line;
   // The dimensions come first, the axis second.
-  if (lines_.dataLine(line) && lines_.dataLine(line)) {
+  for (std::vector<double>* const list : {&section.dimensions, &section.beamAxis}) {
+    if (!lines_.dataLine(line)) break;
     Fields fields(line);
     for (std::string_view field; fields.next(field);) {
       const auto value = numberOf(field);
-      section.beamAxis.push_back(value ? *value : 0.0);
+      list->push_back(value ? *value : 0.0);
     }
+  }
+  if (!section.beamAxis.empty()) {
     // Profiles with more lines of dimensions have something else there.
     if (section.beamAxis.size() > 3) section.beamAxis.clear();
     if (!section.beamAxis.empty()) section.beamAxis.resize(3, 0.0);

@@ -367,18 +367,17 @@ bool ResultMesh::addLine(const ElementBlock& block, std::size_t at, std::size_t 
     if (!lines_.axesAt(block, at, xi, axes[i])) return false;
   }
   for (int corner = 0; corner < (truss ? 1 : kCorners); ++corner) {
+    CornerShares shares = {{0, 0.25}, {1, 0.25}, {2, 0.25}, {3, 0.25}};
+    if (!truss) shares = nodeShares(lines_.section(section), corner);
+    const auto each = static_cast<std::uint32_t>(shares.size());
     ElementTargets& target =
-        targets(block, truss ? Side::whole : Side::corner, corner, section, truss ? kLineMean : 1);
+        targets(block, truss ? Side::whole : Side::corner, corner, section, each);
     target.labels.push_back(block.labels[at]);
     target.axes.insert(target.axes.end(), axes.begin(), axes.end());
     for (std::size_t i = 0; i < n; ++i) {
-      if (!truss) {
-        target.sources.nodes.push_back(nodeAt(solid, line.sections[i][kCornerPlaces[corner]]));
-        continue;
-      }
-      for (std::size_t k = 0; k < kLineMean; ++k) {
-        target.sources.nodes.push_back(nodeAt(solid, line.sections[i][k]));
-        target.sources.weights.push_back(1.f / kLineMean);
+      for (const auto& [of, share] : shares) {
+        target.sources.nodes.push_back(nodeAt(solid, line.sections[i][kCornerPlaces[of]]));
+        if (each > 1) target.sources.weights.push_back(static_cast<float>(share));
       }
     }
   }

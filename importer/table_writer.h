@@ -97,7 +97,8 @@ class TableWriter {
                 const DatTable* imaginary, const PointBlock& block);
   std::vector<float> lineRows(const DatTable& table, const PointBlock& block,
                               const PointField& field, const std::vector<std::size_t>& sources,
-                              int corner, const std::vector<Axes>& axes) const;
+                              const CornerShares& shares, std::size_t stride,
+                              const std::vector<Axes>& axes) const;
   void takeSet(const DatTable& table, Region& region) const;
   void addFaces(const Moment& moment, const DatTable& table, bool imaginary);
   void addHistory(const Moment& moment, const DatTable& table, bool imaginary);

@@ -180,7 +180,7 @@ void TableWriter::writePoints(const Moment& moment, const DatTable& real,
     all &= addBlock(*frame, real, imaginary, block);
   }
   nFields_ += static_cast<std::size_t>(frame->fieldOutputs().size() - nBefore);
-  if (!all) ++leftOut_[real.title + " of pipes, boxes or unusual layers"];
+  if (!all) ++leftOut_[real.title + " of unusual profiles or layers"];
 }
 
 // The fields that a table becomes, with their columns: one, or one for each scalar.

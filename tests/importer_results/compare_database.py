@@ -333,7 +333,7 @@ class Comparison:
             for i, row in enumerate(rows):
                 yield -1, i + 1, row, 1e-1 * max(map(abs, row))
             return
-        if element.kind[0] in "BT" and self.expanded and len(rows) in (8, 27):
+        if element.kind[0] in "BT" and self.expanded and len(rows) in (8, 27, 50):
             yield from self.expected_lines(label, rows)
             return
         if element.kind[0] not in "SMCD" or element.kind[1] == "P":
@@ -358,12 +358,13 @@ class Comparison:
     def expected_lines(self, label, rows):
         """The same of a beam or truss: its corners, or its middle, at the points along the line."""
         element = self.mesh.elements[label]
-        n = 2 if len(rows) == 8 else 3
+        n = 3 if len(rows) == 27 else 2
         corners = self.mesh.corners[element.category] if element.kind[0] == "B" else {-1: (0, 0)}
         if not corners:
             self.n["rows inside of beams, not compared"] += len(rows)
         for number, (one, two) in corners.items():
             # From nodes 1 to 4 direction 2 falls, from 1 to 5 direction 1 rises.
+            one, two = ((v > 0) - (v < 0) for v in (one, two))
             along2, along1 = lagrange(GAUSS[n], -two), lagrange(GAUSS[n], one)
             for i in range(n):
                 axes = self.expanded.axes(label, GAUSS[n][i])

@@ -7,6 +7,7 @@ element, top above bottom. Nothing is shared with the importer.
 """
 import collections
 import re
+from math import copysign
 
 # Per node of an element: node below, node above, node between (0: none).
 SURFACES = {
@@ -114,10 +115,9 @@ class DeckMesh:
                 words[2], [int(w) for w in words[3:bar]], " ".join(words[bar + 1:]))
         elif words[0] == "point":
             text = " ".join(words)
-            found = re.match(r"point (\d+) x1 = (-?)\S+, x2 = (-?)\S+ \| (.*)", text)
+            found = re.match(r"point (\d+) x1 = (\S+), x2 = (\S+) \| (.*)", text)
             if found:
-                self.corners[found[4]][int(found[1])] = (
-                    -1 if found[2] else 1, -1 if found[3] else 1)
+                self.corners[found[4]][int(found[1])] = float(found[2]), float(found[3])
                 return True
             found = re.match(r"point (\d+) fraction = (\S+), Layer = (\d+) \| (.*)", text)
             self.points[found[4]].append((int(found[1]), float(found[2]), int(found[3])))
@@ -276,10 +276,21 @@ class ExpandedMesh:
             section = BEAMS[len(element.nodes), len(solids[0])][element.nodes.index(node)][:4]
             if number < 0:
                 return [(solids[0][n - 1], 0.25) for n in section]
-            signs = self.deck.corners[element.category][number]
-            return [(solids[0][section[CORNER_SIGNS.index(signs)] - 1], 1)]
+            one, two = self.deck.corners[element.category][number]
+            at = [solids[0][n - 1] for n in section]
+            # Round and solid: nodes lie on the circle. Pipes: corners of the square around it.
+            reach = abs(one) if self.is_pipe(solids[0]) else 1
+            return [(n, (1 + a * copysign(reach, one)) * (1 + b * copysign(reach, two)) / 4)
+                    for n, (a, b) in zip(at, CORNER_SIGNS) if reach < 1 or (a * one > 0 and b * two > 0)]
         place = SURFACES[len(element.nodes), len(solids[0])][element.nodes.index(node)]
         if number < 0:
             return self.through(solids[0], place, 1)
         layer, side = self.deck.layer_and_side(element.category, number)
         return [(solids[layer][place[side > 0] - 1], 1)] if side else []
+
+    def is_pipe(self, solid):
+        """Of a beam: the edges of its cross-section are straight."""
+        if len(solid) < 20:
+            return False
+        a, b, edge = (self.nodes[solid[i]] for i in (0, 3, 11))
+        return size(minus(edge, middle(a, b))) < 1e-3 * size(minus(a, b))

@@ -3,6 +3,7 @@
 // come in unusual ways.
 #include <odb_API.h>
 
+#include <array>
 #include <cmath>
 
 #include "importer/command_line.h"
@@ -181,38 +182,63 @@ TEST_F(ResultWriter, PutsShellsStressesAtTheirSectionPoints) {
   EXPECT_NEAR(below[0], -above[0], 0.02f * std::fabs(above[0]));
 }
 
+// Values at integration points of one truss, and of a beam along x whose axial stress is 10 times
+// the place along n2 (z) plus that along n1 (y), each 1 at the outer face.
 TEST_F(ResultWriter, TurnsTrussesAndBeamsIntoTheirOwnAxes) {
-  const std::string deck =
-      "*NODE\n1,0,0,0\n2,1,0,1\n3,1,0,0\n*ELEMENT,TYPE=T3D2,ELSET=T\n1,1,2\n"
-      "*ELEMENT,TYPE=B31,ELSET=B\n2,1,3\n*MATERIAL,NAME=M\n*ELASTIC\n1.,0.\n"
-      "*SOLID SECTION,ELSET=T,MATERIAL=M\n1.\n"
-      "*BEAM SECTION,ELSET=B,MATERIAL=M,SECTION=RECT\n0.1,0.2\n0.,1.,0.\n"
-      "*STEP\n*STATIC\n1.,1.\n*END STEP\n";
-  std::string rows;
-  char line[100];
-  for (int point = 1; point <= 8; ++point) {
-    std::snprintf(line, sizeof line, "%8d%4d 1. 0. 1. 0. 1. 0.\n", 1, point);
-    rows += line;
+  const float gauss = std::sqrt(1 / 3.f), ring = std::sqrt((1 + 0.64f) / 2), half = std::sqrt(0.5f);
+  using Places = std::vector<std::array<float, 2>>;  // along n1 and n2, station after station
+  Places square, wall, pipe;
+  for (const float one : {-gauss, gauss}) {
+    for (const float two : {gauss, -gauss}) square.insert(square.end(), 2, {one, two});
   }
-  // Axial stress 10 times the place against n2 (z), plus that along n1 (y): 1 at the faces.
-  for (int point = 0; point < 8; ++point) {
-    const double against2 = (point & 2 ? 1 : -1) / std::sqrt(3),
-                 along1 = (point & 4 ? 1 : -1) / std::sqrt(3);
-    std::snprintf(line, sizeof line, "%8d%4d %.9f 0. 0. 2. 3. 0.\n", 2, point + 1,
-                  10 * against2 + along1);
-    rows += line;
+  Places more = square;
+  more.resize(50, {9, 9});
+  for (int i = 0; i < 16; ++i) {
+    const float angle = static_cast<float>(i % 8 - 2) * std::acos(0.f) / 2;
+    pipe.push_back({ring * std::cos(angle), ring * std::sin(angle)});
   }
+  const float corners[5][2] = {
+      {0.9f, -0.8f}, {0.9f, 0.6f}, {-0.8f, 0.6f}, {-0.8f, -0.8f}, {0.9f, -0.8f}};
+  for (int i = 0; i < 32; ++i) {
+    const float part = static_cast<float>(i % 4) / 4;
+    const float *const a = corners[i % 16 / 4], *const b = corners[i % 16 / 4 + 1];
+    wall.push_back({a[0] + part * (b[0] - a[0]), a[1] + part * (b[1] - a[1])});
+  }
+  const struct {
+    const char* section;
+    Places places;
+    float at;  // the corners' place along n1 and n2
+  } cases[] = {{"RECT\n0.1,0.2", square, 1},
+               {"RECT\n0.1,0.2", more, 1},
+               {"PIPE\n0.1,0.02", pipe, half},
+               {"BOX\n0.2,0.1,0.02,0.04,0.04,0.02", wall, 1}};
   const std::string heading =
       " stresses (elem, integ.pnt.,sxx,syy,szz,sxy,sxz,syz) for set E and time  0.1000000E+01\n\n";
-  open({files_.write("lines.inp", deck), "--data", files_.write("lines.dat", heading + rows)});
-  const odb_FieldOutput s = field(0, 0, "S");
-  const odb_FieldBulkData truss = block(s, odb_Enum::INTEGRATION_POINT);
-  expectNear(valuesAt(truss, 1, -1, 2, false), {2, 0, 0, 0, 0, 0});
-  const float axial[kCorners] = {9, 11, -11, -9};
-  for (int corner = 0; corner < kCorners; ++corner) {
-    const odb_FieldBulkData beam = block(s, odb_Enum::INTEGRATION_POINT, corner + 1);
-    EXPECT_EQ(beam.length(), 2);
-    expectNear(valuesAt(beam, 2, -1, 1, false), {axial[corner], 0, 0, 2, 3, 0});
+  for (const auto& c : cases) {
+    const std::string deck =
+        "*NODE\n1,0,0,0\n2,1,0,1\n3,1,0,0\n*ELEMENT,TYPE=T3D2,ELSET=T\n1,1,2\n"
+        "*ELEMENT,TYPE=B31,ELSET=B\n2,1,3\n*MATERIAL,NAME=M\n*ELASTIC\n1.,0.\n"
+        "*SOLID SECTION,ELSET=T,MATERIAL=M\n1.\n*BEAM SECTION,ELSET=B,MATERIAL=M,SECTION=" +
+        std::string(c.section) + "\n0.,1.,0.\n*STEP\n*STATIC\n1.,1.\n*END STEP\n";
+    std::string rows;
+    for (int i = 1; i <= 8; ++i) rows += " 1 " + std::to_string(i) + " 1. 0. 1. 0. 1. 0.\n";
+    for (std::size_t i = 0; i < c.places.size(); ++i) {
+      rows += " 2 " + std::to_string(i + 1) + " " +
+              std::to_string(10 * c.places[i][1] + c.places[i][0]) + " 0. 0. 2. 3. 0.\n";
+    }
+    open({files_.write("lines.inp", deck), "--data", files_.write("lines.dat", heading + rows)});
+    const odb_FieldOutput s = field(0, 0, "S");
+    expectNear(valuesAt(block(s, odb_Enum::INTEGRATION_POINT), 1, -1, 2, false),
+               {2, 0, 0, 0, 0, 0});
+    const float axial[kCorners] = {-11, -9, 9, 11};
+    for (int corner = 0; corner < kCorners; ++corner) {
+      const odb_FieldBulkData beam = block(s, odb_Enum::INTEGRATION_POINT, corner + 1);
+      EXPECT_EQ(beam.length(), 2);
+      const Floats found = valuesAt(beam, 2, -1, 1, false);
+      EXPECT_NEAR(found[0], c.at * axial[corner], 1e-4f) << c.section;
+      expectNear({found[3], found[4]}, {2, 3});
+    }
+    odb_->close();
   }
 }
 

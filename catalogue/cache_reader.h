@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Takes lines from a cache file: gzip-compressed text, or plain text. Bytes are inflated in large
-// pieces and lines are found in them. `gzgets` is not used: it costs several times as much a line,
-// and a NUL byte in a damaged file would hide the rest of a line from it.
+// pieces and lines are found in them: lines that come again are compared there, many at once, where
+// `gzgets` would hand out one after the other.
 //
 // The four bytes that a gzip header has for a time hold the length of the file in ours. So a file
 // that was cut can be told from a whole one with a wrong bit, whose stream may run past its end.

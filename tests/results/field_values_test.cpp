@@ -139,7 +139,7 @@ TEST_F(FieldValues, LocalDirectionsGoAheadOfEachValueInTheCapitalForm) {
   for (int k = 0; k < 6; ++k) EXPECT_NEAR(expected[k], getF32(numbers + 4 * k), 1e-6) << k;
 }
 
-TEST_F(FieldValues, WhatIsNotThereEndsAfterTheHeader) {
+TEST_F(FieldValues, WhatIsNotThereEndsAfterTitleAndAnalysisKind) {
   stress(frame_);
   const struct {
     int step, frame;
@@ -149,13 +149,9 @@ TEST_F(FieldValues, WhatIsNotThereEndsAfterTheHeader) {
     select(row.step, row.frame, kStored, row.field);
     EXPECT_EQ(Records{}, values("rs ")) << row.step << row.frame << row.field;
   }
-}
-
-TEST_F(FieldValues, UnknownLettersAndHalfPairsAreAcknowledgedOnly) {
-  stress(frame_);
   select(1, 0, kStored, "S");
   for (const char* head : {"rx ", "rD ", "rn A:", "rg 1:", "rl 1 2 "}) {
-    EXPECT_EQ(Records{}, ask(head)) << head;
+    EXPECT_EQ(Records{}, ask(head)) << head << "is no request";
   }
 }
 

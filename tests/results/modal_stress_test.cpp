@@ -113,14 +113,6 @@ TEST_F(ModalStresses, TheModesAreThoseOfTheNearestEarlierFrequencyStep) {
   EXPECT_EQ(oneValue(4), values(4, "MATRIX^Sqq", 1));
 }
 
-TEST_F(ModalStresses, ManyModesGiveTheSameAsTheirSum) {
-  constexpr int kOrder = 20;
-  odb_Step& modes = frequencyStep("Modes");
-  for (int m = 1; m <= kOrder; ++m) mode(modes, m, {1, 0, 0, 0, 0, 2});
-  matrix(responseStep(), kOrder, std::vector<float>(kOrder * (kOrder + 1) / 2, 0.25F));
-  EXPECT_EQ(oneValue(0.25F * kOrder * kOrder * 13), values(2, "MATRIX^Sqq"));
-}
-
 TEST_F(ModalStresses, WithoutModesTheReplyEndsBehindItsHead) {
   odb_Step& first = responseStep("Step-1");
   matrix(first, 1, {1});

@@ -121,29 +121,42 @@ class Failures : public NodalResults {
 };
 
 TEST_F(Failures, FailedElementsFollowDisplacementsUnderTheirInstance) {
-  EXPECT_EQ(Records{}, behindValues(0, kStored));
-  EXPECT_EQ((Records{name("J"), failed(1)}), behindValues(1, kStored));
-  EXPECT_EQ((Records{failed(10), name("J"), failed(1), failed(2)}), behindValues(2, kStored));
-}
-
-TEST_F(Failures, AtCentroidsTheFailureTimesAddTheirElements) {
-  EXPECT_EQ(Records{}, behindValues(0, kCentroid));
-  EXPECT_EQ((Records{name("J"), failed(1), failed(1)}), behindValues(1, kCentroid));
-  EXPECT_EQ((Records{failed(10), name("J"), failed(1), failed(2), failed(1), name("I"), failed(10),
-                     name("J"), failed(2)}),
-            behindValues(2, kCentroid));
-}
-
-TEST_F(Failures, TimesServeFramesWithoutStatusUnlessTheyHaveFailureCriteria) {
-  for (const int number : {3, 4}) {
+  odb_SectionCategory& category = odb_->SectionCategory("shell", "");
+  for (const int number : {3, 4, 5}) {
     odb_Frame frame = step_.Frame(number, static_cast<float>(number));
     vectors(frame, "U", {{1, 0, 0}, {2, 0, 0}});
-    if (number == 4) nodalScalar(frame, "CFAILST");
+    if (number == 4) nodalScalar(frame, "CFAILST");  // a failure criterion
+    if (number != 5) continue;
+    odb_FieldOutput& status = frame.FieldOutput("STATUS", "", odb_Enum::SCALAR);
+    for (const int point : {1, 5}) {
+      status.addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{0}}),
+                     category.SectionPoint(point, "p"));
+    }
   }
-  EXPECT_EQ((Records{name("J"), failed(1), name("I"), failed(10), name("J"), failed(2)}),
-            behindValues(3, kCentroid));
-  EXPECT_EQ(Records{}, behindValues(3, kStored));
-  EXPECT_EQ(Records{}, behindValues(4, kCentroid));
+  const Records all{failed(10), name("J"), failed(1), failed(2)};
+  const Records times{failed(1), name("I"), failed(10), name("J"), failed(2)};
+  Records allAndTimes = all, timesAlone{name("J")};
+  allAndTimes.insert(allAndTimes.end(), times.begin(), times.end());
+  timesAlone.insert(timesAlone.end(), times.begin(), times.end());
+  const struct {
+    int frame, position;
+    Records behind;
+  } rows[] = {{0, kStored, {}},
+              {1, kStored, {name("J"), failed(1)}},
+              {2, kStored, all},
+              {3, kStored, {}},
+              {5, kStored, {failed(10)}},
+              {0, kCentroid, {}},
+              {1, kCentroid, {name("J"), failed(1), failed(1)}},
+              {2, kCentroid, allAndTimes},
+              {3, kCentroid, timesAlone},
+              {4, kCentroid, {}}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.behind, behindValues(row.frame, row.position)) << row.frame << row.position;
+  }
+  recordsOf(*server_, "a 2");
+  recordsOf(*server_, "b 2 77");
+  EXPECT_EQ((Records{name("J"), failed(2), failed(2)}), behindValues(2, kCentroid));
 }
 
 TEST_F(Failures, RecordedTimesComeBeforeThoseOfTheFrames) {
@@ -154,26 +167,6 @@ TEST_F(Failures, RecordedTimesComeBeforeThoseOfTheFrames) {
   EXPECT_EQ((Records{name("J"), failed(1)}), behindValues(1, kCentroid));
   EXPECT_EQ((Records{name("J"), failed(2), name("I"), failed(10), name("J"), failed(1)}),
             behindValues(3, kCentroid));
-}
-
-TEST_F(Failures, AStatusAtSeveralSectionPointsIsSentOnce) {
-  odb_SectionCategory& category = odb_->SectionCategory("shell", "");
-  odb_Frame frame = step_.Frame(3, 3.0F);
-  vectors(frame, "U", {{1, 0, 0}, {2, 0, 0}});
-  odb_FieldOutput& status = frame.FieldOutput("STATUS", "", odb_Enum::SCALAR);
-  for (const int point : {1, 5}) {
-    status.addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{0}}),
-                   category.SectionPoint(point, "p"));
-  }
-  EXPECT_EQ(Records{failed(10)}, behindValues(3, kStored));
-}
-
-TEST_F(Failures, ALabelListRestrictsThem) {
-  save();
-  server_ = std::make_unique<ServerProcess>();
-  recordsOf(*server_, "a 2");
-  recordsOf(*server_, "b 2 77");
-  EXPECT_EQ((Records{name("J"), failed(2), failed(2)}), behindValues(2, kCentroid));
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 namespace odbs {
 
-std::size_t utf8Length(const std::string& text, std::size_t at) {
+std::size_t utf8Length(std::string_view text, std::size_t at) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned char first = byte(at);
   const std::size_t n = first >= 0xF0 && first < 0xF5   ? 4
@@ -27,7 +27,7 @@ std::string hexByte(unsigned char byte) {
   return {kDigits[byte >> 4], kDigits[byte & 15]};
 }
 
-std::string printable(const std::string& text) {
+std::string printable(std::string_view text) {
   std::string result;
   for (std::size_t i = 0; i < text.size();) {
     const auto byte = static_cast<unsigned char>(text[i]);

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <limits>
 
+#include "base/printable.h"
 #include "base/text.h"
 #include "importer/deck_reader.h"
-#include "importer/result_input.h"
 
 namespace odbs::importer {
 

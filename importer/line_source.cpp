@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "base/printable.h"
 #include "base/text.h"
 #include "importer/keyword_table.h"
-#include "importer/result_input.h"
 
 namespace odbs::importer {
 

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/printable.h"
+
 namespace odbs::importer {
 
 namespace {
@@ -121,21 +123,6 @@ void ResultInput::failCut(const std::string& reason) const {
 std::string ResultInput::where() const {
   return (binary_ ? ": byte " + std::to_string(lineStart_) : ":" + std::to_string(lineNumber_)) +
          ": ";
-}
-
-std::string printable(std::string_view text) {
-  std::string shown;
-  for (const char c : text) {
-    if (c >= ' ' && c <= '~') {
-      shown += c;
-      continue;
-    }
-    char code[8];
-    std::snprintf(code, sizeof code, "\\x%02X",
-                  static_cast<unsigned>(static_cast<unsigned char>(c)));
-    shown += code;
-  }
-  return shown;
 }
 
 }  // namespace odbs::importer

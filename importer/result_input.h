@@ -27,9 +27,6 @@ class ResultFileCut : public ResultFileError {
   using ResultFileError::ResultFileError;
 };
 
-// `text` as a terminal may show it: bytes other than printable ASCII are written as \xNN.
-std::string printable(std::string_view text);
-
 // A place in a result file: where a line begins.
 struct ResultPlace {
   std::uint64_t offset = 0;  // bytes before it

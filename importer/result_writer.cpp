@@ -7,6 +7,7 @@
 #include <deque>
 #include <unordered_set>
 
+#include "base/printable.h"
 #include "importer/dat_reader.h"
 #include "importer/field_writer.h"
 #include "importer/result_frames.h"

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
+#include "base/printable.h"
 #include "base/text.h"
 #include "importer/model_writer.h"
-#include "importer/result_input.h"
 
 namespace odbs::importer {
 

@@ -2,27 +2,21 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """Imports solved decks and compares what their databases hold with a reading of its own.
 
-    compare_database.py ODB_IMPORT DUMP_DATABASE DECK.inp ...
+    compare_database.py PROGRAM_FOLDER DECK.inp ...
 
 Beside each deck its result file (.frd) and print file (.dat) are looked for. Compared are: every
-frame's value, every value at nodes, at nodes of elements and at integration points, and nodal
-fields with what the solver itself printed for the nodes. Nothing is shared with the importer:
-result files are read by compare_readers.py, and expanded_mesh.py knows what the solver makes of
-shells and beams. The deck's mesh and section points are taken as the database has them. Exit
-status: 1 something differs, 2 a deck was not imported.
+frame's value, every value at nodes, at nodes of elements and at integration points, the histories
+of nodes and elements, and nodal fields with what the solver itself printed for the nodes. Result
+files are read by solver_files.py, and expanded_mesh.py knows what the solver makes of shells and
+beams. The deck's mesh and section points are taken as the database has them.
 """
 import collections
-import os
-import re
-import struct
-import subprocess
 import sys
-import tempfile
 
 sys.dont_write_bytecode = True  # the sources stay as they are
 
-from compare_readers import DAT_HEADING, FrdFile, real  # noqa: E402
 from expanded_mesh import DeckMesh, ExpandedMesh, minus, same_system, shell_axes, turned  # noqa: E402
+from solver_files import FrdFile, dumped, equal, go_through, printed_rows, printed_values, single  # noqa: E402
 
 TENSOR = (0, 1, 2, 3, 5, 4)  # xx yy zz xy yz zx, as 11 22 33 12 13 23
 VECTOR = (0, 1, 2)
@@ -43,25 +37,15 @@ SECTION_FORCES = (("S", TENSOR, True), ("SF", (2, 1, 0), True), ("SM", (4, 5, 3)
 ADDS_UP = ("RF", "RFL11", "CELS")
 IMAGINARY = {name[:7] + "I" if len(name) == 8 else name + "I": name for name in FIELDS}
 NODAL, ELEMENT_NODAL, INTEGRATION_POINT = 1, 2, 3
+HISTORIES = {
+    "displacements": ("Node ", "U", "123"), "forces": ("Node ", "RF", "123"),
+    "velocities": ("Node ", "V", "123"), "temperatures": ("Node ", "NT11", ("",)),
+    "heat generation": ("Node ", "RFL11", ("",)), "volume": ("Element ", "EVOL", ("",)),
+    "internal energy": ("Element ", "ELSE", ("",)), "kinetic energy": ("Element ", "ELKE", ("",)),
+}
 POINTS = {"stresses": "S", "strains": "E", "mechanical strains": "ME",
           "equivalent plastic strain": "PEEQ", "internal energy density": "ENER",
           "heat flux": "HFL"}
-
-
-def single(value):
-    """`value` as the database keeps it."""
-    try:
-        return struct.unpack("f", struct.pack("f", value))[0]
-    except OverflowError:
-        return float("inf") if value > 0 else float("-inf")
-
-
-def equal(a, b):
-    return len(a) == len(b) and all(
-        x == y or (x != x and y != y) for x, y in zip(map(single, a), map(single, b)))
-
-
-Frame = collections.namedtuple("Frame", "step increment mode value fields")
 
 
 # Where integration points are between the faces of an expanded element (-1 to 1).
@@ -77,24 +61,6 @@ def lagrange(nodes, x):
             if a != b:
                 weights[-1] *= (x - b) / (a - b)
     return weights
-
-
-def printed_rows(path, wanted):
-    """(what wanted() made of the heading, words) of the rows of a print file."""
-    name, time = None, 0
-    with open(path, encoding="utf-8", errors="replace") as file:
-        for line in file:
-            heading = DAT_HEADING.match(line.rstrip())
-            words = line.split()
-            if heading or (words and not re.match(r"\d+$", words[0])):
-                name = wanted(heading)
-                time = heading and float(heading[3])
-            elif name and len(words) > 2:
-                yield name, time, words
-
-
-def printed_values(words):
-    return [real(w.encode()) for w in words if w[0] in "-.0123456789"]
 
 
 def printed_points(path):
@@ -131,35 +97,6 @@ def near(a, b, scale):
     """Equal but for the rounding of a sum of terms as large as `scale`."""
     return len(a) == len(b) and all(
         x == y or x != x and y != y or abs(x - y) <= 1e-6 * scale for x, y in zip(a, b))
-
-
-def read_results(path):
-    """Nodes, elements and frames of a result file: fields by block name, rows by node label."""
-    frames = []
-    rows = None
-    with open(path, "rb") as file:
-        entries = iter(FrdFile(file.read()))
-    nodes, elements = {}, {}
-    kind = None
-    for entry in entries:
-        words = entry.split()
-        if words[0] in ("nodes", "elements", "complete", "cut"):
-            kind = words[0]
-        elif words[0] == "result":
-            kind = "result"
-            value, step, increment, mode = (
-                float(words[2]), int(words[8]), int(words[10]), int(words[12]))
-            last = frames[-1] if frames else None
-            if not last or last[:4] != (step, increment, mode, value):
-                frames.append(Frame(step, increment, mode, value, {}))
-            rows = frames[-1].fields.setdefault(words[1], {})
-        elif kind == "nodes":
-            nodes[int(words[0])] = [float(w) for w in words[1:]]
-        elif kind == "elements":
-            elements[int(words[0])] = [int(w) for w in words[3:]]
-        elif kind == "result":
-            rows[int(words[0])] = [float(w) for w in words[1:]]
-    return nodes, elements, frames
 
 
 def read_database(lines):
@@ -398,64 +335,52 @@ class Comparison:
                         node, time, same[0][node], rows[node]))
 
 
-def import_deck(importer, deck, database):
-    """Imports the deck and the results beside it. Their paths, None where there is none, and what the
-    importer complained of when it failed."""
-    found = [deck[:-4] + end for end in (".frd", ".dat")]
-    frd, dat = [p if os.path.exists(p) and os.path.getsize(p) else None for p in found]
-    command = [importer, "-q", deck, "-o", database]
-    command += ["--results", frd] if frd else []
-    command += ["--data", dat] if dat else []
-    done = subprocess.run(command, stderr=subprocess.PIPE, check=False)
-    return frd, dat, done.stderr.decode(errors="replace").strip() if done.returncode else None
-
-
-def compare(importer, dump, deck, folder):
-    database = os.path.join(folder, "compared.odb")
-    frd, dat, error = import_deck(importer, deck, database)
-    if error is not None:
-        return None, error
-    text = subprocess.run([dump, database], stdout=subprocess.PIPE, check=False).stdout.decode()
-    lines = [line for line in text.split("\n") if line]
-    if lines and lines[-1].startswith("error"):
-        return None, lines[-1]
-    result = Comparison(deck)
-    result.mesh, steps = read_database(lines)
-    if frd:
-        nodes, elements, frames = read_results(frd)
-        result.expanded = ExpandedMesh(result.mesh, nodes, elements)
-        result.problems += result.expanded.problems
-        result.frames(frames, steps)
-        result.largest_source = max((abs(v) for frame in frames
-                                     for row in frame.fields.get("DISP", {}).values()
-                                     for v in row[:3]), default=0)
-    if dat:
-        result.points(dat, steps)
-        if frd:
-            result.printed_nodes(dat, steps)
-    return result, None
+    def histories(self, path, steps):
+        """Printed values of nodes and elements, each in a history of its own."""
+        found = collections.defaultdict(set)
+        for _, histories in steps:
+            for name, rows in histories.items():
+                region, output = name.split(" | ")
+                for kind in ("Node ", "Element "):
+                    if region.startswith(kind) and " face " not in region:
+                        label = int(region.split(".")[1].split()[0])
+                        for row in rows:
+                            found[kind, label, output].update(single(float(v)) for v in row[1:])
+        for (kind, name, components), time, words in printed_rows(
+                path, lambda h: h and HISTORIES.get(h[1].split(" (")[0])):
+            label = int(words[0])
+            if label not in (self.mesh.nodes if kind == "Node " else self.mesh.elements):
+                continue
+            for component, value in zip(components, printed_values(words[1:])):
+                self.n["values of histories"] += 1
+                if value == value and single(value) not in found[kind, label, name + component]:
+                    self.problems.append("%s%d at %g: %s%s %r is in no history" % (
+                        kind, label, time, name, component, value))
 
 
 def main():
-    importer, dump, *decks = sys.argv[1:]
-    total = collections.Counter()
-    bad = refused = 0
-    with tempfile.TemporaryDirectory() as folder:
-        for deck in decks:
-            result, error = compare(importer, dump, deck, folder)
-            if error:
-                refused += 1
-                print("%s: not imported: %s" % (deck, error))
-                continue
-            total += result.n
-            bad += bool(result.problems)
-            for problem in result.problems[:3]:
-                print("%s: %s" % (deck, problem))
-    print("%d decks, %d refused, %d differ; compared: %s" % (
-        len(decks), refused, bad, ", ".join("%d %s" % (n, k) for k, n in sorted(total.items()))))
-    if bad or not total["values"]:
-        return 1
-    return 2 if refused else 0
+    programs, *decks = sys.argv[1:]
+
+    def compare(database, deck, frd, dat, counts):
+        result = Comparison(deck)
+        result.mesh, steps = read_database(dumped(programs, database))
+        if frd:
+            file = FrdFile(frd)
+            result.expanded = ExpandedMesh(result.mesh, file.nodes, file.elements)
+            result.problems += result.expanded.problems
+            result.frames(file.frames, steps)
+            result.largest_source = max((abs(v) for frame in file.frames
+                                         for row in frame.fields.get("DISP", {}).values()
+                                         for v in row[:3]), default=0)
+        if dat:
+            result.points(dat, steps)
+            result.histories(dat, steps)
+            if frd:
+                result.printed_nodes(dat, steps)
+        counts.update(result.n)
+        return result.problems
+
+    return go_through("databases", programs, decks, compare)
 
 
 if __name__ == "__main__":

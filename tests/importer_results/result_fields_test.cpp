@@ -7,74 +7,59 @@
 namespace odbs::importer {
 namespace {
 
-FrdComponent component(const std::string& name, int type, int row = 0, int column = 0,
-                       bool derived = false) {
-  return {name, type, row, column, derived};
-}
-
-FrdResult block(const std::string& name, std::vector<FrdComponent> components) {
+// A block with components "NAME" or "NAME:row column", those with indices of that type.
+FrdResult block(const std::string& name, int type, const std::vector<std::string>& components) {
   FrdResult result;
   result.name = name;
-  for (const FrdComponent& c : components) result.nStored += c.derived ? 0 : 1;
-  result.components = std::move(components);
+  for (const std::string& text : components) {
+    const std::size_t colon = text.find(':');
+    FrdComponent component{text.substr(0, colon), 1, 0, 0, text == "ALL"};
+    if (colon != std::string::npos) {
+      component.type = type;
+      component.row = text[colon + 1] - '0';
+      component.column = text.size() > colon + 2 ? text[colon + 2] - '0' : 0;
+    }
+    result.nStored += component.derived ? 0 : 1;
+    result.components.push_back(component);
+  }
   return result;
 }
 
-TEST(ResultFields, PutTensorsInTheDatabasesOrder) {
-  const auto fields = targetFields(block(
-      "STRESS", {component("SXX", 4, 1, 1), component("SYY", 4, 2, 2), component("SZZ", 4, 3, 3),
-                 component("SXY", 4, 1, 2), component("SYZ", 4, 2, 3), component("SZX", 4, 3, 1)}));
-  ASSERT_EQ(fields.size(), 1u);
-  EXPECT_EQ(fields[0].name, "S");
-  EXPECT_EQ(fields[0].shape, FieldShape::tensor);
-  EXPECT_TRUE(fields[0].ofElements);
-  EXPECT_EQ(fields[0].sources, (std::vector<int>{0, 1, 2, 3, 5, 4}));
-}
-
-TEST(ResultFields, LeaveDerivedComponentsOut) {
-  const auto fields = targetFields(
-      block("DISP", {component("ALL", 2, 0, 0, true), component("D1", 2, 1), component("D2", 2, 2),
-                     component("D3", 2, 3), component("D4", 1)}));
-  ASSERT_EQ(fields.size(), 2u);
-  EXPECT_EQ(fields[0].name, "U");
-  EXPECT_EQ(fields[0].sources, (std::vector<int>{0, 1, 2}));
-  EXPECT_EQ(fields[1].name, "U_D4");
-  EXPECT_EQ(fields[1].shape, FieldShape::scalar);
-  EXPECT_EQ(fields[1].sources, (std::vector<int>{3}));
-}
-
-TEST(ResultFields, TakeContactApartThoughItLooksLikeATensor) {
-  const auto fields = targetFields(
-      block("CONTACT", {component("COPEN", 4, 1, 1), component("CSLIP1", 4, 2, 2),
-                        component("CSLIP2", 4, 3, 3), component("CPRESS", 4, 1, 2),
-                        component("CSHEAR1", 4, 2, 3), component("CSHEAR2", 4, 3, 1)}));
-  ASSERT_EQ(fields.size(), 6u);
-  for (const TargetField& field : fields) {
-    EXPECT_EQ(field.shape, FieldShape::scalar);
-    if (field.name == "CPRESS") {
-      EXPECT_EQ(field.sources, (std::vector<int>{3}));
-    }
+// "NAME shape sources" of each field, "e" before those of elements, "+" after those that add up.
+std::string fieldsOf(const FrdResult& head, bool sectionForces = false) {
+  constexpr const char* kShapes[] = {"scalar", "vector", "tensor", "strain"};
+  std::string text;
+  for (const TargetField& field : targetFields(head, sectionForces)) {
+    text += (text.empty() ? "" : "; ") + std::string(field.ofElements ? "e " : "") + field.name +
+            " " + kShapes[static_cast<int>(field.shape)] + " ";
+    for (const int source : field.sources) text += std::to_string(source);
+    if (field.addsUp) text += "+";
   }
+  return text;
 }
 
-TEST(ResultFields, NameScalarsByFieldOrComponent) {
-  const auto one = targetFields(block("NDTEMP", {component("T", 1)}));
-  ASSERT_EQ(one.size(), 1u);
-  EXPECT_EQ(one[0].name, "NT11");
-  const auto many = targetFields(block("SDV", {component("SDV1", 1), component("SDV2", 1)}));
-  ASSERT_EQ(many.size(), 2u);
-  EXPECT_EQ(many[1].name, "SDV2");
-  EXPECT_TRUE(many[1].ofElements);
-  const auto unknown = targetFields(block("SENMASS", {component("DFDN", 1), component("FIL", 1)}));
-  ASSERT_EQ(unknown.size(), 2u);
-  EXPECT_EQ(unknown[0].name, "SENMASS_DFDN");
-}
-
-TEST(ResultFields, KnowWhichValuesAddUp) {
-  const std::vector<FrdComponent> vector = {component("1", 2, 1), component("2", 2, 2),
-                                            component("3", 2, 3)};
-  EXPECT_TRUE(targetFields(block("FORC", vector))[0].addsUp);
-  EXPECT_FALSE(targetFields(block("DISP", vector))[0].addsUp);
+TEST(ResultFields, TakeNamesShapesAndOrderOfTheDatabase) {
+  const std::vector<std::string> tensor = {":11", ":22", ":33", ":12", ":23", ":31"};
+  const struct {
+    FrdResult head;
+    const char* fields;
+  } cases[] = {
+      {block("STRESS", 4, tensor), "e S tensor 012354"},
+      {block("TOSTRAIN", 4, tensor), "e E strain 012354"},
+      {block("DISP", 2, {"ALL", ":1", ":2", ":3", "D4"}), "U vector 012; U_D4 scalar 3"},
+      {block("FORC", 2, {":1", ":2", ":3"}), "RF vector 012+"},
+      {block("NDTEMP", 1, {"T"}), "NT11 scalar 0"},
+      {block("SDV", 1, {"SDV1", "SDV2"}), "e SDV1 scalar 0; e SDV2 scalar 1"},
+      {block("SENMASS", 1, {"DFDN", "FIL"}), "SENMASS_DFDN scalar 0; SENMASS_FIL scalar 1"},
+      // It looks like a tensor.
+      {block("CONTACT", 4,
+             {"COPEN:11", "CSLIP1:22", "CSLIP2:33", "CPRESS:12", "CSHEAR1:23", "CSHEAR2:31"}),
+       "COPEN scalar 0; CSLIP1 scalar 1; CSLIP2 scalar 2; CPRESS scalar 3; CSHEAR1 scalar 4; "
+       "CSHEAR2 scalar 5"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(fieldsOf(c.head), c.fields);
+  EXPECT_EQ(fieldsOf(block("STRESS", 4, tensor), true),
+            "e S tensor 012354; e SF vector 210; e SM vector 453");
 }
 
 TEST(ResultFields, NameImaginaryPartsWithinEightCharacters) {

@@ -63,52 +63,10 @@ Matched match(const std::string& deckPath, const std::string& frdPath) {
   return m;
 }
 
-Matched matchSample(const std::string& name) {
-  const std::string base = std::string(ODBS_SOURCE_DIR) + "/samples/" + name + "/" + name;
-  return match(base + ".inp", base + ".frd");
-}
-
 std::string nodeLine(int label, const Place& at) {
   char line[80];
   std::snprintf(line, sizeof line, " -1%10d%12.5E%12.5E%12.5E\n", label, at[0], at[1], at[2]);
   return line;
-}
-
-TEST(ResultMesh, TakesSolidsAsTheyAre) {
-  for (const char* const name : {"contact_block", "bar_modes", "bar_harmonic"}) {
-    Matched m = matchSample(name);
-    m.expectNodesInPlace();
-    ASSERT_EQ(m.mesh->elements().size(), 1u) << name;
-    const ElementTargets& targets = m.mesh->elements()[0];
-    EXPECT_EQ(targets.labels.size(), m.content().elements.size());
-    EXPECT_EQ(m.mesh->nUnusedNodes() + m.mesh->nUnusedElements(), 0u);
-    const ElementBlock& block = m.content().elements.blocks[0];
-    for (std::size_t row = 0; row < targets.sources.size(); ++row) {
-      EXPECT_EQ(m.index.nodes.labels[static_cast<std::size_t>(targets.sources.nodes[row])],
-                block.nodes[row]);
-    }
-  }
-}
-
-TEST(ResultMesh, FindsTheLayersOfCompositeShells) {
-  Matched m = matchSample("composite_plate");
-  m.expectNodesInPlace();
-  ASSERT_EQ(m.mesh->elements().size(), 6u) << "two sides of three layers";
-  EXPECT_EQ(m.mesh->nUnusedElements(), 0u);
-  constexpr double kHeights[] = {-2, -1, 1, 2};  // faces of the layers of 1, 2 and 1 mm
-  for (const ElementTargets& targets : m.mesh->elements()) {
-    ASSERT_NE(targets.side, Side::whole);
-    EXPECT_EQ(targets.labels.size(), 9u);
-    const ElementBlock& block = m.content().elements.blocks[0];
-    const double height = kHeights[targets.layer + (targets.side == Side::top ? 1 : 0)];
-    for (std::size_t row = 0; row < targets.sources.size(); ++row) {
-      const Place found = m.place(targets.sources, row);
-      const Place expected = m.deckPlace(block.nodes[row]);
-      EXPECT_NEAR(found[0], expected[0], 1e-4);
-      EXPECT_NEAR(found[1], expected[1], 1e-4);
-      EXPECT_NEAR(found[2], height, 1e-4);
-    }
-  }
 }
 
 TEST(ResultMesh, FindsTheDoubleOfANodeByItsPlace) {

@@ -28,7 +28,7 @@ const BadDeck kBadDecks[] = {
     {"*NODE\n9,0,zero\n", "model.inp:13: \"zero\" is not a number"},
     {"*NODE\n9,nan,0\n", "model.inp:13: a coordinate is not a finite number"},
     {"*NODE\n9,1e999,0\n", "model.inp:13: \"1e999\" is not a number"},
-    {"*NODE\n\x1B[31m\xFF,0\n", "model.inp:13: \"\\x1B[31m\\xFF\" is not a whole number"},
+    {"*NODE\n\x1B[31m\xFF,0\n", "model.inp:13: \"\\x1b[31m\\xff\" is not a whole number"},
     {"*PARAMETER\na = b\n",
      "model.inp:13: parameter a cannot be evaluated: there is no parameter b"},
     {"*PARAMETER\na = 2*(1\n", "model.inp:13: parameter a cannot be evaluated: it ends too early"},

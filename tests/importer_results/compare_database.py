@@ -105,7 +105,7 @@ def read_database(lines):
     steps, rows, block = [], None, None
     for line in lines:
         words = line.split()
-        if not steps and mesh.take(words):
+        if not steps and (mesh.take(words) or words[0] != "step"):
             continue
         if words[0] == "step":
             steps.append(([], {}))

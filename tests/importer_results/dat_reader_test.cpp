@@ -181,7 +181,7 @@ TEST(DatReader, NamesFileLineAndReasonOfABrokenTable) {
        ".dat:2: a number expected, found \"-06\""},
       {" displacements (vx,vy,vz) for set N and time  1.0\n  1  0.0  0.0 -1.087822 -06\n",
        ".dat:2: a number expected, found \"-06\""},
-      {head + "  1  2.0  \x1b[2J\xff\n", ".dat:3: a number expected, found \"\\x1B[2J\\xFF\""},
+      {head + "  1  2.0  \x1b[2J\xff\n", ".dat:3: a number expected, found \"\\x1b[2J\\xff\""},
   };
   for (const auto& broken : cases) {
     try {

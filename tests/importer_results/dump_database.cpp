@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Prints the meshes and the results in a database, one line an entry, for compare_database.py.
+// Prints what a database holds, one line an entry, for compare_database.py and compare_decks.py.
 //
 //     dump_database FILE.odb
 #include <odb_API.h>
+#include <odb_MaterialTypes.h>
+#include <odb_SectionTypes.h>
 
 #include <cmath>
 #include <cstdio>
@@ -60,6 +62,57 @@ void printMesh(const odb_Instance& instance) {
   }
 }
 
+template <class Members>
+void printSet(const char* kind, const odb_String& name, const Members& members) {
+  std::printf("%s %s |", kind, name.CStr());
+  for (int i = 0; i < members.size(); ++i) std::printf(" %d", members[i].label());
+  std::printf("\n");
+}
+
+void printSets(const odb_Instance& instance) {
+  odb_SetRepositoryIT nodes(instance.nodeSets()), elements(instance.elementSets());
+  for (nodes.first(); !nodes.isDone(); nodes.next()) {
+    printSet("nset", nodes.currentKey(), nodes.currentValue().nodes());
+  }
+  for (elements.first(); !elements.isDone(); elements.next()) {
+    printSet("elset", elements.currentKey(), elements.currentValue().elements());
+  }
+  const odb_SequenceSectionAssignment& assignments = instance.sectionAssignments();
+  for (int i = 0; i < assignments.size(); ++i) {
+    printSet("assigned", assignments[i].sectionName(), assignments[i].region().elements());
+  }
+}
+
+// Materials of homogeneous sections, elastic constants, densities.
+void printProperties(odb_Odb& odb) {
+  odb_SectionApi sections;
+  odb.extendApi(odb_Enum::odb_SECTION, sections);
+  odb_SectionContainerIT section(sections.sections());
+  for (section.first(); !section.isDone(); section.next()) {
+    const odb_Section& value = section.currentValue();
+    const char* material = "";
+    if (odb_isA(odb_HomogeneousSolidSection, value)) {
+      material = odb_dynamicCast(odb_HomogeneousSolidSection, value).material().CStr();
+    } else if (odb_isA(odb_HomogeneousShellSection, value)) {
+      material = odb_dynamicCast(odb_HomogeneousShellSection, value).material().CStr();
+    }
+    std::printf("section %s | %s\n", section.currentKey().CStr(), material);
+  }
+  odb_MaterialApi materials;
+  odb.extendApi(odb_Enum::odb_MATERIAL, materials);
+  odb_MaterialContainerIT material(materials.materials());
+  for (material.first(); !material.isDone(); material.next()) {
+    const odb_Material& value = material.currentValue();
+    const auto print = [&](const char* what, const odb_SequenceSequenceDouble& table) {
+      std::printf("%s %s |", what, material.currentKey().CStr());
+      for (int i = 0; i < table[0].size(); ++i) std::printf(" %.17g", table[0][i]);
+      std::printf("\n");
+    };
+    if (value.elastic().hasValue()) print("elastic", value.elastic().table());
+    if (value.density().hasValue()) print("density", value.density().table());
+  }
+}
+
 void printSectionPoints(const odb_SectionCategory& category) {
   const odb_SequenceSectionPoint& points = category.sectionPoints();
   for (int i = 0; i < points.size(); ++i) {
@@ -69,7 +122,7 @@ void printSectionPoints(const odb_SectionCategory& category) {
 }
 
 void printStep(odb_Step& step) {
-  std::printf("step %s\n", step.name().CStr());
+  std::printf("step %s | %s\n", step.name().CStr(), step.procedure().CStr());
   odb_SequenceFrame& frames = step.frames();
   for (int i = 0; i < frames.size(); ++i) {
     const odb_Frame frame = frames[i];
@@ -116,7 +169,9 @@ int main(int argc, char** argv) {
     odb_InstanceRepositoryIT instances(odb.rootAssembly().instances());
     for (instances.first(); !instances.isDone(); instances.next()) {
       printMesh(instances.currentValue());
+      printSets(instances.currentValue());
     }
+    printProperties(odb);
     odb_SectionCategoryRepositoryIT categories(odb.sectionCategories());
     for (categories.first(); !categories.isDone(); categories.next()) {
       printSectionPoints(categories.currentValue());

@@ -5,5 +5,7 @@
 
 int main(int argc, char** argv) {
   odbs::port::ignoreBrokenPipe();
+  odbs::port::ignoreFileSizeLimit();
+  odbs::port::removeUnfinishedWhenInterrupted();
   return odbs::runModalCovariance({argv + 1, argv + argc});
 }

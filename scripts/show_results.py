@@ -17,12 +17,6 @@ import os
 import subprocess
 import sys
 
-import matplotlib
-
-matplotlib.use("Agg")
-from matplotlib import cm, colors, pyplot  # noqa: E402
-from mpl_toolkits.mplot3d.art3d import Poly3DCollection  # noqa: E402
-
 # Corner nodes of the faces, by the number of corners of a solid; nodes are counted from 0 in the
 # element's own order.
 SOLID_FACES = {
@@ -145,6 +139,12 @@ def nodal_stress(folder, database, step, frame):
 
 
 def draw(folder, database, step, frame, fields, picture, title):
+    # Here, so that the rest can be used without it.
+    import matplotlib
+    matplotlib.use("Agg")
+    from matplotlib import cm, colors, pyplot
+    from mpl_toolkits.mplot3d.art3d import Poly3DCollection
+
     records = rows(folder, "send", database, "g {}")
     instances = sum(record["kind"] == "name" for record in records)
     if instances:

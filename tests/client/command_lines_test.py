@@ -14,6 +14,9 @@ import unittest
 from pathlib import Path
 
 SOURCE, BIN = Path(sys.argv[1]).resolve(), Path(sys.argv[2]).resolve()
+sys.dont_write_bytecode = True  # the sources stay as they are
+sys.path.insert(0, str(SOURCE / "scripts"))
+import show_results  # noqa: E402
 TOOLS = ["odb_server", "odb_client", "odb_import", "odb_modal_covariance"]
 BENCHES = [path.name for path in BIN.glob("bench_*")]
 
@@ -132,6 +135,14 @@ class Client(unittest.TestCase):
                                ("values --field U --show range", "node 40"), ("model", "S8R")):
             command, *options = request.split()
             self.assertIn(piece, run("odb_client", command, self.plate, *options)[1])
+
+    def testThePicturesStressIsTheGreatestOfTheValues(self):
+        values = run("odb_client", "values", self.plate, "--field", "S", "--position", "element-node",
+                     "--format", "csv")[1]
+        top = [show_results.mises([float(row[f"S{i}"]) for i in (11, 22, 33, 12, 13, 23)])
+               for row in csv.DictReader(io.StringIO(values)) if row["section_point"] == "9"]
+        heat, what = show_results.nodal_stress(BIN, self.plate, 1, 0)
+        self.assertEqual((max(top), "Mises stress, top side of shells"), (max(heat.values()), what))
 
     def testCsvIsOneTableWithAColumnForEachComponent(self):
         def table(*words):

@@ -32,11 +32,6 @@ TEST_F(ServerTest, StaysInStepWhateverTheFirstCharacterOfALine) {
   }
 }
 
-TEST_F(ServerTest, TakesLinesOfTheGreatestLengthWhole) {
-  server.command(std::string(kLongestLine, 'z'));
-  EXPECT_EQ(server.ping(), server.processId());
-}
-
 TEST_F(ServerTest, SendsRawTestsOfEverySize) {
   for (const char* line : {"M 1 1", "M 7 40950", "M 3 100001", "M 0 5", "M -1 5", "M 5 -1", "M"}) {
     server.send(line);

@@ -66,17 +66,10 @@ TEST_F(DeckTest, ParametersAreEvaluatedAndReferencesReplaced) {
   EXPECT_NE(std::string::npos, deck.warnings[0].find(":8: parameter half divides whole numbers"));
 }
 
-TEST_F(DeckTest, AFlatDeckIsOnePartWithOneInstance) {
-  const Deck deck = read(kCube);
-  ASSERT_EQ(1U, deck.instances.size());
-  EXPECT_EQ("PART-1", deck.parts[0].name);
-  EXPECT_EQ("PART-1-1", deck.instances[0].name);
-  EXPECT_EQ("ASSEMBLY", deck.assemblyName);
-  EXPECT_TRUE(deck.flat);
-}
-
-TEST_F(DeckTest, NodesAreSortedAndTheLastDefinitionOfALabelStays) {
-  const Deck deck = read("*NODE\n9,1\n3,2\n*NODE\n9,5,6,7\n");
+TEST_F(DeckTest, LabelsAreSortedAndTheLastDefinitionOfANodeStays) {
+  const Deck deck = read("*NODE\n9,1\n3,2\n*NODE\n9,5,6,7\n*ELEMENT, TYPE=T3D2\n8,3,9\n4,9,3\n");
+  EXPECT_EQ((Labels{4, 8}), mesh(deck).elements.blocks[0].labels);
+  EXPECT_EQ((Labels{9, 3, 3, 9}), mesh(deck).elements.blocks[0].nodes);
   EXPECT_EQ((Labels{3, 9}), mesh(deck).nodes.labels);
   EXPECT_EQ((std::vector<double>{2, 0, 0, 5, 6, 7}), mesh(deck).nodes.xyz);
 }
@@ -129,21 +122,6 @@ TEST_F(DeckTest, SetsTakeLabelsRangesAndOtherSets) {
   EXPECT_GT(deck.nUnknownMembers, 0);
 }
 
-TEST_F(DeckTest, SurfacesNameElementsSetsAndNodes) {
-  const Deck deck =
-      read(kCube +
-           "*SURFACE, NAME=TOP\nEALL, S2\n1, s3\n*SURFACE, NAME=N, TYPE=NODE\nNALL, 1.\n4\n"
-           "*SURFACE, NAME=BOTH, COMBINE=UNION\nTOP\n");
-  const auto& surfaces = mesh(deck).surfaces;
-  ASSERT_EQ(3U, surfaces.size());
-  ASSERT_EQ(2U, surfaces[0].items.size());
-  EXPECT_EQ("S3", surfaces[0].items[1].face);
-  EXPECT_EQ((Labels{1}), surfaces[0].items[0].members[0].labels);
-  EXPECT_TRUE(surfaces[1].nodeBased);
-  EXPECT_EQ(8U, surfaces[1].items[0].members[0].labels.size());
-  EXPECT_EQ(2U, surfaces[2].items.size());
-}
-
 TEST_F(DeckTest, AnalyticSurfacesHaveAProfileAndALocalSystem) {
   const Deck deck = read(
       "*SURFACE, TYPE=CYLINDER, NAME=ROLL, FILLET RADIUS=0.5\n1,2,3,4,5,6\n7,8,9\n"
@@ -156,75 +134,6 @@ TEST_F(DeckTest, AnalyticSurfacesHaveAProfileAndALocalSystem) {
   EXPECT_EQ(9, roll.localPoints[2][2]);
   ASSERT_EQ(3U, roll.segments.size());
   EXPECT_EQ((std::vector<float>{2, 3, 0, 0}), roll.segments[1].values);
-}
-
-TEST_F(DeckTest, SectionsKnowTheirKindFromKeywordParametersAndElements) {
-  struct Row {
-    const char* keyword;
-    SectionKind kind;
-    const char* word;
-  };
-  const Row rows[] = {
-      {"*SOLID SECTION, ELSET=EALL, MATERIAL=M\n2.", SectionKind::solid, "solid"},
-      {"*SOLIDSECTION, ELSET=BARS, MATERIAL=M\n2.", SectionKind::truss, "truss"},
-      {"*SOLID SECTION, ELSET=EALL, COMPOSITE\n1,3,M,45", SectionKind::compositeSolid, "solid"},
-      {"*SHELL SECTION, ELSET=EALL, MATERIAL=M\n.1,7", SectionKind::shell, "shell"},
-      {"*SHELL SECTION, ELSET=EALL, COMPOSITE\n1,,M", SectionKind::compositeShell, "shell"},
-      {"*SHELL GENERAL SECTION, ELSET=EALL\n1.,2.", SectionKind::generalShell, "shell"},
-      {"*MEMBRANE SECTION, ELSET=EALL, MATERIAL=M\n.1", SectionKind::membrane, "membrane"},
-      {"*BEAM SECTION, ELSET=EALL, MATERIAL=M, SECTION=RECT\n1,2\n0,1,0", SectionKind::beam,
-       "beam"},
-      {"*GASKET SECTION, ELSET=EALL, BEHAVIOR=M", SectionKind::gasket, "gasket"},
-      {"*COHESIVE SECTION, ELSET=EALL, MATERIAL=M", SectionKind::cohesive, "cohesive"},
-      {"*CONNECTOR SECTION, ELSET=EALL\nJOIN, REVOLUTE\nO1, O2", SectionKind::connector,
-       "connector"},
-      {"*MASS, ELSET=EALL\n2.5", SectionKind::point, "point"},
-      {"*SPRING, ELSET=EALL\n\n10.", SectionKind::other, "spring"},
-  };
-  for (const Row& row : rows) {
-    const Deck deck = read(kCube + "*ELEMENT, TYPE=T3D2, ELSET=BARS\n2,1,2\n*MATERIAL, NAME=m\n" +
-                           row.keyword + "\n");
-    ASSERT_EQ(1U, mesh(deck).sections.size()) << row.keyword;
-    EXPECT_EQ(row.kind, mesh(deck).sections[0].kind) << row.keyword;
-    EXPECT_EQ(row.word, mesh(deck).sections[0].word) << row.keyword;
-  }
-}
-
-TEST_F(DeckTest, LayersCarryPointsMaterialAngleAndPly) {
-  const Deck deck = read(kCube +
-                         "*MATERIAL, NAME=M\n*SHELL SECTION, ELSET=EALL, COMPOSITE, SYMMETRIC\n"
-                         "0.5, 5, m, 45., ply-1\n0.25,, M, ORI\n");
-  const Section& section = mesh(deck).sections[0];
-  ASSERT_EQ(2U, section.layers.size());
-  EXPECT_TRUE(section.symmetric);
-  EXPECT_EQ(5, section.layers[0].nPoints);
-  EXPECT_EQ(45, section.layers[0].angle);
-  EXPECT_EQ("PLY-1", section.layers[0].plyName);
-  EXPECT_EQ(3, section.layers[1].nPoints);
-  EXPECT_EQ("ORI", section.layers[1].orientation);
-}
-
-TEST_F(DeckTest, MaterialsKeepTheirTables) {
-  const Deck deck =
-      read(kCube +
-           "*MATERIAL, NAME=a\n*DENSITY\n7.8E-9\n*ELASTIC\n210000., .3, 20.\n200000., .3, 400.\n"
-           "*MATERIAL, NAME=B\n*ELASTIC, TYPE=ENGINEERING CONSTANTS\n1,2,3,4,5,6,7,8\n9\n"
-           "*FAIL STRESS\n1,2,3,4,5,.5,7\n*FAIL STRAIN\n1,2,3,4,5\n"
-           "*MATERIAL, NAME=C\n*ACOUSTIC MEDIUM\n2.2E9\n*ELASTIC, TYPE=ANISO\n"
-           "1,2,3,4,5,6,7,8\n9,10,11,12,13,14,15,16\n17,18,19,20,21,100.\n");
-  ASSERT_EQ(3U, deck.materials.size());
-  EXPECT_EQ(7.8e-9, deck.materials[0].density.rows[0][0]);
-  EXPECT_TRUE(deck.materials[0].elastic.temperatureDependent);
-  EXPECT_EQ(2U, deck.materials[0].elastic.rows.size());
-  EXPECT_EQ("ENGINEERING_CONSTANTS", deck.materials[1].elasticType);
-  ASSERT_EQ(1U, deck.materials[1].elastic.rows.size());
-  EXPECT_EQ(9, deck.materials[1].elastic.rows[0][8]);
-  EXPECT_EQ(7U, deck.materials[1].failStress.rows[0].size());
-  EXPECT_EQ(5U, deck.materials[1].failStrain.rows[0].size());
-  EXPECT_EQ("ANISOTROPIC", deck.materials[2].elasticType);
-  ASSERT_EQ(1U, deck.materials[2].elastic.rows.size());
-  EXPECT_EQ(100, deck.materials[2].elastic.rows[0][21]);
-  EXPECT_TRUE(deck.materials[2].acousticMedium.present);
 }
 
 TEST_F(DeckTest, WhatStandsOutsideOfPartsIsNoPart) {
@@ -306,19 +215,6 @@ TEST_F(DeckTest, StepsKnowProcedureDomainAndPeriod) {
   }
 }
 
-TEST_F(DeckTest, StepsHaveNamesDescriptionsAndTheAnalysisItsCode) {
-  const Deck deck = read(kCube +
-                         "*STEP, NAME=Pull-It, NLGEOM=YES\nfirst\nsecond\n*STATIC\n*END STEP\n"
-                         "*STEP\n*DYNAMIC, EXPLICIT\n,1.\n*END STEP\n");
-  ASSERT_EQ(2U, deck.steps.size());
-  EXPECT_EQ("Pull-It", deck.steps[0].name);
-  EXPECT_EQ("first second", deck.steps[0].description);
-  EXPECT_TRUE(deck.steps[0].nlgeom);
-  EXPECT_EQ("Step-2", deck.steps[1].name);
-  EXPECT_TRUE(deck.isExplicit);
-  EXPECT_FALSE(read(kCube).isExplicit);
-}
-
 TEST_F(DeckTest, IncludesAreFoundBesideTheFileThatNamesThem) {
   files_.write("sub/mesh.inp", "*NODE\n1,0,0,0\n*INCLUDE, INPUT=more.inc\n3,2,0,0\n");
   files_.write("sub/more.inc", "2,1,0,0\n");
@@ -328,12 +224,6 @@ TEST_F(DeckTest, IncludesAreFoundBesideTheFileThatNamesThem) {
   EXPECT_EQ((Labels{1, 2, 3}), mesh(deck).nodes.labels);
   ASSERT_EQ(1U, mesh(deck).elements.blocks.size());
   EXPECT_EQ((Labels{5, 6}), mesh(deck).elements.blocks[0].labels);
-}
-
-TEST_F(DeckTest, UnknownKeywordsAreCounted) {
-  const Deck deck = read(kCube + "*BOUNDARY\n1,1\n*boundary, OP=NEW\n2,1\n*MAKE COFFEE\nblack\n");
-  EXPECT_EQ(2, deck.ignoredKeywords.at("*BOUNDARY"));
-  EXPECT_EQ(1, deck.ignoredKeywords.at("*MAKE COFFEE"));
 }
 
 }  // namespace

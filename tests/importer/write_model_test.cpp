@@ -2,6 +2,7 @@
 // What an imported deck looks like through the API.
 #include <cmath>
 
+#include "base/text.h"
 #include "tests/importer/imported.h"
 
 namespace odbs::importer {
@@ -18,7 +19,6 @@ TEST_F(ImportTest, FlatDecksAreOnePartWithOneInstance) {
   odb_Odb& odb = import(kCube);
   EXPECT_STREQ("A cube", odb.analysisTitle().CStr());
   EXPECT_STREQ("ASSEMBLY", odb.rootAssembly().name().CStr());
-  EXPECT_EQ(1, odb.jobData().analysisCode());
   EXPECT_EQ(1, odb.parts().size());
   ASSERT_EQ(1, odb.rootAssembly().instances().size());
   odb_Instance& cube = instance("PART-1-1");
@@ -33,39 +33,139 @@ TEST_F(ImportTest, FlatDecksAreOnePartWithOneInstance) {
   EXPECT_TRUE(odb.rootAssembly().nodeSets().isMember(" ALL NODES"));
 }
 
-TEST_F(ImportTest, ExplicitDynamicsSetsTheAnalysisCode) {
-  EXPECT_EQ(2,
-            import(kCube + "*STEP\n*DYNAMIC, EXPLICIT\n,1.\n*END STEP\n").jobData().analysisCode());
-}
-
-TEST_F(ImportTest, EverySectionKeywordGivesItsSectionClass) {
+TEST_F(ImportTest, EverySectionKeywordGivesItsSectionClassAndCategory) {
   struct Row {
-    const char* keyword;
-    const odbs::TypeIdentifier& identifier;
+    const char *keyword, *category;
+    const odbs::TypeIdentifier* identifier;  // null: a category alone
   };
   const Row rows[] = {
-      {"*SOLID SECTION, ELSET=EALL, MATERIAL=M", odb_HomogeneousSolidSection::typeIdentifier()},
-      {"*SOLID SECTION, ELSET=EALL, COMPOSITE\n1,1,M", odb_CompositeSolidSection::typeIdentifier()},
-      {"*SHELL SECTION, ELSET=EALL, MATERIAL=M\n1", odb_HomogeneousShellSection::typeIdentifier()},
-      {"*SHELL SECTION, ELSET=EALL, COMPOSITE\n1,3,M", odb_CompositeShellSection::typeIdentifier()},
-      {"*SHELL GENERAL SECTION, ELSET=EALL\n1,2", odb_ShellSection::typeIdentifier()},
-      {"*MEMBRANE SECTION, ELSET=EALL, MATERIAL=M\n1", odb_MembraneSection::typeIdentifier()},
-      {"*BEAM SECTION, ELSET=EALL, MATERIAL=M, SECTION=RECT\n1,2\n0,1,0",
-       odb_BeamSection::typeIdentifier()},
-      {"*GASKET SECTION, ELSET=EALL, MATERIAL=M", odb_GasketSection::typeIdentifier()},
-      {"*COHESIVE SECTION, ELSET=EALL, MATERIAL=M", odb_CohesiveSection::typeIdentifier()},
-      {"*MASS, ELSET=EALL\n2.5", odb_PointSection::typeIdentifier()},
+      {"*SOLID SECTION, ELSET=EALL, MATERIAL=M\n2.", "solid",
+       &odb_HomogeneousSolidSection::typeIdentifier()},
+      {"*SOLIDSECTION, ELSET=EALL, COMPOSITE\n1,1,M", "solid",
+       &odb_CompositeSolidSection::typeIdentifier()},
+      {"*ELEMENT, TYPE=T3D2, ELSET=EALL\n1,1,2\n*SOLID SECTION, ELSET=EALL, MATERIAL=M", "truss",
+       &odb_TrussSection::typeIdentifier()},
+      {"*SHELL SECTION, ELSET=EALL, MATERIAL=M\n.1,7", "shell",
+       &odb_HomogeneousShellSection::typeIdentifier()},
+      {"*SHELL SECTION, ELSET=EALL, COMPOSITE\n1,,M", "shell",
+       &odb_CompositeShellSection::typeIdentifier()},
+      {"*SHELL GENERAL SECTION, ELSET=EALL\n1,2", "shell", &odb_ShellSection::typeIdentifier()},
+      {"*MEMBRANE SECTION, ELSET=EALL, MATERIAL=M\n1", "membrane",
+       &odb_MembraneSection::typeIdentifier()},
+      {"*BEAM SECTION, ELSET=EALL, MATERIAL=M, SECTION=RECT\n1,2\n0,1,0", "beam",
+       &odb_BeamSection::typeIdentifier()},
+      {"*GASKET SECTION, ELSET=EALL, BEHAVIOR=M", "gasket", &odb_GasketSection::typeIdentifier()},
+      {"*COHESIVE SECTION, ELSET=EALL, MATERIAL=M", "cohesive",
+       &odb_CohesiveSection::typeIdentifier()},
+      {"*MASS, ELSET=EALL\n2.5", "point", &odb_PointSection::typeIdentifier()},
+      {"*SPRING, ELSET=EALL\n\n10.", "spring", nullptr},
   };
   for (const Row& row : rows) {
-    odb_Odb& odb = import(kCube + row.keyword + "\n");
+    const bool brings = startsWith(row.keyword, "*ELEMENT");
+    odb_Odb& odb = import((brings ? "*NODE\n1\n2,1\n*MATERIAL, NAME=M\n" : kCube) +
+                          std::string(row.keyword) + "\n");
+    const odb_Element element = instance("PART-1-1").getElementFromLabel(1);
+    EXPECT_EQ(row.category + std::string(" < elset = EALL >"),
+              element.sectionCategory().name().CStr());
     odb_SectionApi api;
     odb.extendApi(odb_Enum::odb_SECTION, api);
-    ASSERT_TRUE(api.sections().isMember("Section-EALL")) << row.keyword;
-    EXPECT_TRUE(api.sections()["Section-EALL"].subTypeIdentifier() == row.identifier)
+    ASSERT_EQ(row.identifier != nullptr, api.sections().isMember("Section-EALL")) << row.keyword;
+    if (!row.identifier) continue;
+    EXPECT_TRUE(api.sections()["Section-EALL"].subTypeIdentifier() == *row.identifier)
         << row.keyword;
     odb_Set region = instance("PART-1-1").sectionAssignments(0).region();
     EXPECT_EQ((std::vector<int>{1}), labelsOf(region.elements())) << row.keyword;
   }
+}
+
+TEST_F(ImportTest, CompositeShellsKeepTheirLayersAndPoints) {
+  odb_Odb& odb = import(kCube +
+                        "*SHELL SECTION, ELSET=PLATE, COMPOSITE\n1.,,m,45.,ply-1\n3.,2,M,ORI,CORE\n"
+                        "*SHELL SECTION, ELSET=EALL, COMPOSITE, SYMMETRIC\n1.,5,M\n2.,,M\n");
+  odb_SectionApi api;
+  odb.extendApi(odb_Enum::odb_SECTION, api);
+  const auto& shell = odb_dynamicCast(odb_CompositeShellSection, api.sections()["Section-PLATE"]);
+  ASSERT_EQ(2, shell.layup().size());
+  EXPECT_EQ(1, shell.layup(0).thickness());
+  EXPECT_EQ(45, shell.layup(0).orientAngle().getDouble());
+  EXPECT_STREQ("PLY-1", shell.layup(0).plyName().CStr());
+  EXPECT_STREQ("ORI", shell.layup(1).orientAngle().getString().CStr());
+  EXPECT_STREQ("M", shell.layup(1).material().CStr());
+  const auto& points = odb.sectionCategories()["shell < elset = PLATE >"].sectionPoints();
+  ASSERT_EQ(5, points.size()) << "three by default";
+  EXPECT_STREQ("fraction = -0.500000, Layer = 1", points[2].description().CStr());
+  EXPECT_STREQ("fraction = -0.500000, Layer = 2", points[3].description().CStr());
+  EXPECT_STREQ("fraction = 1.000000, Layer = 2", points[4].description().CStr());
+  EXPECT_EQ(16, odb.sectionCategories()["shell < elset = EALL >"].sectionPoints().size());
+}
+
+TEST_F(ImportTest, MaterialsArriveWithAllTheirTables) {
+  odb_Odb& odb =
+      import(kCube +
+             "*ELASTIC\n210000., .3, 20.\n200000., .3, 400.\n"
+             "*MATERIAL, NAME=B\n*ELASTIC, TYPE=ENGINEERING CONSTANTS\n1,2,3,4,5,6,7,8\n9\n"
+             "*FAIL STRESS\n1,2,3,4,5,.5,7\n*FAIL STRAIN\n1,2,3,4,5\n"
+             "*MATERIAL, NAME=AIR\n*ACOUSTIC MEDIUM\n1.4E5\n*MATERIAL, NAME=C\n"
+             "*ELASTIC, TYPE=ANISO\n1,2,3,4,5,6,7,8\n9,10,11,12,13,14,15,16\n"
+             "17,18,19,20,21,100.\n");
+  odb_MaterialApi api;
+  odb.extendApi(odb_Enum::odb_MATERIAL, api);
+  ASSERT_EQ(4, api.materials().size());
+  const odb_Material& m = api.materials()["M"];
+  EXPECT_EQ(2.5, m.density().table()[0][0]);
+  EXPECT_FALSE(m.acousticMedium().hasValue());
+  EXPECT_TRUE(api.materials()["AIR"].acousticMedium().hasValue());
+  EXPECT_FALSE(api.materials()["AIR"].elastic().hasValue());
+  struct Row {
+    const char *name, *type;
+    int nRows, nColumns;
+    double last;
+  };
+  for (const Row& row : {Row{"M", "ISOTROPIC", 2, 3, 400}, Row{"C", "ANISOTROPIC", 1, 22, 100},
+                         Row{"B", "ENGINEERING_CONSTANTS", 1, 9, 9}}) {
+    const odb_Elastic& elastic = api.materials()[row.name].elastic();
+    EXPECT_STREQ(row.type, elastic.type().CStr());
+    ASSERT_EQ(row.nRows, elastic.table().size()) << row.name;
+    ASSERT_EQ(row.nColumns, elastic.table()[0].size()) << row.name;
+    EXPECT_EQ(row.last, elastic.table()[row.nRows - 1][row.nColumns - 1]) << row.name;
+    EXPECT_EQ(row.nColumns != 9, elastic.temperatureDependency()) << row.name;
+  }
+  EXPECT_EQ(7, api.materials()["B"].elastic().failStress().table()[0][6]);
+  EXPECT_EQ(5, api.materials()["B"].elastic().failStrain().table()[0][4]);
+}
+
+TEST_F(ImportTest, SurfacesNameFacesBySolidOrShell) {
+  import(kCube +
+         "*SURFACE, NAME=A\nEALL, S4\nPLATE, SNEG\n1, s3\n*SURFACE, NAME=N, TYPE=NODE\nNALL, 1.\n"
+         "*SURFACE, NAME=FREE\nEALL\n*SURFACE, NAME=BOTH, COMBINE=UNION\nA\n");
+  odb_Instance& cube = instance("PART-1-1");
+  for (const char* name : {"A", "BOTH"}) {
+    const odb_Set a = cube.surfaces()[name];
+    EXPECT_EQ((std::vector<int>{1, 2, 3, 1}), labelsOf(a.elements())) << name;
+    EXPECT_EQ(
+        (std::vector<int>{odb_Enum::FACE4, odb_Enum::SIDE2, odb_Enum::SIDE2, odb_Enum::FACE3}),
+        facesOf(a));
+  }
+  EXPECT_EQ(8, cube.surfaces()["N"].nodes().size());
+  EXPECT_EQ(6, cube.surfaces()["FREE"].faces().size());
+}
+
+TEST_F(ImportTest, StepsStandInOrderWithNamesAndDescriptions) {
+  EXPECT_EQ(1, import(kCube).jobData().analysisCode());
+  odb_Odb& odb = import(kCube +
+                        "*STEP, NAME=Pull-It, NLGEOM=YES\nfirst\nsecond\n*STATIC\n.1, 2.\n"
+                        "*END STEP\n*STEP\n*DYNAMIC, EXPLICIT\n,1.\n*END STEP\n");
+  EXPECT_EQ(2, odb.jobData().analysisCode()) << "explicit";
+  odb_StepRepository steps = odb.steps();
+  ASSERT_EQ(2, steps.size());
+  const odb_Step& pull = steps.stepList().Get(0);
+  EXPECT_STREQ("Pull-It", pull.name().CStr());
+  EXPECT_STREQ("first second", pull.description().CStr());
+  EXPECT_STREQ("*STATIC", pull.procedure().CStr());
+  EXPECT_TRUE(pull.nlgeom());
+  EXPECT_EQ(2, pull.timePeriod());
+  EXPECT_EQ(0, pull.frames().size());
+  EXPECT_TRUE(steps.isMember("Step-2"));
 }
 
 TEST_F(ImportTest, ElementsCarryTheCategoryOfTheirSection) {
@@ -80,54 +180,6 @@ TEST_F(ImportTest, ElementsCarryTheCategoryOfTheirSection) {
   EXPECT_EQ(1, category.sectionPoints(0).number());
   EXPECT_STREQ("fraction = -1.000000, Layer = 1", category.sectionPoints(0).description().CStr());
   EXPECT_STREQ("fraction = 0.000000, Layer = 1", category.sectionPoints(2).description().CStr());
-}
-
-TEST_F(ImportTest, CompositeShellsKeepTheirLayersAndPoints) {
-  odb_Odb& odb =
-      import(kCube + "*SHELL SECTION, ELSET=PLATE, COMPOSITE\n1.,3,M,45.\n3.,2,M,ORI,CORE\n");
-  odb_SectionApi api;
-  odb.extendApi(odb_Enum::odb_SECTION, api);
-  const auto& shell = odb_dynamicCast(odb_CompositeShellSection, api.sections()["Section-PLATE"]);
-  ASSERT_EQ(2, shell.layup().size());
-  EXPECT_EQ(1, shell.layup(0).thickness());
-  EXPECT_EQ(45, shell.layup(0).orientAngle().getDouble());
-  EXPECT_STREQ("ORI", shell.layup(1).orientAngle().getString().CStr());
-  EXPECT_STREQ("M", shell.layup(1).material().CStr());
-  const auto& points = odb.sectionCategories()["shell < elset = PLATE >"].sectionPoints();
-  ASSERT_EQ(5, points.size());
-  EXPECT_STREQ("fraction = -0.500000, Layer = 1", points[2].description().CStr());
-  EXPECT_STREQ("fraction = -0.500000, Layer = 2", points[3].description().CStr());
-  EXPECT_STREQ("fraction = 1.000000, Layer = 2", points[4].description().CStr());
-}
-
-TEST_F(ImportTest, MaterialsArriveWithAllTheirTables) {
-  odb_Odb& odb = import(kCube +
-                        "*FAIL STRESS\n1,2,3,4,5,6,7\n*FAIL STRAIN\n1,2,3,4,5\n"
-                        "*MATERIAL, NAME=AIR\n*ACOUSTIC MEDIUM\n1.4E5\n");
-  odb_MaterialApi api;
-  odb.extendApi(odb_Enum::odb_MATERIAL, api);
-  ASSERT_EQ(2, api.materials().size());
-  const odb_Material& m = api.materials()["M"];
-  EXPECT_EQ(2.5, m.density().table()[0][0]);
-  EXPECT_STREQ("ISOTROPIC", m.elastic().type().CStr());
-  EXPECT_EQ(0.3, m.elastic().table()[0][1]);
-  EXPECT_EQ(7, m.elastic().failStress().table()[0][6]);
-  EXPECT_EQ(5, m.elastic().failStrain().table()[0][4]);
-  EXPECT_FALSE(m.acousticMedium().hasValue());
-  EXPECT_TRUE(api.materials()["AIR"].acousticMedium().hasValue());
-  EXPECT_FALSE(api.materials()["AIR"].elastic().hasValue());
-}
-
-TEST_F(ImportTest, SurfacesNameFacesBySolidOrShell) {
-  import(kCube +
-         "*SURFACE, NAME=A\nEALL, S4\nPLATE, SNEG\n*SURFACE, NAME=N, TYPE=NODE\n3\n"
-         "*SURFACE, NAME=FREE\nEALL\n");
-  odb_Instance& cube = instance("PART-1-1");
-  const odb_Set a = cube.surfaces()["A"];
-  EXPECT_EQ((std::vector<int>{1, 2, 3}), labelsOf(a.elements()));
-  EXPECT_EQ((std::vector<int>{odb_Enum::FACE4, odb_Enum::SIDE2, odb_Enum::SIDE2}), facesOf(a));
-  EXPECT_EQ((std::vector<int>{3}), labelsOf(cube.surfaces()["N"].nodes()));
-  EXPECT_EQ(6, cube.surfaces()["FREE"].faces().size());
 }
 
 TEST_F(ImportTest, FreeSurfacesLeaveFacesBetweenElementsOut) {
@@ -161,30 +213,6 @@ TEST_F(ImportTest, PlaneAndAxisymmetricDecksHaveTheirSpace) {
   }
   import(nodes + "5,0,0,1\n*ELEMENT, TYPE=CPS4\n1,1,2,3,4\n");
   EXPECT_EQ(odb_Enum::THREE_D, instance("PART-1-1").embeddedSpace()) << "z is not lost";
-}
-
-TEST_F(ImportTest, UnsortedDecksArriveSorted) {
-  import("*NODE\n5,5\n1,1\n3,3\n*ELEMENT, TYPE=T3D2\n9,5,1\n4,1,3\n");
-  odb_Instance& bars = instance("PART-1-1");
-  EXPECT_EQ((std::vector<int>{1, 3, 5}), labelsOf(bars.nodes()));
-  EXPECT_EQ((std::vector<int>{4, 9}), labelsOf(bars.elements()));
-  expectAt(bars, 5, 5, 0, 0);
-  EXPECT_EQ((std::vector<int>{5, 1}), connectivityOf(bars.getElementFromLabel(9)));
-}
-
-TEST_F(ImportTest, StepsStandInOrderWithoutFrames) {
-  odb_Odb& odb = import(kCube +
-                        "*STEP, NAME=Pull, NLGEOM\nwords\n*STATIC\n.1, 2.\n*END STEP\n"
-                        "*STEP, PERTURBATION\n*FREQUENCY\n3\n*END STEP\n");
-  odb_StepRepository steps = odb.steps();
-  ASSERT_EQ(2, steps.size());
-  const odb_Step& pull = steps.stepList().Get(0);
-  EXPECT_STREQ("Pull", pull.name().CStr());
-  EXPECT_STREQ("words", pull.description().CStr());
-  EXPECT_STREQ("*STATIC", pull.procedure().CStr());
-  EXPECT_EQ(2, pull.timePeriod());
-  EXPECT_EQ(0, pull.frames().size());
-  EXPECT_EQ(odb_Enum::MODAL, steps["Step-2"].domain());
 }
 
 TEST_F(ImportTest, SectionsOfTheSameSetNameInTwoPartsAreToldApart) {

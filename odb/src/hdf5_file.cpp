@@ -4,7 +4,9 @@
 #include "odb/src/errors.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
 // HDF5 1.10 loses the header structure (424 bytes) of each object whose stored header is damaged.
@@ -56,14 +58,17 @@ hid_t memoryType(Number number) {
 // Fixed in size: no exception may pass through HDF5.
 struct Reason {
   char text[256] = "no reason given";
+  bool outOfMemory = false;
 };
 
 herr_t takeInnermost(unsigned n, const H5E_error2_t* error, void* out) {
+  Reason& reason = *static_cast<Reason*>(out);
   if (n == 0) {
-    std::snprintf(static_cast<Reason*>(out)->text, sizeof(Reason), "%s: %s",
+    std::snprintf(reason.text, sizeof reason.text, "%s: %s",
                   error->func_name ? error->func_name : "?",
                   error->desc ? error->desc : "no reason given");
   }
+  if (error->min_num == H5E_NOSPACE || error->min_num == H5E_CANTALLOC) reason.outOfMemory = true;
   return 0;
 }
 
@@ -131,6 +136,9 @@ Hdf5File& Hdf5File::operator=(Hdf5File&& other) noexcept {
 
 void Hdf5File::failCall(const char* call, const std::string& object) const {
   Reason reason;
+  // HDF5 does not always say that an allocation failed; the allocator does.
+  reason.outOfMemory = errno == ENOMEM;
+  errno = 0;
   H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, takeInnermost, &reason);
   H5Eclear2(H5E_DEFAULT);
   const std::string message = object + ": " + call + ": " + reason.text;
@@ -140,6 +148,8 @@ void Hdf5File::failCall(const char* call, const std::string& object) const {
          "cannot write " + path_ + ": " + (cause.empty() ? message : cause));
   }
   if (!cause.empty()) fail(odb_ERROR_DAMAGED, "cannot read " + path_ + ": " + cause);
+  // No word about the file: whoever remembers what could not be read must not remember this.
+  if (reason.outOfMemory) throw std::bad_alloc();
   failDamaged(path_ + ": " + message);
 }
 

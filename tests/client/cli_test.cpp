@@ -8,17 +8,10 @@
 #include <sstream>
 
 #include "base/printable.h"
+#include "tests/client/built_server.h"
 
 namespace odbs::client::test {
 namespace {
-
-std::string fakeServerPath() {
-  std::string path = std::string(ODBS_BIN_DIR) + "/client_fake_server";
-#ifdef _WIN32
-  path += ".exe";
-#endif
-  return path;
-}
 
 struct Outcome {
   int status;
@@ -32,7 +25,7 @@ Outcome run(const std::vector<std::string>& arguments) {
 }
 
 Outcome runOnFake(std::vector<std::string> arguments) {
-  arguments.insert(arguments.end(), {"--server", fakeServerPath(), "--timeout", "20"});
+  arguments.insert(arguments.end(), {"--server", fakeServer().server, "--timeout", "20"});
   return run(arguments);
 }
 

@@ -7,19 +7,10 @@
 #include <filesystem>
 
 #include "client/small_records.h"
+#include "tests/client/built_server.h"
 
 namespace odbs::client::test {
 namespace {
-
-StartOptions fakeServer() {
-  StartOptions options;
-  options.server = std::string(ODBS_BIN_DIR) + "/client_fake_server";
-#ifdef _WIN32
-  options.server += ".exe";
-#endif
-  options.timeoutMs = 20000;
-  return options;
-}
 
 class ConnectionTest : public ::testing::Test {
  protected:

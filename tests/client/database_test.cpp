@@ -10,8 +10,9 @@
 #include "client/model.h"
 #include "client/nodal_results.h"
 #include "client/sets.h"
-#include "tests/client/real_server.h"
+#include "tests/client/built_server.h"
 #include "tests/client/written_model.h"
+#include "tests/support/temporary_folder.h"
 
 namespace odbs::client::test {
 namespace {

@@ -3,7 +3,7 @@
 // description, neither from the other.
 #include <gtest/gtest.h>
 
-#include "tests/client/real_server.h"
+#include "tests/client/built_server.h"
 
 namespace odbs::client::test {
 namespace {

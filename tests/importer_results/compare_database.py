@@ -249,6 +249,7 @@ class Comparison:
             for point, at, values, scale in self.expected_points(element, rows):
                 self.n["values at integration points" if point < 0 else
                        "values at section points"] += 1
+                scale *= 2 if name in STRAINS else 1
                 values = stored(name, values)
                 candidates = found.get((name, element, point, at), [])
                 # Real and imaginary parts come in tables of their own.

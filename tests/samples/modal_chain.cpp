@@ -4,53 +4,35 @@
 
 #include <odb_API.h>
 
+#include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <sstream>
 
 #include "importer/command_line.h"
+#include "importer/dat_reader.h"
+#include "importer/frd_reader.h"
 #include "samples/modal_covariance/command_line.h"
 
 namespace odbs::tests {
 
 namespace {
 
-// The stresses of each mode: lines " -1", a node, six numbers of 12 columns.
+// The stresses of each mode, in single precision like those of databases.
 void readStresses(const std::string& path, std::vector<SolvedMode>& modes) {
-  std::ifstream file(path);
+  importer::FrdReader reader(path);
   std::size_t mode = 0;
-  bool stress = false;
-  for (std::string line; std::getline(file, line);) {
-    const std::string key = line.substr(0, 3);
-    if (key == " -4") stress = line.compare(5, 6, "STRESS") == 0;
-    if (key == " -3" && stress) {
-      stress = false;
-      ++mode;
+  for (auto block = reader.next(); block != importer::FrdReader::Block::end;
+       block = reader.next()) {
+    const importer::FrdResult& result = reader.result();
+    if (result.name != "STRESS") continue;
+    for (std::size_t row = 0; row < result.labels.size(); ++row) {
+      for (std::size_t i = 0; i < 6; ++i) {
+        modes.at(mode).stresses[result.labels[row]][i] =
+            static_cast<double>(static_cast<float>(result.values[6 * row + i]));
+      }
     }
-    if (key != " -1" || !stress) continue;
-    Stress& at = modes.at(mode).stresses[std::stoi(line.substr(3, 10))];
-    for (std::size_t i = 0; i < 6; ++i) {
-      // Databases hold single precision.
-      at[i] = static_cast<double>(std::stof(line.substr(13 + 12 * i, 12)));
-    }
+    ++mode;
   }
   ASSERT_EQ(modes.size(), mode);
-}
-
-// The rows behind the first line that begins with `heading`: numbers, as many as there are modes.
-std::vector<std::vector<double>> rowsBehind(const std::string& path, const std::string& heading,
-                                            std::size_t nRows) {
-  std::ifstream file(path);
-  std::vector<std::vector<double>> rows;
-  bool found = false;
-  for (std::string line; rows.size() < nRows && std::getline(file, line);) {
-    found = found || line.find(heading) != std::string::npos;
-    std::istringstream words(line);
-    std::vector<double> row;
-    for (double number = 0; words >> number;) row.push_back(number);
-    if (found && row.size() >= 5) rows.push_back(row);
-  }
-  return rows;
 }
 
 }  // namespace
@@ -61,13 +43,19 @@ void ModalChain::SetUp() {
                                     base + ".dat", "--quiet", "-o", path_}));
   modes_.resize(kModes);
   readStresses(base + ".frd", modes_);
-  const auto eigenvalues = rowsBehind(base + ".dat", "E I G E N V A L U E   O U T P U T", kModes);
-  const auto factors = rowsBehind(base + ".dat", "P A R T I C I P A T I O N", kModes);
-  ASSERT_EQ(std::size_t{kModes}, factors.size());
-  for (std::size_t m = 0; m < kModes; ++m) {
-    modes_[m].frequency = eigenvalues[m].at(3);
-    for (std::size_t k = 0; k < 6; ++k) modes_[m].participation[k] = factors[m].at(k + 1);
+  importer::DatReader printed(base + ".dat");
+  while (printed.next()) {
+    const importer::DatTable& table = printed.table();
+    const bool factors = table.quantity == importer::kDatParticipation;
+    if (!factors && table.quantity != importer::kDatEigenvalues) continue;
+    ASSERT_EQ(table.nRows(), std::size_t{kModes});
+    for (std::size_t m = 0; m < kModes; ++m) {
+      const double* const row = table.values.data() + m * table.columns.size();
+      if (!factors) modes_[m].frequency = row[2];
+      if (factors) std::copy(row, row + 6, modes_[m].participation);
+    }
   }
+  ASSERT_GT(modes_[0].frequency, 0);
 }
 
 int ModalChain::run(std::vector<std::string> options) {

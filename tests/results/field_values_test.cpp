@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Field values as the server streams them.
+#include <map>
+
 #include "base/bytes.h"
 #include "tests/results/result_fixture.h"
 
@@ -17,18 +19,6 @@ std::string valueType(int flag) {
 class FieldValues : public ResultTest {
  protected:
   FieldValues() : frame_(step("Step-1").Frame(1, 1)) {}
-
-  // A scalar at the centroid of element 10, at each of these section points of a category that the
-  // element has.
-  void layeredScalar(const std::vector<int>& sectionPoints) {
-    odb_SectionCategory& category = odb_->SectionCategory("shell", "");
-    odb_FieldOutput& field = frame_.FieldOutput("SE", "", odb_Enum::SCALAR);
-    for (const int number : sectionPoints) {
-      const odb_SectionPoint& point = category.SectionPoint(number, "p");
-      field.addData(odb_Enum::CENTROID, instance(), ints({10}),
-                    floatRows({{static_cast<float>(number)}}), point);
-    }
-  }
 
   // Section-point numbers of the blocks in the reply.
   std::vector<int> pointsSent(const std::string& head) {
@@ -72,25 +62,18 @@ TEST_F(FieldValues, LabelsConjugatesAndPrecisionFollowTheKindOfField) {
   nodalScalar(frame_, "NT11", 5);
   frame_.FieldOutput("D", "", odb_Enum::SCALAR)
       .addData(odb_Enum::NODAL, instance(), ints({4}), doubleRows({{0.1}}));
-  const struct {
-    const char* field;
-    int position;
-    std::size_t nRecords;
-    Payload first, last;
-  } rows[] = {
-      {"E", kElementNodal, 10, Payload(0x1F).i32(10).i32(1).i32(0).f32(1),
-       Payload(0x16).i32(8).f32(8)},
-      {"V", kStored, 3, Payload(0x1F).i32(10).i32(-1).i32(0).f32(3).f32(-4),
-       Payload(0x1F).i32(10).i32(-1).i32(0).f32(3).f32(-4)},
-      {"NT11", kStored, 4, Payload(0x1F).i32(1).i32(-1).i32(0).f32(5), Payload(0x22).i32(2).f32(6)},
-      {"D", kStored, 3, Payload(0x1F).i32(4).i32(-1).i32(0).f32(0.1F),
-       Payload(0x1F).i32(4).i32(-1).i32(0).f32(0.1F)}};
-  for (const auto& row : rows) {
-    select(1, 0, row.position, row.field);
-    const Records records = values("rs ");
-    ASSERT_EQ(row.nRecords, records.size()) << row.field;
-    EXPECT_EQ(std::string(row.first), records[2]) << row.field;
-    EXPECT_EQ(std::string(row.last), records.back()) << row.field;
+  const auto first = [](int label) { return Payload(0x1F).i32(label); };
+  Records elementNodal{first(10).i32(1).i32(0).f32(1)};
+  for (int k = 2; k <= 8; ++k) elementNodal.push_back(Payload(0x16).i32(k).f32(float(k)));
+  const std::map<const char*, Records> expected{
+      {"E", elementNodal},
+      {"V", {first(10).i32(-1).i32(0).f32(3).f32(-4)}},
+      {"NT11", {first(1).i32(-1).i32(0).f32(5), Payload(0x22).i32(2).f32(6)}},
+      {"D", {first(4).i32(-1).i32(0).f32(0.1F)}}};
+  for (const auto& [field, records] : expected) {
+    select(1, 0, *field == 'E' ? kElementNodal : kStored, field);
+    const Records sent = values("rs ");
+    EXPECT_EQ(records, Records(sent.begin() + 2, sent.end())) << field;
   }
 }
 
@@ -113,7 +96,12 @@ TEST_F(FieldValues, BlocksOfAComplexFieldWithoutConjugatesHaveZeros) {
 }
 
 TEST_F(FieldValues, SectionPointsArePickedOrServedByForm) {
-  layeredScalar({1, 3, 5});
+  odb_SectionCategory& category = odb_->SectionCategory("shell", "");
+  odb_FieldOutput& field = frame_.FieldOutput("SE", "", odb_Enum::SCALAR);
+  for (const int number : {1, 3, 5}) {
+    field.addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{1}}),
+                  category.SectionPoint(number, "p"));
+  }
   select(1, 0, kStored, "SE");
   EXPECT_EQ((std::vector<int>{1, 3, 5}), pointsSent("rv "));
   EXPECT_EQ((std::vector<int>{1, 3, 5}), pointsSent("rm "));

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <sstream>
 
 #include "tests/importer_results/result_text.h"
 
@@ -31,143 +31,103 @@ std::string errorOf(const std::string& bytes) {
 
 const std::string kDisp = field("DISP", {"D1", "D2", "D3"}, true);
 
-TEST(FrdReader, ReadsNodesAndElementsOfBothTextWidths) {
-  const TemporaryFile file(
-      "    1C\n    1UPGM               CalculiX\n" + blockHead("2", 2, 0) +
-      " -1    7 1.00000E+00-2.50000E+00 0.00000E+00\n"
-      " -1    8 3.00000E+00 4.00000E+00-5.00000E-01\n -3\n" +
-      blockHead("3", 1, 0) + " -1    3   12    2    1\n -2    7    8    9\n -3\n" +
-      blockHead("2", 1, 1) + " -1 123456789 1.00000E+00-2.50000E+00 0.00000E+00\n -3\n" +
-      blockHead("3", 1, 1) +
-      " -1       251    4    0STEEL\n"
-      " -2         1         2         3         4         5         6         7         8         "
-      "9"
-      "        10\n"
-      " -2        11        12        13        14        15        16        17        18"
-      "        19        20\n -3\n 9999\n");
+// The blocks of a file, one a line: "nodes", "elements" with the types, or name, value, analysis
+// and parameters of a result; then "; label: numbers" of each entry.
+std::string blocksOf(const std::string& bytes) {
+  const TemporaryFile file(bytes);
   FrdReader reader(file.path());
-
-  ASSERT_EQ(reader.next(), Block::nodes);
-  EXPECT_EQ(reader.nodes().labels, (Labels{7, 8}));
-  EXPECT_EQ(reader.nodes().coordinates, (Doubles{1, -2.5, 0, 3, 4, -0.5}));
-  ASSERT_EQ(reader.next(), Block::elements);
-  EXPECT_EQ(reader.elements().types, (std::vector<std::uint8_t>{12}));
-  EXPECT_EQ(reader.elements().nodes, (Labels{7, 8, 9}));
-  ASSERT_EQ(reader.next(), Block::nodes);
-  EXPECT_EQ(reader.nodes().labels, (Labels{123456789}));
-  ASSERT_EQ(reader.next(), Block::elements);
-  EXPECT_EQ(reader.elements().labels, (Labels{251}));
-  EXPECT_EQ(reader.elements().nodes.size(), 20u);
-  EXPECT_EQ(reader.elements().nodes.back(), 20);
-  ASSERT_EQ(reader.next(), Block::end);
-  EXPECT_TRUE(reader.complete());
-  ASSERT_EQ(reader.header().size(), 2u);
-  EXPECT_EQ(reader.header()[1].text, "PGM               CalculiX");
-}
-
-TEST(FrdReader, ReadsWhatAResultBlockSaysOfItself) {
-  const TemporaryFile file(
-      "    1PSTEP                        12           3           2          \n"
-      "    1PGM                2.000000E+00\n    1PGK                8.000000E+00\n"
-      "    1PHID                          4\n    1PMODE                         5\n" +
-      resultHead(2.5, 1, 2, 7, "MODAL", 1) + kDisp +
-      " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n -3\n" + resultHead(3.5, 1, 0, 8, "", 1) +
-      kDisp + " -1         1 4.00000E+00 5.00000E+00 6.00000E+00\n -3\n 9999\n");
-  FrdReader reader(file.path());
-  ASSERT_EQ(reader.next(), Block::result);
-  const FrdResult& result = reader.result();
-  EXPECT_EQ(result.name, "DISP");
-  EXPECT_EQ(result.value, 2.5);
-  EXPECT_EQ(result.analysis, FrdAnalysis::frequency);
-  EXPECT_EQ(result.analysisName, "MODAL");
-  EXPECT_EQ(result.number, 7);
-  EXPECT_EQ(result.parameters.increment, 3);
-  EXPECT_EQ(result.parameters.step, 2);
-  EXPECT_EQ(result.parameters.mode, 5);
-  EXPECT_EQ(result.parameters.nodalDiameter, 4);
-  EXPECT_EQ(result.parameters.generalizedMass, 2);
-  EXPECT_EQ(result.parameters.generalizedStiffness, 8);
-  EXPECT_EQ(result.nStored, 3);
-  ASSERT_EQ(result.components.size(), 4u);
-  EXPECT_TRUE(result.components[3].derived);
-  EXPECT_EQ(result.values, (Doubles{1, 2, 3}));
-
-  ASSERT_EQ(reader.next(), Block::result);
-  EXPECT_EQ(reader.result().parameters.mode, 0) << "parameters belong to one block alone";
-  EXPECT_EQ(reader.result().values, (Doubles{4, 5, 6}));
-}
-
-TEST(FrdReader, ReadsValuesThatFillTheirColumns) {
-  const TemporaryFile file(resultHead(1, 3, 0, 1, "", 1) + kDisp +
-                           " -1         1-1.00000E-05-2.00000E+15-3.00000E+00\n"
-                           " -1         2 1.50000-103-2.50000+102 3.00000D+00\n"
-                           " -1         3         nan         inf        -inf\n -3\n");
-  FrdReader reader(file.path());
-  ASSERT_EQ(reader.next(), Block::result);
-  const Doubles& values = reader.result().values;
-  ASSERT_EQ(values.size(), 9u);
-  EXPECT_EQ(Doubles(values.begin(), values.begin() + 6),
-            (Doubles{-1e-5, -2e15, -3, 1.5e-103, -2.5e102, 3}));
-  EXPECT_TRUE(std::isnan(values[6]));
-  EXPECT_EQ(values[7], INFINITY);
-  EXPECT_EQ(values[8], -INFINITY);
-  EXPECT_EQ(reader.next(), Block::end);
-  EXPECT_FALSE(reader.complete()) << "without the record 9999 the file was cut";
-}
-
-TEST(FrdReader, FollowsColumnsThatLongExponentsHaveShifted) {
-  const TemporaryFile file(resultHead(1, 2, 0, 1, "", 1) + kDisp +
-                           " -1         1-1.00000E-103-2.00000E+00 3.00000E+00\n"
-                           " -1         2 1.00000E-05-2.00000E-112 3.00000E+01\n -3\n 9999\n");
-  FrdReader reader(file.path());
-  ASSERT_EQ(reader.next(), Block::result);
-  EXPECT_EQ(reader.result().values, (Doubles{-1e-103, -2, 3, 1e-5, -2e-112, 30}));
-}
-
-TEST(FrdReader, ContinuesAfterSixComponents) {
-  std::vector<std::string> names;
-  for (int i = 1; i <= 14; ++i) names.push_back("SDV" + std::to_string(i));
-  for (const int format : {0, 1}) {
-    const std::string label = format == 0 ? "    9" : "         9";
-    const std::string blank(label.size(), ' ');
-    std::string six;
-    for (int i = 1; i <= 6; ++i) six += " " + std::to_string(i) + ".00000E+00";
-    const TemporaryFile file(resultHead(1, 1, 0, 1, "", format) + field("SDV", names, false) +
-                             " -1" + label + six + "\r\n -2" + blank + six + "\r\n -2" + blank +
-                             " 7.00000E+00 8.00000E+00\r\n -3\r\n 9999\r\n");
-    FrdReader reader(file.path());
-    ASSERT_EQ(reader.next(), Block::result);
-    EXPECT_EQ(reader.result().labels, (Labels{9}));
-    EXPECT_EQ(reader.result().values, (Doubles{1, 2, 3, 4, 5, 6, 1, 2, 3, 4, 5, 6, 7, 8}));
-    EXPECT_EQ(reader.next(), Block::end);
+  std::ostringstream text;
+  const auto rows = [&](const Labels& labels, const auto& numbers, std::size_t width) {
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+      text << "; " << labels[i] << ':';
+      for (std::size_t k = 0; k < width; ++k) text << ' ' << numbers[i * width + k];
+    }
+    text << '\n';
+  };
+  for (Block block = reader.next(); block != Block::end; block = reader.next()) {
+    const FrdElements& elements = reader.elements();
+    const FrdResult& result = reader.result();
+    const FrdParameters& p = result.parameters;
+    if (block == Block::nodes) {
+      text << "nodes";
+      rows(reader.nodes().labels, reader.nodes().coordinates, 3);
+    } else if (block == Block::elements) {
+      text << "elements of type " << int{elements.types[0]};
+      rows(elements.labels, elements.nodes, elements.nodes.size() / elements.labels.size());
+    } else {
+      text << result.name << ' ' << result.value << ' ' << static_cast<int>(result.analysis)
+           << result.analysisName << ' ' << result.number << " step " << p.step << ' '
+           << p.increment << " mode " << p.mode << ' ' << p.nodalDiameter << ' '
+           << p.generalizedMass << ' ' << p.generalizedStiffness;
+      rows(result.labels, result.values, static_cast<std::size_t>(result.nStored));
+    }
   }
+  return text.str() + (reader.complete() ? "end" : "cut");
 }
 
-TEST(FrdReader, ReadsBinaryBlocksAmongText) {
-  std::string elements = blockHead("3", 1, 2);  // announces fewer than there are
+TEST(FrdReader, ReadsBlocksOfEachFormat) {
+  const std::string none = " step 0 0 mode 0 0 0 0";
+  std::string binaryElements = blockHead("3", 1, 2);  // announces fewer than there are
   for (const int label : {1, 2}) {
-    elements += bytes32(label) + bytes32(11) + bytes32(0) + bytes32(1) + bytes32(1) + bytes32(2);
+    binaryElements +=
+        bytes32(label) + bytes32(11) + bytes32(0) + bytes32(1) + bytes32(1) + bytes32(2);
   }
-  const TemporaryFile file(blockHead("2", 1, 3) + bytes32(1) + bytesDouble(0.1) +
-                           bytesDouble(-0.2) + bytesDouble(3e-200) + elements +
-                           "    1PSTEP                         1           4           1\n" +
-                           resultHead(1, 2, 0, 1, "", 2) + kDisp + bytes32(1) + bytesFloat(1.5f) +
-                           bytesFloat(2) + bytesFloat(10.f) + bytes32(2) + bytesFloat(0) +
-                           bytesFloat(-1e-30f) + bytesFloat(4) + resultHead(1, 1, 0, 1, "", 3) +
-                           field("NDTEMP", {"T"}, false) + bytes32(10) + bytesDouble(0.3) +
-                           " 9999\n");
-  FrdReader reader(file.path());
-  ASSERT_EQ(reader.next(), Block::nodes);
-  EXPECT_EQ(reader.nodes().coordinates, (Doubles{0.1, -0.2, 3e-200}));
-  ASSERT_EQ(reader.next(), Block::elements);
-  EXPECT_EQ(reader.elements().labels, (Labels{1, 2}));
-  ASSERT_EQ(reader.next(), Block::result);
-  EXPECT_EQ(reader.result().parameters.increment, 4);
-  EXPECT_EQ(reader.result().values, (Doubles{1.5, 2, 10, 0, -1e-30f, 4}));
-  ASSERT_EQ(reader.next(), Block::result);
-  EXPECT_EQ(reader.result().values, (Doubles{0.3}));
-  EXPECT_EQ(reader.next(), Block::end);
-  EXPECT_TRUE(reader.complete());
+  std::vector<std::string> many;
+  for (int i = 1; i <= 8; ++i) many.push_back("SDV" + std::to_string(i));
+  const std::string six =
+      " 1.00000E+00 2.00000E+00 3.00000E+00 4.00000E+00 5.00000E+00 6.00000E+00\r\n -2";
+  const std::string two = " 7.00000E+00 8.00000E+00\r\n -3\r\n 9999\r\n";
+  const std::string row = " -1         1 1.00000E+00 2.00000E+00 3.00000E+00\n";
+  const struct {
+    std::string bytes, blocks;
+  } cases[] = {
+      {"    1C\n    1UPGM               CalculiX\n" + blockHead("2", 2, 0) +
+           " -1    7 1.00000E+00-2.50000E+00 0.00000E+00\n"
+           " -1    8 3.00000E+00 4.00000E+00-5.00000E-01\n -3\n" +
+           blockHead("3", 1, 0) + " -1    3   12    2    1\n -2    7    8    9\n -3\n" +
+           blockHead("2", 1, 1) + " -1 123456789 1.00000E+00-2.50000E+00 0.00000E+00\n -3\n" +
+           blockHead("3", 1, 1) + " -1       251    6    0STEEL\n" +
+           " -2         1         2         3         4         5         6         7         8"
+           "         9        10\n -3\n 9999\n",
+       "nodes; 7: 1 -2.5 0; 8: 3 4 -0.5\nelements of type 12; 3: 7 8 9\n"
+       "nodes; 123456789: 1 -2.5 0\nelements of type 6; 251: 1 2 3 4 5 6 7 8 9 10\nend"},
+      // Parameters belong to one block alone.
+      {"    1PSTEP                        12           3           2          \n"
+       "    1PGM                2.000000E+00\n    1PGK                8.000000E+00\n"
+       "    1PHID                          4\n    1PMODE                         5\n" +
+           resultHead(2.5, 1, 2, 7, "MODAL", 1) + kDisp + row + " -3\n" +
+           resultHead(3.5, 1, 0, 8, "", 1) + kDisp + row + " -3\n 9999\n",
+       "DISP 2.5 2MODAL 7 step 2 3 mode 5 4 2 8; 1: 1 2 3\nDISP 3.5 0 8" + none +
+           "; 1: 1 2 3\nend"},
+      // Values that fill their columns, and shift them: exponents of three digits.
+      {resultHead(1, 3, 0, 1, "", 1) + kDisp +
+           " -1         1-1.00000E-05-2.00000E+15-3.00000E+00\n"
+           " -1         2 1.50000-103-2.50000+102 3.00000D+00\n"
+           " -1         3         nan         inf        -inf\n -3\n",
+       "DISP 1 0 1" + none +
+           "; 1: -1e-05 -2e+15 -3; 2: 1.5e-103 -2.5e+102 3; 3: nan inf -inf\ncut"},
+      {resultHead(1, 2, 0, 1, "", 1) + kDisp +
+           " -1         1-1.00000E-103-2.00000E+00 3.00000E+00\n"
+           " -1         2 1.00000E-05-2.00000E-112 3.00000E+01\n -3\n 9999\n",
+       "DISP 1 0 1" + none + "; 1: -1e-103 -2 3; 2: 1e-05 -2e-112 30\nend"},
+      // More than six components.
+      {resultHead(1, 1, 0, 1, "", 0) + field("SDV", many, false) + " -1    9" + six + "     " + two,
+       "SDV 1 0 1" + none + "; 9: 1 2 3 4 5 6 7 8\nend"},
+      {resultHead(1, 1, 0, 1, "", 1) + field("SDV", many, false) + " -1         9" + six +
+           "          " + two,
+       "SDV 1 0 1" + none + "; 9: 1 2 3 4 5 6 7 8\nend"},
+      {blockHead("2", 1, 3) + bytes32(1) + bytesDouble(0.1) + bytesDouble(-0.2) +
+           bytesDouble(3e-200) + binaryElements + resultHead(1, 2, 0, 1, "", 2) + kDisp +
+           bytes32(1) + bytesFloat(1.5f) + bytesFloat(2) + bytesFloat(10.f) + bytes32(2) +
+           bytesFloat(0) + bytesFloat(-0.25f) + bytesFloat(4) + resultHead(1, 1, 0, 1, "", 3) +
+           field("NDTEMP", {"T"}, false) + bytes32(10) + bytesDouble(0.3) + " 9999\n",
+       "nodes; 1: 0.1 -0.2 3e-200\nelements of type 11; 1: 1 2; 2: 1 2\nDISP 1 0 1" + none +
+           "; 1: 1.5 2 10; 2: 0 -0.25 4\nNDTEMP 1 0 1" + none + "; 10: 0.3\nend"},
+      // Empty blocks that announce all nodes.
+      {resultHead(1, 84, 1, 2, "", 1) + kDisp + " -3\n 9999\n", "DISP 1 1 2" + none + "\nend"},
+      {resultHead(1, 84, 1, 2, "", 2) + kDisp + " 9999\n", "DISP 1 1 2" + none + "\nend"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(blocksOf(c.bytes), c.blocks);
 }
 
 TEST(FrdReader, SkimsBlocksAndReadsThemAgainInAnyOrder) {
@@ -212,17 +172,6 @@ TEST(FrdIndex, KeepsTheFramesBeforeABlockThatTheFileBreaksOffIn) {
   const TemporaryFile file(mesh + text);
   FrdReader reader(file.path());
   EXPECT_THROW(indexFrd(reader), ResultFileCut) << "nothing is left of it";
-}
-
-TEST(FrdReader, ReadsBlocksThatAnnounceMoreThanTheyHold) {
-  for (const int format : {1, 2}) {
-    const TemporaryFile file(resultHead(1, 84, 1, 2, "", format) + kDisp +
-                             (format == 1 ? " -3\n 9999\n" : " 9999\n"));
-    FrdReader reader(file.path());
-    ASSERT_EQ(reader.next(), Block::result);
-    EXPECT_TRUE(reader.result().labels.empty());
-    EXPECT_EQ(reader.next(), Block::end);
-  }
 }
 
 TEST(FrdReader, NamesFileLineAndReasonOfABrokenText) {

@@ -41,15 +41,15 @@ void putFirstRow(const odb_SequenceSequenceDouble& table, int nValues) {
 //   24    fail strain: u32 0, 5 values       when the material has it
 //   32    fail stress: u32 1, 7 values       when the material has it
 //   4     -1
-void putElastic(const odb_Elastic& elastic) {
+void putElastic(const kmaO_Elastic& elastic) {
   putString(elastic.type(), kLongestElastic);
   putFirstRow(elastic.table(), kElasticValues);
-  const odb_FailStrain failStrain = elastic.failStrain();
+  const kmaO_FailStrain failStrain = elastic.failStrain();
   if (failStrain.hasValue()) {
     putU32(kFailStrainEntry);
     putFirstRow(failStrain.table(), kFailStrainValues);
   }
-  const odb_FailStress failStress = elastic.failStress();
+  const kmaO_FailStress failStress = elastic.failStress();
   if (failStress.hasValue()) {
     putU32(kFailStressEntry);
     putFirstRow(failStress.table(), kFailStressValues);
@@ -64,22 +64,22 @@ void putElastic(const odb_Elastic& elastic) {
 //   5+n     4     density, 0 when there is none
 //   9+n     ...   elastic behaviour; u32 0 alone when there is none
 //   end-4   4     1 when the material is an acoustic medium, else 0
-void sendMaterial(const odb_Material& material, int outputFd) {
+void sendMaterial(const kmaO_Material& material, int outputFd) {
   beginRecord(kMaterialTag);
   putString(material.name(), 4 + kTypeRoom + kLongestElastic);
-  const odb_Density density = material.density();
+  const kmaO_Density density = material.density();
   if (density.hasValue()) {
     putFirstRow(density.table(), 1);
   } else {
     putF32(0.0F);
   }
-  const odb_Elastic elastic = material.elastic();
+  const kmaO_Elastic elastic = material.elastic();
   if (elastic.hasValue()) {
     putElastic(elastic);
   } else {
     putU32(0);
   }
-  const odb_AcousticMedium acoustic = material.acousticMedium();
+  const kmaO_AcousticMedium acoustic = material.acousticMedium();
   putU32(acoustic.hasValue() ? 1 : 0);
   appendRecord(outputFd);
 }
@@ -87,9 +87,9 @@ void sendMaterial(const odb_Material& material, int outputFd) {
 }  // namespace
 
 void sendMaterials(odb_Odb& odb, int outputFd) {
-  odb_MaterialApi api;
+  kmaO_ApiExtension api;
   odb.extendApi(odb_Enum::odb_MATERIAL, api);
-  odb_MaterialContainerIT it(api.materials());
+  kmaO_MaterialContainerIT it(api.materials());
   for (it.first(); !it.isDone(); it.next()) sendMaterial(it.currentValue(), outputFd);
 }
 

@@ -36,16 +36,16 @@ SectionNumbers numberSections(const std::vector<std::string>& names) {
   return numbers;
 }
 
-SectionNumbers numberSections(const odb_SectionContainer& sections) {
+SectionNumbers numberSections(const kseO_SectionContainer& sections) {
   std::vector<std::string> names;
-  odb_SectionContainerIT it(sections);
+  kseO_SectionContainerIT it(sections);
   for (it.first(); !it.isDone(); it.next()) {
     names.emplace_back(it.currentValue().name().CStr());
   }
   return numberSections(names);
 }
 
-SectionCategories categoriesOfSections(odb_Odb& odb, const odb_SectionContainer& sections) {
+SectionCategories categoriesOfSections(odb_Odb& odb, const kseO_SectionContainer& sections) {
   SectionCategories categories;
   odb_SectionCategoryRepositoryIT it(odb.sectionCategories());
   for (it.first(); !it.isDone(); it.next()) {

@@ -28,9 +28,9 @@ using SectionCategories = std::map<std::string, odb_SectionCategory>;
 SectionNumbers numberSections(const std::vector<std::string>& names);
 
 // Numbers the sections of the container, as above.
-SectionNumbers numberSections(const odb_SectionContainer& sections);
+SectionNumbers numberSections(const kseO_SectionContainer& sections);
 
 // The category of each section of the container that one leads to; of several the last one.
-SectionCategories categoriesOfSections(odb_Odb& odb, const odb_SectionContainer& sections);
+SectionCategories categoriesOfSections(odb_Odb& odb, const kseO_SectionContainer& sections);
 
 }  // namespace odbs

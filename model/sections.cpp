@@ -75,11 +75,11 @@ float angleOf(const odb_Union& angle) {
 //   4     0
 //   4     thickness
 //   4     orientation angle
-void putLayers(const odb_SequenceSectionLayer& layup, const odb_SectionCategory* category) {
+void putLayers(const kseO_SequenceSectionLayer& layup, const odb_SectionCategory* category) {
   std::vector<LayerRun> runs;
   if (category != nullptr) runs = layerRuns(category->sectionPoints(), layup.size());
   // Contract: every run but the last describes the layer of the run after it.
-  const auto describedLayer = [&](std::size_t i) -> const odb_SectionLayer& {
+  const auto describedLayer = [&](std::size_t i) -> const kseO_SectionLayer& {
     return layup[runs[i + 1 < runs.size() ? i + 1 : i].layer - 1];
   };
   // Runs past the end of the record are left out and not counted.
@@ -91,7 +91,7 @@ void putLayers(const odb_SequenceSectionLayer& layup, const odb_SectionCategory*
   }
   putU32(static_cast<std::uint32_t>(nSent));
   for (std::size_t i = 0; i < nSent; ++i) {
-    const odb_SectionLayer& layer = describedLayer(i);
+    const kseO_SectionLayer& layer = describedLayer(i);
     putI32(runs[i].layer);
     putU32(runs[i].nPoints);
     putString(layer.material());
@@ -125,8 +125,8 @@ void putMaterialSection(const SectionContext& context) {
 }
 
 void putHomogeneousShell(const SectionContext& context) {
-  const odb_HomogeneousShellSection& shell =
-      odb_dynamicCast(odb_HomogeneousShellSection, context.section);
+  const kseO_HomogeneousShellSection& shell =
+      odb_dynamicCast(kseO_HomogeneousShellSection, context.section);
   putI32(kHomogeneousShellCode);
   putF32(static_cast<float>(shell.thickness()));
   putString(shell.material(), 4);
@@ -134,7 +134,7 @@ void putHomogeneousShell(const SectionContext& context) {
 }
 
 void putPoint(const SectionContext& context) {
-  const odb_PointSection& point = odb_dynamicCast(odb_PointSection, context.section);
+  const kseO_PointSection& point = odb_dynamicCast(kseO_PointSection, context.section);
   putI32(kPointCode);
   putF32(static_cast<float>(point.mass()));
   putU32(0);
@@ -155,18 +155,18 @@ struct SectionKind {
 };
 
 constexpr SectionKind kSectionKinds[] = {
-    {isKind<odb_CompositeShellSection>, putCompositeSection<odb_CompositeShellSection>},
-    {isKind<odb_CompositeSolidSection>, putCompositeSection<odb_CompositeSolidSection>},
-    {isKind<odb_ConnectorSection>, putConnector},
-    {isKind<odb_PointSection>, putPoint},
-    {isKind<odb_HomogeneousShellSection>, putHomogeneousShell},
-    {isKind<odb_HomogeneousSolidSection>,
-     putMaterialSection<odb_HomogeneousSolidSection, kHomogeneousSolidCode>},
-    {isKind<odb_TrussSection>, putMaterialSection<odb_TrussSection, kTrussCode>},
-    {isKind<odb_PEGSection>, putMaterialSection<odb_PEGSection, kPegCode>},
-    {isKind<odb_MembraneSection>, putMaterialSection<odb_MembraneSection, kMembraneCode>},
-    {isKind<odb_GasketSection>, putMaterialSection<odb_GasketSection, kGasketCode>},
-    {isKind<odb_CohesiveSection>, putMaterialSection<odb_CohesiveSection, kCohesiveCode>},
+    {isKind<kseO_CompositeShellSection>, putCompositeSection<kseO_CompositeShellSection>},
+    {isKind<kseO_CompositeSolidSection>, putCompositeSection<kseO_CompositeSolidSection>},
+    {isKind<kseO_ConnectorSection>, putConnector},
+    {isKind<kseO_PointSection>, putPoint},
+    {isKind<kseO_HomogeneousShellSection>, putHomogeneousShell},
+    {isKind<kseO_HomogeneousSolidSection>,
+     putMaterialSection<kseO_HomogeneousSolidSection, kHomogeneousSolidCode>},
+    {isKind<kseO_TrussSection>, putMaterialSection<kseO_TrussSection, kTrussCode>},
+    {isKind<kseO_PEGSection>, putMaterialSection<kseO_PEGSection, kPegCode>},
+    {isKind<kseO_MembraneSection>, putMaterialSection<kseO_MembraneSection, kMembraneCode>},
+    {isKind<kseO_GasketSection>, putMaterialSection<kseO_GasketSection, kGasketCode>},
+    {isKind<kseO_CohesiveSection>, putMaterialSection<kseO_CohesiveSection, kCohesiveCode>},
 };
 
 // Section record, buffered.
@@ -237,9 +237,9 @@ ElementSections& tableOf(const SectionUse& use, odb_Assembly& assembly, SectionT
 
 SectionTables sendSections(odb_Odb& odb, const std::vector<std::string>& instanceNames,
                            int outputFd) {
-  odb_SectionApi api;
+  kseO_ApiExtension api;
   odb.extendApi(odb_Enum::odb_SECTION, api);
-  const odb_SectionContainer& sections = api.sections();
+  const kseO_SectionContainer& sections = api.sections();
   odb_Assembly& assembly = odb.rootAssembly();
 
   const SectionCategories categories = categoriesOfSections(odb, sections);
@@ -247,7 +247,7 @@ SectionTables sendSections(odb_Odb& odb, const std::vector<std::string>& instanc
   SectionTables tables;
   tables.numbers = numberSections(sections);
 
-  odb_SectionContainerIT it(sections);
+  kseO_SectionContainerIT it(sections);
   for (it.first(); !it.isDone(); it.next()) {
     const odb_Section& section = it.currentValue();
     const std::string name = section.name().CStr();

@@ -32,7 +32,7 @@ LayupLayer& layerOf(SectionLayup& layup, std::map<int, std::size_t>& places, int
   return layup.layers.back();
 }
 
-SectionLayup layupOf(const odb_SectionCategory& category, const odb_SectionContainer& sections) {
+SectionLayup layupOf(const odb_SectionCategory& category, const kseO_SectionContainer& sections) {
   SectionLayup layup;
   const std::string categoryName = category.name().CStr();
   layup.section = sectionNameOfCategory(categoryName).value_or(categoryName);
@@ -65,7 +65,7 @@ bool SectionLayup::isNamed(std::string_view name) const {
 }
 
 SectionLayups::SectionLayups(odb_Odb& odb) {
-  odb_SectionApi api;
+  kseO_ApiExtension api;
   odb.extendApi(odb_Enum::odb_SECTION, api);
   odb_SectionCategoryRepositoryIT it(odb.sectionCategories());
   for (it.first(); !it.isDone(); it.next()) {

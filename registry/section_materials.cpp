@@ -11,11 +11,11 @@ namespace {
 // A symmetric layup gives its lower half; the upper one mirrors it.
 template <typename Section>
 void takeLayers(const Section& section, SectionMaterials& materials) {
-  const odb_SequenceSectionLayer& layup = section.layup();
+  const kseO_SequenceSectionLayer& layup = section.layup();
   const int n = layup.size();
   const int nWhole = section.symmetric() ? 2 * n : n;
   for (int i = 0; i < nWhole; ++i) {
-    const odb_SectionLayer& layer = layup[i < n ? i : nWhole - 1 - i];
+    const kseO_SectionLayer& layer = layup[i < n ? i : nWhole - 1 - i];
     materials.layers.push_back({layer.material().CStr(), layer.plyName().CStr()});
   }
 }
@@ -38,27 +38,27 @@ bool SectionMaterials::uses(std::string_view material) const {
 SectionMaterials materialsOf(const odb_Section& section) {
   SectionMaterials materials;
   materials.name = section.name().CStr();
-  if (odb_isA(odb_CompositeShellSection, section)) {
-    takeLayers(odb_dynamicCast(odb_CompositeShellSection, section), materials);
-  } else if (odb_isA(odb_CompositeSolidSection, section)) {
-    takeLayers(odb_dynamicCast(odb_CompositeSolidSection, section), materials);
+  if (odb_isA(kseO_CompositeShellSection, section)) {
+    takeLayers(odb_dynamicCast(kseO_CompositeShellSection, section), materials);
+  } else if (odb_isA(kseO_CompositeSolidSection, section)) {
+    takeLayers(odb_dynamicCast(kseO_CompositeSolidSection, section), materials);
   }
-  takeMaterial<odb_HomogeneousShellSection>(section, materials);
-  takeMaterial<odb_HomogeneousSolidSection>(section, materials);
-  takeMaterial<odb_TrussSection>(section, materials);
-  takeMaterial<odb_PEGSection>(section, materials);
-  takeMaterial<odb_MembraneSection>(section, materials);
-  takeMaterial<odb_GasketSection>(section, materials);
-  takeMaterial<odb_CohesiveSection>(section, materials);
-  takeMaterial<odb_BeamSection>(section, materials);
+  takeMaterial<kseO_HomogeneousShellSection>(section, materials);
+  takeMaterial<kseO_HomogeneousSolidSection>(section, materials);
+  takeMaterial<kseO_TrussSection>(section, materials);
+  takeMaterial<kseO_PEGSection>(section, materials);
+  takeMaterial<kseO_MembraneSection>(section, materials);
+  takeMaterial<kseO_GasketSection>(section, materials);
+  takeMaterial<kseO_CohesiveSection>(section, materials);
+  takeMaterial<kseO_BeamSection>(section, materials);
   return materials;
 }
 
 std::vector<SectionMaterials> sectionMaterialsOf(odb_Odb& odb) {
-  odb_SectionApi api;
+  kseO_ApiExtension api;
   odb.extendApi(odb_Enum::odb_SECTION, api);
   std::vector<SectionMaterials> materials;
-  odb_SectionContainerIT it(api.sections());
+  kseO_SectionContainerIT it(api.sections());
   for (it.first(); !it.isDone(); it.next()) materials.push_back(materialsOf(it.currentValue()));
   return materials;
 }

@@ -14,6 +14,14 @@ function(odbs_compile_options target)
   endif()
 endfunction()
 
+# Other code makes the linker copy variables of shared libraries into the program, which then exports
+# them. Nobody replaces our functions, so that calls need no detour.
+function(odbs_export_nothing target)
+  if(NOT WIN32)
+    target_compile_options(${target} PRIVATE -fPIC -fno-semantic-interposition)
+  endif()
+endfunction()
+
 # odbs_library(NAME SOURCES a.cpp ... DEPENDS other ...): the static library of a folder.
 function(odbs_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
@@ -21,6 +29,7 @@ function(odbs_library name)
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${arg_DEPENDS} PRIVATE ${arg_PRIVATE_DEPENDS})
   odbs_compile_options(${name})
+  odbs_export_nothing(${name})
 endfunction()
 
 # odbs_program(NAME SOURCES a.cpp ... DEPENDS lib ...): a program in build/<preset>/bin.

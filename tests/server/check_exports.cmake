@@ -12,11 +12,10 @@ if(WINDOWS)
 else()
   execute_process(COMMAND ${NM} -D --defined-only ${PROGRAM} OUTPUT_VARIABLE listing
                   COMMAND_ERROR_IS_FATAL ANY)
-  # A name with a version belongs to a shared library whose variable the program holds a copy of. The
-  # sanitizers' run-time libraries export names of theirs, and ask for some of ours.
+  # The sanitizers' run-time libraries export names of theirs, and ask for some of ours.
   string(REGEX MATCHALL "[^ \n]+\n" lines "${listing}")
   list(TRANSFORM lines STRIP)
-  list(FILTER lines EXCLUDE REGEX "@|^__(asan|ubsan|lsan)_")
+  list(FILTER lines EXCLUDE REGEX "^__(asan|ubsan|lsan)_")
 endif()
 list(SORT lines)
 if(NOT lines STREQUAL expected)

@@ -50,22 +50,40 @@ void sendSummary(const odb_Section& section, const std::string& name, const Sect
   appendRecord(outputFd);
 }
 
+// The elements of each section that has any among those of one owner, as `elementsOf(section)`
+// gives them. With `groupName`, its name goes ahead of them and a marker follows.
+template <typename ElementsOf>
+void sendShares(const std::vector<std::string>& sectionNames, const std::string* groupName,
+                ElementsOf elementsOf, int outputFd) {
+  bool hasSections = false;
+  for (const std::string& name : sectionNames) {
+    const std::vector<int> labels = elementsOf(name);
+    if (labels.empty()) continue;
+    if (groupName && !hasSections) sendNameRecord(outputFd, *groupName);
+    hasSections = true;
+    sendTextRecord(outputFd, kElementSetTag, sentSectionName(name));
+    sendElementLabels(outputFd, labels.data(), static_cast<int>(labels.size()));
+    *reserveRecord(outputFd, 1) = kEndOfSetTag;
+  }
+  if (groupName && hasSections) sendMarker(outputFd);
+}
+
 void sendRegions(odb_Assembly& assembly, const std::vector<std::string>& sectionNames,
                  int outputFd) {
   const std::vector<std::string> instanceNames = sortedInstanceNames(assembly);
   const bool grouped = instanceNames.size() > 1;
   for (const std::string& instanceName : instanceNames) {
     const odb_Instance& instance = assembly.instances()[instanceName.c_str()];
-    if (grouped) sendNameRecord(outputFd, instanceName);
-    for (const std::string& name : sectionNames) {
-      const std::vector<int> labels = elementsOfSection(assembly, instance, name);
-      if (labels.empty()) continue;
-      sendTextRecord(outputFd, kElementSetTag, sentSectionName(name));
-      sendElementLabels(outputFd, labels.data(), static_cast<int>(labels.size()));
-      *reserveRecord(outputFd, 1) = kEndOfSetTag;
-    }
-    if (grouped) sendMarker(outputFd);
+    const auto own = [&](const std::string& section) {
+      return elementsOfSection(assembly, instance, section);
+    };
+    sendShares(sectionNames, grouped ? &instanceName : nullptr, own, outputFd);
   }
+  // As in the model: what the assembly has of its own belongs to models of several instances.
+  if (!grouped) return;
+  const std::string assemblyName = assembly.name().CStr();
+  const auto own = [&](const std::string& section) { return elementsOfSection(assembly, section); };
+  sendShares(sectionNames, &assemblyName, own, outputFd);
 }
 
 }  // namespace
@@ -73,11 +91,11 @@ void sendRegions(odb_Assembly& assembly, const std::vector<std::string>& section
 void sendSectionSummary(odb_Odb& odb, int outputFd) {
   kseO_ApiExtension extension;
   odb.extendApi(odb_Enum::odb_SECTION, extension);
-  const odb_SectionContainer& sections = extension.sections();
+  const kseO_SectionContainer& sections = extension.sections();
   const SectionNumbers numbers = numberSections(sections);
   outputBuffer.fill = 0;
   std::vector<std::string> names;
-  odb_SectionContainerIT it(sections);
+  kseO_SectionContainerIT it(sections);
   for (it.first(); !it.isDone(); it.next()) {
     names.emplace_back(it.currentKey().CStr());
     sendSummary(it.currentValue(), names.back(), numbers, outputFd);

@@ -2,6 +2,7 @@
 // The order of the sets stream of model/sets_stream.h, and its records.
 #include "model/sets_stream.h"
 
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,18 +34,20 @@ class SetsWriter {
 
   // One group of one instance: the assembly's sets, restricted to it, then its own. A database that
   // fails in the assembly's part ends the group with the error record.
-  void sendGroup(const odb_Instance& instance, const odb_SetRepository& ofAssembly,
-                 const odb_SetRepository& ofInstance) {
+  void sendGroup(const odb_Instance& instance, const odb_Assembly& assembly,
+                 const SetLookUp& setsOf) {
     const odb_String name = instance.name();
     try {
-      sdk::guarded([&] { sendAssemblySets(ofAssembly, name); });
+      sdk::guarded([&] { sendAssemblySets(setsOf(assembly), name); });
+    } catch (const std::bad_alloc&) {
+      throw;
     } catch (const std::exception&) {
       if (grouped_) sendMarker(outputFd_);
       sendTextRecord(outputFd_, kErrorTag, kBrokenSets);
       return;
     }
     if (grouped_) sendNameRecord(outputFd_, viewOf(name));
-    odb_SetRepositoryIT it(ofInstance);
+    odb_SetRepositoryIT it(setsOf(instance));
     for (it.first(); !it.isDone(); it.next()) {
       const odb_Set set = it.currentValue();
       if (isSent(set)) sendSet(set, name, false);
@@ -96,6 +99,8 @@ class SetsWriter {
       if (named) sendNameRecord(outputFd_, viewOf(instance));
       try {
         sdk::guarded([&] { sendMembers(set, tag, instance); });
+      } catch (const std::bad_alloc&) {
+        throw;
       } catch (const std::exception&) {
         // Contract: members that cannot be read end the list, and the set is closed all the same.
       }
@@ -120,7 +125,20 @@ class SetsWriter {
 
 }  // namespace
 
-void sendSetsStream(odb_Odb& odb, int outputFd, bool withSurfaces, bool withCouplings) {
+SetLookUps librarySets() {
+  return {[](const auto& owner) -> const auto& {return owner.nodeSets();
+}
+, [](const auto& owner) -> const auto& {
+  return owner.elementSets();
+}
+, [](const auto& owner) -> const auto& {
+  return owner.surfaces();
+}
+};  // namespace odbs
+}
+
+void sendSetsStream(odb_Odb& odb, int outputFd, bool withSurfaces, bool withCouplings,
+                    const SetLookUps& lookUps) {
   sendTitle(odb, outputFd);
   outputBuffer.fill = 0;
   odb_Assembly& assembly = odb.rootAssembly();
@@ -128,9 +146,9 @@ void sendSetsStream(odb_Odb& odb, int outputFd, bool withSurfaces, bool withCoup
   SetsWriter writer(outputFd, names.size() > 1, withCouplings);
   for (const std::string& name : names) {
     const odb_Instance& instance = assembly.instances()[name.c_str()];
-    writer.sendGroup(instance, assembly.nodeSets(), instance.nodeSets());
-    writer.sendGroup(instance, assembly.elementSets(), instance.elementSets());
-    if (withSurfaces) writer.sendGroup(instance, assembly.surfaces(), instance.surfaces());
+    writer.sendGroup(instance, assembly, lookUps.nodeSets);
+    writer.sendGroup(instance, assembly, lookUps.elementSets);
+    if (withSurfaces) writer.sendGroup(instance, assembly, lookUps.surfaces);
   }
   flushOutput(outputFd);
 }

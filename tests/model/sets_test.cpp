@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Sets, surfaces and the section summary.
+#include "model/sets_stream.h"
 #include "tests/model/model_fixture.h"
+#include "tests/support/output_file.h"
 
 #include <numeric>
 
@@ -160,6 +162,47 @@ TEST_F(Sets, MembersThatCannotBeReadEndTheirSetAlone) {
                      kMarker,           header(5, "BOTH"),  name("B"), members(8, {2}), kEndOfSet,
                      kMarker,           name("B"),          kMarker,   name("B"),       kMarker}),
             withoutTitle(streamClosed("S 0 0 ")));
+}
+
+// What a library does that reads its sets when they are asked for.
+TEST_F(Sets, SetsOfTheAssemblyThatCannotBeLookedUpGiveAnErrorRecord) {
+  odb_Part& body = rod("P", 3);
+  instance("A", body).ElementSet("E", ints({101}));
+  instance("B", body).NodeSet("N", ints({2}));
+  SetLookUps lookUps = librarySets();
+  const auto elementSets = lookUps.elementSets;
+  const odb_String assembly = odb_->rootAssembly().name();
+  lookUps.elementSets = [=](const odb_DiscreteEntity& owner) -> const odb_SetRepository& {
+    if (owner.name() == assembly) throw odb_Exception("cannot be read");
+    return elementSets(owner);
+  };
+  OutputFile output;
+  sendSetsStream(*odb_, output.fd(), false, false, lookUps);
+  const std::string error = Payload('|').text("Error in Sets definition");
+  EXPECT_EQ((Records{name("A"), kMarker, kMarker, error, name("B"), header(5, "N"), members(8, {2}),
+                     kEndOfSet, kMarker, kMarker, error}),
+            withoutTitle(recordsIn(output.bytes())));
+}
+
+TEST_F(Sets, TheSectionSummaryGroupsTheElementsOfInstancesAndOfTheAssembly) {
+  odb_Part& body = rod("P", 3);
+  instance("A", body);
+  odb_Instance& b = instance("B", body);
+  materials_.Material("STEEL");
+  b.assignSection(b.ElementSet("E", ints({102})), sections_.TrussSection("T", "STEEL"));
+  odb_Assembly& assembly = odb_->rootAssembly();
+  const std::string ownName = assembly.name().CStr();
+  odb_SequenceString owners, own;
+  for (const char* owner : {"A", "B"}) owners.append(owner);
+  own.append("");
+  assembly.addElements(ints({7}), rows({{1, 2}}), owners, "CONN3D2");
+  assembly.SectionAssignment(assembly.ElementSet("X", own, rows({{7}})),
+                             sections_.ConnectorSection("C"));
+  const Records records = streamLine("is   ");
+  EXPECT_EQ((Records{name("B"), header(6, "T"), members(9, {102}), kEndOfSet, kMarker,
+                     name(ownName), header(6, "C"), members(9, {7}), kEndOfSet, kMarker}),
+            Records(records.begin() + 2, records.end()))
+      << "A has no section and gets no group";
 }
 
 TEST_F(Sets, TheSectionSummaryListsKindsAndElements) {

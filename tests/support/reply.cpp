@@ -22,6 +22,15 @@ Records recordsOf(Process& server, const std::string& line, std::string* bytes) 
   }
 }
 
+Records recordsIn(const std::string& bytes) {
+  Records records;
+  for (std::size_t at = 0; at + 2 <= bytes.size(); at += 2 + records.back().size()) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    records.push_back(bytes.substr(at + 2, static_cast<std::size_t>(byte(at) | byte(at + 1) << 8)));
+  }
+  return records;
+}
+
 Records withTag(const Records& records, int tag) {
   Records found;
   for (const std::string& record : records) {

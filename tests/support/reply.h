@@ -16,6 +16,9 @@ using Records = std::vector<std::string>;
 // reply go to `bytes`, if given. Throws std::runtime_error when the reply ends without one.
 Records recordsOf(Process& server, const std::string& line, std::string* bytes = nullptr);
 
+// The payloads of the framed records in `bytes`.
+Records recordsIn(const std::string& bytes);
+
 // The records of `records` with that tag.
 Records withTag(const Records& records, int tag);
 

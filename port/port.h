@@ -58,8 +58,9 @@ struct FileStatus {
   bool exists = false;                // false: everything else is 0
   bool isRegular = false;             // an ordinary file: no folder, pipe or device
   std::int64_t modificationTime = 0;  // opaque unit, as fine as the file system gives; comparable
-  std::int64_t size = 0;              // bytes
-  std::uint16_t inode = 0;            // low 16 bits of the inode number; always 0 on Windows
+  std::int64_t modificationSeconds = 0;  // the same in whole seconds
+  std::int64_t size = 0;                 // bytes
+  std::uint16_t inode = 0;               // low 16 bits of the inode number; always 0 on Windows
 };
 
 // The status of the file at `path`; of the file that a symbolic link names, not of the link.

@@ -109,6 +109,7 @@ FileStatus statusOf(const struct stat& s) {
   status.exists = true;
   status.isRegular = S_ISREG(s.st_mode);
   status.modificationTime = std::int64_t{s.st_mtim.tv_sec} * 1000000000 + s.st_mtim.tv_nsec;
+  status.modificationSeconds = s.st_mtim.tv_sec;
   status.size = s.st_size;
   status.inode = static_cast<std::uint16_t>(s.st_ino);
   return status;

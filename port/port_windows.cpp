@@ -95,6 +95,7 @@ FileStatus statusOf(const struct _stat64& s) {
   status.exists = true;
   status.isRegular = (s.st_mode & _S_IFMT) == _S_IFREG;
   status.modificationTime = s.st_mtime;
+  status.modificationSeconds = s.st_mtime;
   status.size = s.st_size;
   status.inode = static_cast<std::uint16_t>(s.st_ino);
   return status;

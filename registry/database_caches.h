@@ -17,15 +17,22 @@ namespace odbs {
 // Empties every cache's entry of the database that is open under `key`.
 void resetDatabaseCaches(const std::string& key);
 
-// Has `reset(cache, key)` called by each `resetDatabaseCaches(key)` from now on. DatabaseCache does
-// this for itself. `cache` must live to the end of the process.
-void registerDatabaseCache(void (*reset)(void* cache, const std::string& key), void* cache);
+// How a cache forgets a database: by reset(cache, key).
+struct CacheReset {
+  void (*reset)(void* cache, const std::string& key);
+  void* cache;
+  CacheReset* next = nullptr;  // set when it is registered
+};
+
+// Has `entry` called by each `resetDatabaseCaches(key)` from now on. DatabaseCache does this for
+// itself. `entry` and its cache must live to the end of the process.
+void registerDatabaseCache(CacheReset& entry);
 
 // Values of one type by open database. An object of this class must live to the end of the process.
 template <typename Value>
 class DatabaseCache {
  public:
-  DatabaseCache() { registerDatabaseCache(&DatabaseCache::reset, this); }
+  DatabaseCache() { registerDatabaseCache(reset_); }
   DatabaseCache(const DatabaseCache&) = delete;
   DatabaseCache& operator=(const DatabaseCache&) = delete;
 
@@ -45,6 +52,7 @@ class DatabaseCache {
   }
 
   std::map<std::string, Value> values_;
+  CacheReset reset_{&DatabaseCache::reset, this};
 };
 
 }  // namespace odbs

@@ -25,35 +25,25 @@ void sendUpgradeNeeded(int outputFd) {
 }  // namespace
 
 void walkOpenDatabases(sdk::Repository& repository) {
-  try {
-    for (const std::string& key : sdk::openKeys(repository)) sdk::database(repository, key);
-  } catch (...) {
-  }
+  for (const std::string& key : sdk::openKeys(repository)) sdk::database(repository, key);
 }
 
 void closeCommand(sdk::Repository& repository, const std::string& path, int outputFd) {
-  try {
-    closeChangedDatabases(repository);
-    std::string key = path;
-    if (upgradeRequired(path)) {
-      announceUpgradedCopy(path, outputFd);
-      key = upgradedCopyOf(path);
-    }
-    if (!sdk::isOpen(repository, key)) return;
-    closeDatabase(repository, key);
-    forgetUpgradeCheck(path);
-  } catch (...) {
+  closeChangedDatabases(repository);
+  std::string key = path;
+  if (upgradeRequired(path)) {
+    announceUpgradedCopy(path, outputFd);
+    key = upgradedCopyOf(path);
   }
+  if (!sdk::isOpen(repository, key)) return;
+  closeDatabase(repository, key);
+  forgetUpgradeCheck(path);
 }
 
 bool checkUpgradeCommand(sdk::Repository& repository, const std::string& path, int outputFd) {
-  try {
-    closeChangedDatabases(repository);
-    if (!upgradeRequired(path)) return false;
-    if (!upgradedCopyIsStale(path) && !upgradeRequired(upgradedCopyOf(path))) return false;
-  } catch (...) {
-    return false;
-  }
+  closeChangedDatabases(repository);
+  if (!upgradeRequired(path)) return false;
+  if (!upgradedCopyIsStale(path) && !upgradeRequired(upgradedCopyOf(path))) return false;
   sendUpgradeNeeded(outputFd);
   return true;
 }

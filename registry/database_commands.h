@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The commands that manage open databases. None of them throws: what goes wrong inside, the parent
-// learns from missing records alone.
+// The commands that manage open databases. They throw what the database library throws, which the
+// dispatcher discards whatever its type.
 #pragma once
 
 #include <string>

@@ -4,11 +4,13 @@
 
 #include <cstdint>
 #include <map>
+#include <new>
 
 #include "port/port.h"
 #include "registry/canonical_path.h"
 #include "registry/database_caches.h"
 #include "registry/upgrade_check.h"
+#include "server/allocation.h"
 
 namespace odbs {
 
@@ -19,12 +21,17 @@ constexpr int kMostOpen = 4;  // an open that reaches this number evicts
 struct OpenFile {
   port::FileStatus status;  // when the database was opened
   std::uint32_t stamp = 0;  // the smallest is the least recently used
-  bool flag = false;        // set by the parent
+  bool flag = false;        // set by the parent; no command reads it
 };
 
 // By repository key.
 std::map<std::string, OpenFile> openFiles;
 std::uint32_t stampCounter = 1;
+
+// As fine as the file system tells: what is open must not outlive its file by a second.
+bool sameFileState(const port::FileStatus& a, const port::FileStatus& b) {
+  return a.modificationTime == b.modificationTime && a.size == b.size;
+}
 
 // The least recently used database but the new one, or an empty key.
 std::string evictionCandidate(sdk::Repository& repository, const std::string& newKey) {
@@ -52,6 +59,8 @@ void evict(sdk::Repository& repository, const std::string& newKey) {
     if (!sdk::isOpen(repository, candidate)) return;
     closeDatabase(repository, candidate);
     forgetUpgradeCheck(candidate);
+  } catch (const std::bad_alloc&) {
+    reportAllocationFailure(kServerSourceName, __LINE__);
   } catch (...) {
   }
 }
@@ -63,19 +72,13 @@ odb_Odb& openNew(sdk::Repository& repository, const std::string& key) {
   return odb;
 }
 
-// The open database `key`, opened again when its file has changed since.
-odb_Odb& revalidate(sdk::Repository& repository, const std::string& key,
-                    const std::string& askedFor) {
+// The open database `key`, from now on the most recently used one.
+odb_Odb& touch(sdk::Repository& repository, const std::string& key) {
   const auto found = openFiles.find(key);
-  if (found == openFiles.end()) return sdk::database(repository, key);
-  OpenFile& record = found->second;
-  if (sameFileState(port::fileStatus(key), record.status)) {
-    if (record.stamp != stampCounter) record.stamp = ++stampCounter;
-    return sdk::database(repository, key);
+  if (found != openFiles.end() && found->second.stamp != stampCounter) {
+    found->second.stamp = ++stampCounter;
   }
-  closeDatabase(repository, key);
-  forgetUpgradeCheck(askedFor);
-  return openNew(repository, key);
+  return sdk::database(repository, key);
 }
 
 // The path that stands for `path`: itself, or its upgraded copy, which is made if need be.
@@ -112,8 +115,9 @@ odb_Odb& openDatabase(sdk::Repository& repository, const std::string& path, int 
     const std::vector<std::string> justClosed = closeChangedDatabases(repository);
     const std::string current = currentRelease(repository, path, outputFd);
     const std::string key = keyFor(repository, current, justClosed);
-    return sdk::isOpen(repository, key) ? revalidate(repository, key, path)
-                                        : openNew(repository, key);
+    return sdk::isOpen(repository, key) ? touch(repository, key) : openNew(repository, key);
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     throw OpenError();
   }
@@ -132,6 +136,7 @@ std::vector<std::string> closeChangedDatabases(sdk::Repository& repository) {
     if (record == openFiles.end()) continue;
     if (sameFileState(port::fileStatus(key), record->second.status)) continue;
     closeDatabase(repository, key);
+    forgetUpgradeCheck(key);
     closed.push_back(key);
   }
   return closed;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Databases of older releases.
+// Databases of older releases. Contract: modification times are compared in whole seconds here, so
+// that a copy counts as current that was made in the second of the file's last change.
 #include "registry/upgrade_check.h"
 
 #include <map>
 
+#include "port/port.h"
 #include "server/record.h"
 #include "server/sdk_adapter.h"
 
@@ -21,10 +23,6 @@ std::map<std::string, UpgradeCheck> upgradeChecks;
 
 }  // namespace
 
-bool sameFileState(const port::FileStatus& a, const port::FileStatus& b) {
-  return a.modificationTime == b.modificationTime && a.size == b.size;
-}
-
 bool upgradeRequired(const std::string& path) {
   const port::FileStatus status = port::fileStatus(path);
   const auto known = upgradeChecks.find(path);
@@ -34,7 +32,8 @@ bool upgradeRequired(const std::string& path) {
     return required;
   }
   UpgradeCheck& check = known->second;
-  if (!sameFileState(status, check.status)) {
+  if (status.modificationSeconds != check.status.modificationSeconds ||
+      status.size != check.status.size) {
     check.status = status;
     check.required = sdk::isUpgradeRequired(path);
   }
@@ -51,7 +50,7 @@ std::string upgradedCopyOf(const std::string& path) {
 
 bool upgradedCopyIsStale(const std::string& path) {
   const port::FileStatus copy = port::fileStatus(upgradedCopyOf(path));
-  return !copy.exists || port::fileStatus(path).modificationTime > copy.modificationTime;
+  return !copy.exists || port::fileStatus(path).modificationSeconds > copy.modificationSeconds;
 }
 
 bool announceUpgradedCopy(const std::string& path, int outputFd) {

@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include "port/port.h"
-
 namespace odbs {
 
 // True when the file at `path` was written by an older release. The answer is kept for as long as
@@ -25,8 +23,5 @@ bool upgradedCopyIsStale(const std::string& path);
 // Tells the parent, directly, whether the upgraded copy of `path` is found or has yet to be made,
 // as `upgradedCopyIsStale` says. Returns what that says.
 bool announceUpgradedCopy(const std::string& path, int outputFd);
-
-// True when both are the status of an unchanged file.
-bool sameFileState(const port::FileStatus& a, const port::FileStatus& b);
 
 }  // namespace odbs

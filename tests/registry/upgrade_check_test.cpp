@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <odb_embedded.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include "tests/support/databases.h"
@@ -59,6 +60,10 @@ TEST_F(UpgradeCheck, ComparesTheCopyWithTheFile) {
   tests::makeDatabase(upgradedCopyOf(path));
   fs::last_write_time(upgradedCopyOf(path), fs::last_write_time(path));
   EXPECT_FALSE(upgradedCopyIsStale(path));
+  const auto second = std::chrono::floor<std::chrono::seconds>(fs::last_write_time(path));
+  fs::last_write_time(upgradedCopyOf(path), second);
+  fs::last_write_time(path, second + std::chrono::milliseconds(900));
+  EXPECT_FALSE(upgradedCopyIsStale(path)) << "made in the second of the last change";
   tests::shiftModificationTime(path, 2);
   EXPECT_TRUE(upgradedCopyIsStale(path));
 }

@@ -25,7 +25,11 @@ char line[kLineBytes];
 // Fills the empty read buffer. Returns false at the end of input.
 bool readMore(int inputFd) {
   for (;;) {
-    const long n = port::readOnce(inputFd, input.bytes, kReadBytes);
+    long n = 0;
+    {
+      const BlockingRead waiting;
+      n = port::readOnce(inputFd, input.bytes, kReadBytes);
+    }
     if (n == 0) return false;
     if (n > 0) {
       input.position = input.bytes;

@@ -19,11 +19,17 @@ void watchParent(void* argument) {
   port::waitForEnd(*parent);
   // The companions first: they outlive us, the databases do not.
   removeCacheCompanions();
-  sdk::closeAllAtExit();
+  closeIdleDatabases();
   port::endProcess(0);
 }
 
 }  // namespace
+
+bool closeIdleDatabases() {
+  const bool idle = claimIdleDatabases();
+  if (idle) sdk::closeAllAtExit();
+  return idle;
+}
 
 void startParentWatchdog(int parentId) {
   static port::WatchedProcess parent;

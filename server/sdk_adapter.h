@@ -10,6 +10,7 @@
 #include <odb_MaterialTypes.h>
 #include <odb_SectionTypes.h>
 
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -25,8 +26,8 @@
 //   std::vector<std::string> openKeys(Repository&)                  in the repository's order
 //   odb_Odb& openReadOnly(Repository&, const std::string& path)     throws when it cannot
 //   void close(Repository&, odb_Odb&)
-//   void closeAllAtExit()            the parent watchdog's, while the main thread still runs
-//   guarded(function)                runs it; whatever leaves it derives from std::exception
+//   guarded(function)                runs it; what the library throws leaves it as an exception
+//                                    that derives from std::exception
 //   ApiError                         what an error of the library is when it leaves guarded()
 //   std::string annotationText(odb_Odb&, const char* key)           empty: there is none
 //   std::vector<RecordedFailure> recordedFailures(const odb_Step&)  empty: none are recorded
@@ -55,6 +56,19 @@ namespace odbs::sdk {
 // The key under which a database is open.
 inline std::string keyOf(const odb_Odb& odb) {
   return odb.name().CStr();
+}
+
+// Closes every open database, in the parent watchdog. Contract: a failure is left uncaught there
+// and ends the process abnormally.
+inline void closeAllAtExit() {
+  Repository& repository = openDatabases();
+  for (const std::string& key : openKeys(repository)) {
+    try {
+      close(repository, database(repository, key));
+    } catch (...) {
+      throw std::runtime_error("Error openOdb");
+    }
+  }
 }
 
 // True for a file of an older release.
@@ -139,6 +153,26 @@ decltype(auto) referenceNodesOf(const Body& body) {
 template <typename Blocks>
 void clearBulkBlocks(Blocks& blocks) {
   detail::clearBlocks(blocks, 0);
+}
+
+// True for the number of a result position that the library has.
+inline bool isResultPosition(int number) {
+  switch (number) {
+    case odb_Enum::NODAL:
+    case odb_Enum::ELEMENT_NODAL:
+    case odb_Enum::INTEGRATION_POINT:
+    case odb_Enum::CENTROID:
+    case odb_Enum::ELEMENT_FACE:
+    case odb_Enum::ELEMENT_FACE_INTEGRATION_POINT:
+    case odb_Enum::SURFACE_INTEGRATION_POINT:
+    case odb_Enum::WHOLE_ELEMENT:
+    case odb_Enum::WHOLE_REGION:
+    case odb_Enum::WHOLE_PART_INSTANCE:
+    case odb_Enum::WHOLE_MODEL:
+      return true;
+    default:
+      return false;
+  }
 }
 
 // The numbers that go to the parent are those of these enumerators.

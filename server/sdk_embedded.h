@@ -44,10 +44,6 @@ inline void close(Repository&, odb_Odb& odb) {
   closeOdb(odb);
 }
 
-// Databases are open read-only here, and the main thread may be reading one at this moment: closing
-// under its hands would crash it. The end of the process closes the files just as well.
-inline void closeAllAtExit() {}
-
 // What the library throws itself, memory failures left out.
 using ApiError = nex_Exception;
 

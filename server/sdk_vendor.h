@@ -12,6 +12,7 @@
 #endif
 
 #include <map>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -31,24 +32,25 @@ inline Repository& openDatabases() {
   return repository;
 }
 
-// What an exception of the SDK becomes when it does not derive from std::exception.
+// What the SDK's own exceptions become.
 class SdkError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 using ApiError = SdkError;
 
-// Whether the SDK's exceptions derive from std::exception is not published.
+// Whether the SDK's exceptions derive from std::exception, or one of these from another, is not
+// published. What is neither passes: contract.
 template <typename Function>
 decltype(auto) guarded(Function&& function) {
   try {
     return std::forward<Function>(function)();
+  } catch (const odb_Exception& error) {
+    throw SdkError(error.ErrMsg().text());
   } catch (const nex_Exception& error) {
     throw SdkError(error.UserReport().CStr());
-  } catch (const std::exception&) {
-    throw;
-  } catch (...) {
-    throw SdkError("unknown error of the database library");
+  } catch (const odb_BaseException& error) {
+    throw SdkError(error.UserReport().CStr());
   }
 }
 
@@ -87,18 +89,6 @@ inline void close(Repository& repository, odb_Odb& odb) {
   guarded([&] { odb.close(); });
 }
 
-// Contract: a failure here, in the watchdog, is left uncaught and ends the process abnormally.
-inline void closeAllAtExit() {
-  Repository& repository = openDatabases();
-  for (const std::string& key : openKeys(repository)) {
-    try {
-      database(repository, key).close();
-    } catch (...) {
-      throw SdkError("Error openOdb");
-    }
-  }
-}
-
 // Neither the annotations nor their text is documented: found by name where the SDK has them.
 namespace detail {
 
@@ -130,6 +120,8 @@ template <typename Getter>
 bool isNamed(Getter getter) {
   try {
     return getter().name().Length() > 0;
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     return false;
   }

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
@@ -17,7 +18,15 @@ constexpr int kGuardWaitMs = 500;     // the watchdog's patience with the guard'
 constexpr int kParentGraceMs = 250;   // a dying parent's pipes close a little before it has ended
 constexpr int kCleanUpWaitMs = 5000;  // bound on waiting for the watchdog
 
+// Who may use the open databases.
+enum class Databases {
+  kInUse,    // the main thread, which is at work
+  kIdle,     // nobody: the main thread waits in its read
+  kClosing,  // the watchdog, for good
+};
+
 struct Shared {
+  std::atomic<Databases> databases{Databases::kInUse};
   std::atomic_flag taken = ATOMIC_FLAG_INIT;  // the guard
   std::atomic<bool> ending{false};            // the watchdog wants the guard, for good
   std::unique_ptr<std::string> cachePath;     // under the guard
@@ -25,8 +34,10 @@ struct Shared {
   port::WatchedProcess parent;                // set before the second thread starts
   bool watched = false;                       // likewise
 };
-// Never destroyed: the watchdog may look at it until the process is gone.
-Shared& shared = *new Shared;
+// Never destroyed: the watchdog may look at it until the process is gone. Not on the heap either,
+// which may be exhausted before there is anybody to say so.
+alignas(Shared) unsigned char sharedBytes[sizeof(Shared)];
+Shared& shared = *new (sharedBytes) Shared;
 
 // The main thread's side. Never returns once the watchdog wants the guard.
 void takeGuard() {
@@ -118,6 +129,22 @@ void removeCacheCompanions() {
   if (!takeGuardForGood() || !shared.cachePath) return;
   removeCompanion(cacheTemporaryName(*shared.cachePath));
   removeCompanion(cacheLockName(*shared.cachePath));
+}
+
+BlockingRead::BlockingRead() {
+  shared.databases.store(Databases::kIdle);
+}
+
+BlockingRead::~BlockingRead() {
+  Databases expected = Databases::kIdle;
+  if (shared.databases.compare_exchange_strong(expected, Databases::kInUse)) return;
+  port::sleepMs(kCleanUpWaitMs);  // the watchdog ends the process
+  port::endProcess(0);
+}
+
+bool claimIdleDatabases() {
+  Databases expected = Databases::kIdle;
+  return shared.databases.compare_exchange_strong(expected, Databases::kClosing);
 }
 
 void endServer() {

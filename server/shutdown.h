@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The end of the process, and the little that the main thread and the parent watchdog share: the
-// catalogue cache path, the open cache stream, and the guard over both.
+// catalogue cache path, the open cache stream and the guard over both, and who may use the open
+// databases.
 //
 // The watchdog takes the guard when the parent has ended and keeps it to the end of the process.
 // So what the main thread does while it holds the guard happens either wholly before the clean-up
@@ -47,6 +48,20 @@ void setWatchedParent(const port::WatchedProcess& parent);
 // What the watchdog does with the cache: takes the guard for good and deletes the companions of
 // the cache path, if one is set.
 void removeCacheCompanions();
+
+// Lives around the main thread's blocking read, in which nobody uses the open databases. When the
+// watchdog has claimed them meanwhile, its end never returns: the process is about to end.
+class BlockingRead {
+ public:
+  BlockingRead();
+  ~BlockingRead();
+  BlockingRead(const BlockingRead&) = delete;
+  BlockingRead& operator=(const BlockingRead&) = delete;
+};
+
+// The watchdog's: takes the open databases for good if the main thread waits in its read. Returns
+// false when that thread is at work, which may be in the middle of the database library.
+bool claimIdleDatabases();
 
 // Ends the process with status 0: no flush, no static destructors. While cache companions
 // exist and the parent has ended, or ends within a moment, the watchdog's clean-up is let finish.

@@ -39,8 +39,11 @@ TEST_F(VendorAdapter, ClosesAllAtExit) {
   repository.databases.clear();
 }
 
-TEST_F(VendorAdapter, ConvertsWhatDoesNotDeriveFromStdException) {
-  EXPECT_THROW(sdk::guarded([] { throw 5; }), sdk::SdkError);
+TEST_F(VendorAdapter, ConvertsTheExceptionsOfTheLibraryAndLetsOthersPass) {
+  EXPECT_THROW(sdk::guarded([] { throw odb_BaseException("b"); }), sdk::SdkError);
+  EXPECT_THROW(sdk::guarded([] { throw nex_Exception("n"); }), sdk::SdkError);
+  EXPECT_THROW(sdk::guarded([] { throw odb_Exception("o"); }), sdk::SdkError);
+  EXPECT_THROW(sdk::guarded([] { throw 5; }), int);
   EXPECT_THROW(sdk::guarded([] { throw std::bad_alloc(); }), std::bad_alloc);
   EXPECT_THROW(sdk::openReadOnly(repository, folder.file("missing.odb")), std::exception);
   EXPECT_EQ(sdk::guarded([] { return 7; }), 7);

@@ -193,5 +193,19 @@ TEST(CleanUp, LeavesNoCompanionWhateverTheMainThreadDoes) {
   }
 }
 
+// While the main thread waits for a command its databases are closed; while it is at work they are
+// not touched. A line that comes during the closing is not begun.
+TEST(CleanUp, ClosesTheDatabasesOfAMainThreadThatWaits) {
+  TemporaryFolder folder;
+  makeDatabase(folder.file("a.odb"));
+  Process idle(siblingProgram("cleanup_probe"), {folder.file("a.odb"), "100", "{in}"});
+  port::sleepMs(250);
+  idle.send("too late");
+  Process busy(siblingProgram("cleanup_probe"), {folder.file("a.odb"), "100", "{in}"});
+  busy.send("work");
+  EXPECT_EQ(idle.wait(), 10);
+  EXPECT_EQ(busy.wait(), 21);
+}
+
 }  // namespace
 }  // namespace odbs::tests

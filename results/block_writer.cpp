@@ -111,6 +111,7 @@ bool findField(odb_Odb& odb, const Selection& selection, odb_FieldOutput& field)
 
 odb_FieldOutput atPosition(const odb_FieldOutput& field, int position) {
   if (position == kPositionAsStored) return field;
+  if (!sdk::isResultPosition(position)) throw std::out_of_range("no such result position");
   return field.getSubset(static_cast<odb_Enum::odb_ResultPositionEnum>(position), true);
 }
 

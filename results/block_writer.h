@@ -258,7 +258,7 @@ odb_Frame frameAt(const odb_Step& step, int frameIndex);
 bool findField(odb_Odb& odb, const Selection& selection, odb_FieldOutput& field);
 
 // The subset at the selected position, or the field itself where the position asks for it as it is
-// stored.
+// stored. Throws std::out_of_range for a number that is no position.
 odb_FieldOutput atPosition(const odb_FieldOutput& field, int position);
 
 }  // namespace odbs

@@ -42,7 +42,8 @@ class FieldWalk {
   void sendBlock(const odb_FieldBulkData& block) {
     const int number = block.sectionPoint().number();
     const int field = sectionPointField(request_, number);
-    if (keepsOnePoint() && number != kNoSectionPoint) {
+    if (keepsOnePoint() && block.position() != odb_Enum::NODAL) {
+      // Values without a section point are those of elements that have none: both say -1.
       const LabelTable& chosen = choice_.of(block.instance());
       writer_.send(block, field, Headers::kAlways,
                    [&](int element) { return chosen.find(element) == number; });

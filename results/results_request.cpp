@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <new>
 
 #include "base/text.h"
 #include "registry/open_database.h"
@@ -13,7 +12,6 @@
 #include "results/field_extractor.h"
 #include "results/nodal_extractor.h"
 #include "results/pair_extractor.h"
-#include "server/allocation.h"
 #include "server/server_state.h"
 
 namespace odbs {
@@ -21,9 +19,6 @@ namespace odbs {
 namespace {
 
 constexpr std::size_t kLongestName = 199;
-
-// Contract: the line that failed allocations of this request name, wherever they are.
-constexpr int kAllocationLine = 12243;
 
 constexpr struct {
   std::string_view suffix;
@@ -110,9 +105,7 @@ PickRequest parsePickRequest(const char* arguments) {
   return request;
 }
 
-namespace {
-
-void route(const char* line, int outputFd) {
+void runResultsRequest(const char* line, int outputFd) {
   const std::string_view text = line;
   const char letter = text.size() > 1 ? text[1] : '\0';
   const bool upperCase = letter >= 'A' && letter <= 'Z';
@@ -153,17 +146,6 @@ void route(const char* line, int outputFd) {
     if (form.letter != lower) continue;
     request.extraction = form.extraction;
     extractField(odb, outputFd, request);
-  }
-}
-
-}  // namespace
-
-void runResultsRequest(const char* line, int outputFd) {
-  try {
-    route(line, outputFd);
-  } catch (const std::bad_alloc&) {
-    reportAllocationFailure(kServerSourceName, kAllocationLine);
-    throw;
   }
 }
 

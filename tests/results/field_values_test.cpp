@@ -132,9 +132,11 @@ TEST_F(FieldValues, WhatIsNotThereEndsAfterTitleAndAnalysisKind) {
   const struct {
     int step, frame;
     const char* field;
-  } rows[] = {{1, 0, "NONE"}, {0, 0, "S"}, {2, 0, "S"}, {1, 7, "S"}, {1, -1, "S"}};
+    int position = kStored;
+  } rows[] = {{1, 0, "NONE"}, {0, 0, "S"},  {2, 0, "S"},
+              {1, 7, "S"},    {1, -1, "S"}, {1, 0, "S", 111}};
   for (const auto& row : rows) {
-    select(row.step, row.frame, kStored, row.field);
+    select(row.step, row.frame, row.position, row.field);
     EXPECT_EQ(Records{}, values("rs ")) << row.step << row.frame << row.field;
   }
   select(1, 0, kStored, "S");
@@ -171,7 +173,8 @@ TEST_F(FieldValues, TopAndBottomAreThePointsOfEachElementItself) {
     field.addData(odb_Enum::CENTROID, shells, ints({7}),
                   floatRows({{static_cast<float>(point.number())}}), point);
   }
-  field.addData(odb_Enum::CENTROID, shells, ints({9}), floatRows({{90}}));
+  // Values without a section point, of an element that has some and of one that has none.
+  field.addData(odb_Enum::CENTROID, shells, ints({7, 9}), floatRows({{70}, {90}}));
   select(1, 0, kStored, "PEEQ");
   const auto numbers = [&](const char* head) {
     std::vector<float> found;
@@ -184,7 +187,7 @@ TEST_F(FieldValues, TopAndBottomAreThePointsOfEachElementItself) {
   };
   EXPECT_EQ((std::vector<float>{3, 90}), numbers("rt "));
   EXPECT_EQ((std::vector<float>{1, 90}), numbers("rb "));
-  EXPECT_EQ((std::vector<float>{90}), numbers("rs "));
+  EXPECT_EQ((std::vector<float>{70, 90}), numbers("rs "));
 }
 
 }  // namespace

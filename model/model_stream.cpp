@@ -2,6 +2,7 @@
 // The order of the model stream of model/model_stream.h.
 #include "model/model_stream.h"
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,8 @@ void sendModelStream(odb_Odb& odb, int outputFd, bool nodesOnly) {
   if (!nodesOnly) {
     try {
       sdk::guarded([&] { sendAnnotation(odb, outputFd); });
+    } catch (const std::bad_alloc&) {
+      throw;
     } catch (const std::exception&) {
       // Contract: a model whose annotations cannot be read is sent without them.
     }

@@ -11,7 +11,8 @@ struct Call {
   std::string_view line;  // the whole trimmed line; its end is a NUL
   const char* arguments;  // the line from the row's column to its end; empty for a shorter line
   int outputFd;           // where records go
-  bool answered = false;  // set by a handler whose reply stands in for the acknowledgement
+  bool answered = false;  // set by a handler whose reply takes the place of the acknowledgement
+  int allocationLine = __LINE__;  // what the report of a failed allocation names
 
   // The character at a fixed position; NUL past the end of the line.
   char at(std::size_t position) const { return position < line.size() ? line[position] : '\0'; }
@@ -24,10 +25,11 @@ enum class Acknowledge {
   kUnlessAnswered,  // only when the handler did not set `answered`
 };
 
-// Who catches what a handler throws.
+// What the dispatcher discards when a handler throws it; the reply then simply ends. Anything else
+// ends the process.
 enum class Guard {
-  kNone,     // the handler does not throw, or catches for itself
-  kDiscard,  // the dispatcher discards every std::exception; the reply simply ends
+  kDiscard,     // every std::exception
+  kDiscardAll,  // exceptions of any type
 };
 
 struct Command {

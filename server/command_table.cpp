@@ -4,8 +4,7 @@
 // that has no row.
 //
 // To give a command its work, change its handler: server/small_commands.cpp for what needs no
-// database, server/database_commands.cpp for what opens one. Rows whose handler opens a database
-// carry Guard::kDiscard.
+// database, server/database_commands.cpp for what opens one.
 #include "server/command_table.h"
 
 #include "server/database_commands.h"
@@ -18,41 +17,41 @@ namespace {
 constexpr Acknowledge kAck = Acknowledge::kAlways;
 constexpr Acknowledge kSilent = Acknowledge::kNever;
 constexpr Acknowledge kUnless = Acknowledge::kUnlessAnswered;
-constexpr Guard kNone = Guard::kNone;
 constexpr Guard kDiscard = Guard::kDiscard;
+constexpr Guard kAll = Guard::kDiscardAll;
 
 // clang-format off
 constexpr Command kCommands[] = {
     // letters column ack    guard     handler               parameters            synopsis
-    {"C",   1, kSilent, kNone,    freeModeStresses,     "",                   "free the gathered stresses of eigenmodes"},
-    {"D",   1, kSilent, kNone,    selectFlagged,        "step frame pos var", "select a result, restricted to the region selection"},
-    {"d",   1, kSilent, kNone,    selectPlain,          "step frame pos var", "select a result"},
+    {"C",   1, kSilent, kDiscard, freeModeStresses,     "",                   "free the gathered stresses of eigenmodes"},
+    {"D",   1, kSilent, kDiscard, selectFlagged,        "step frame pos var", "select a result, restricted to the region selection"},
+    {"d",   1, kSilent, kDiscard, selectPlain,          "step frame pos var", "select a result"},
     {"G",   2, kAck,    kDiscard, sendNodesOnly,        "path",               "model stream, nodes only"},
     {"g",   2, kAck,    kDiscard, sendModel,            "path",               "model stream"},
-    {"M",   2, kAck,    kNone,    testRawThroughput,    "repetitions bytes",  "raw throughput test"},
-    {"m",   2, kAck,    kNone,    testFramedThroughput, "records integers",   "framed throughput test"},
+    {"M",   2, kAck,    kDiscard, testRawThroughput,    "repetitions bytes",  "raw throughput test"},
+    {"m",   2, kAck,    kDiscard, testFramedThroughput, "records integers",   "framed throughput test"},
     {"S",   6, kAck,    kDiscard, sendSetsOnly,         "x y path",           "node and element sets"},
     {"s",   6, kAck,    kDiscard, sendSetsAndSurfaces,  "x y path",           "node and element sets, and surfaces"},
-    {"T",   2, kAck,    kNone,    nameCatalogueCache,   "path",               "name the catalogue cache file"},
-    {"a",   1, kAck,    kNone,    createLabelList,      "capacity",           "create the label list"},
-    {"b",   1, kAck,    kNone,    appendLabels,         "label...",           "append to the label list"},
-    {"c",   2, kAck,    kNone,    closeOne,             "path",               "close a database"},
+    {"T",   2, kAck,    kDiscard, nameCatalogueCache,   "path",               "name the catalogue cache file"},
+    {"a",   1, kAck,    kDiscard, createLabelList,      "capacity",           "create the label list"},
+    {"b",   1, kAck,    kDiscard, appendLabels,         "label...",           "append to the label list"},
+    {"c",   2, kAck,    kAll,     closeOne,             "path",               "close a database"},
     {"f",   3, kAck,    kDiscard, listResults,          "path",               "result catalogue, as the second letter says"},
-    {"hb",  3, kSilent, kNone,    appendHistoryName,    "name",               "append to the history region names"},
+    {"hb",  3, kSilent, kDiscard, appendHistoryName,    "name",               "append to the history region names"},
     {"hi",  3, kAck,    kDiscard, listHistory,          "path",               "history overview"},
-    {"ho",  3, kSilent, kNone,    createHistoryNames,   "capacity",           "start a table of history region names"},
+    {"ho",  3, kSilent, kDiscard, createHistoryNames,   "capacity",           "start a table of history region names"},
     {"hr",  3, kAck,    kDiscard, sendHistoryValues,    "step path",          "history values of the named regions"},
-    {"irc", 3, kSilent, kNone,    appendRegionRequest,  "kind value name",    "append a region request"},
+    {"irc", 3, kSilent, kDiscard, appendRegionRequest,  "kind value name",    "append a region request"},
     {"irf", 4, kAck,    kDiscard, resolveRegions,       "path",               "answer the region requests, empty the list"},
     {"irs", 6, kAck,    kDiscard, sendRegionSets,       "x path",             "answer the region requests as sets, keep the list"},
     {"is",  5, kAck,    kDiscard, sendSectionSummary,   "path",               "section summary"},
-    {"l",   1, kAck,    kNone,    walkOpen,             "",                   "walk the open databases"},
+    {"l",   1, kAck,    kAll,     walkOpen,             "",                   "walk the open databases"},
     {"o",   2, kAck,    kDiscard, openOne,              "path",               "open a database"},
-    {"p",   1, kAck,    kNone,    ping,                 "",                   "ask for the server's process id"},
-    {"q",   1, kSilent, kNone,    quitServer,           "",                   "quit"},
+    {"p",   1, kAck,    kDiscard, ping,                 "",                   "ask for the server's process id"},
+    {"q",   1, kSilent, kDiscard, quitServer,           "",                   "quit"},
     {"r",   2, kAck,    kDiscard, sendResults,          "... path",           "values of the selected result, as the second letter says"},
-    {"u",   2, kUnless, kNone,    checkUpgradeOf,       "path",               "does opening this database run an upgrade?"},
-    {"v",   2, kAck,    kNone,    setVerbosity,         "level",              "set the verbosity"},
+    {"u",   2, kUnless, kAll,     checkUpgradeOf,       "path",               "does opening this database run an upgrade?"},
+    {"v",   2, kAck,    kDiscard, setVerbosity,         "level",              "set the verbosity"},
 };
 // clang-format on
 

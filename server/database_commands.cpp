@@ -31,6 +31,9 @@ odb_Odb& open(const Call& call) {
   return open(call, call.arguments);
 }
 
+// Contract: what the report of a failed allocation names for every results request.
+constexpr int kResultsAllocationLine = 12243;
+
 bool isSet(char flag) {
   return flag == '1';
 }
@@ -114,6 +117,7 @@ void openOne(Call& call) {
 }
 
 void sendResults(Call& call) {
+  call.allocationLine = kResultsAllocationLine;
   runResultsRequest(call.line.data(), call.outputFd);
 }
 

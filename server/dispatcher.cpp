@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 
+#include "server/allocation.h"
 #include "server/channel.h"
 #include "server/command_table.h"
 #include "server/record.h"
@@ -14,16 +16,16 @@ namespace odbs {
 
 namespace {
 
+// Contract: the parent is told nothing of a failure. Records already appended stay in the buffer
+// and leave with the next flush, after this command's acknowledgement.
 void runHandler(const Command& command, Call& call) {
-  if (command.guard == Guard::kNone) {
-    command.run(call);
-    return;
-  }
   try {
     sdk::guarded([&] { command.run(call); });
+  } catch (const std::bad_alloc&) {
+    reportAllocationFailure(kServerSourceName, call.allocationLine);
   } catch (const std::exception&) {
-    // Contract: the parent is told nothing. Records already appended stay in the buffer and leave
-    // with the next flush, behind this command's acknowledgement.
+  } catch (...) {
+    if (command.guard != Guard::kDiscardAll) throw;
   }
 }
 

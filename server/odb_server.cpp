@@ -5,12 +5,14 @@
 // initialised, so that a server whose parent is gone ends however long that takes.
 #include <cstdio>
 #include <iostream>
+#include <new>
 #include <string>
 #include <string_view>
 
 #include "base/arguments.h"
 #include "base/text.h"
 #include "port/port.h"
+#include "server/allocation.h"
 #include "server/command_table.h"
 #include "server/dispatcher.h"
 #include "server/parent_watchdog.h"
@@ -41,6 +43,17 @@ int numberAt(int argc, char** argv, int place) {
   return place < argc ? odbs::toIntOrZero(argv[place]) : 0;
 }
 
+void serve(int argc, char** argv) {
+  odbs::port::ignoreFileSizeLimit();
+  odbs::startParentWatchdog(numberAt(argc, argv, 1));
+  odb_initializeAPI();
+  const int outputFd = numberAt(argc, argv, 3);
+  const int inputFd = numberAt(argc, argv, 2);
+  odbs::port::setBinaryMode(inputFd);
+  odbs::port::setBinaryMode(outputFd);
+  odbs::runCommandLoop(inputFd, outputFd);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -57,11 +70,10 @@ int main(int argc, char** argv) {
         "or odb_client model FILE to look at a database\n",
         stderr);
   }
-  odbs::startParentWatchdog(numberAt(argc, argv, 1));
-  odb_initializeAPI();
-  const int outputFd = numberAt(argc, argv, 3);
-  const int inputFd = numberAt(argc, argv, 2);
-  odbs::port::setBinaryMode(inputFd);
-  odbs::port::setBinaryMode(outputFd);
-  odbs::runCommandLoop(inputFd, outputFd);
+  try {
+    serve(argc, argv);
+  } catch (const std::bad_alloc&) {
+    odbs::reportAllocationFailure(odbs::kServerSourceName, __LINE__);
+  }
+  odbs::port::endProcess(1);  // the watchdog may be at work: no static destructors
 }

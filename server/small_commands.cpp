@@ -48,15 +48,15 @@ int positionCode(int sent) {
 
 void select(const Call& call, bool flag) {
   FieldScanner fields(call.arguments);
-  Selection fresh;
-  fresh.flag = flag;
-  fresh.stepNumber = fields.nextInt(0);
-  fresh.frameIndex = fields.nextInt(0);
-  fresh.position = positionCode(fields.nextInt(0));
-  fresh.variableName = fields.nextWord().substr(0, kMaxVariableName);
+  Selection& selection = serverState.selection;
+  selection = {};  // first: where memory runs out for the name, nothing is selected
+  selection.flag = flag;
+  selection.stepNumber = fields.nextInt(0);
+  selection.frameIndex = fields.nextInt(0);
+  selection.position = positionCode(fields.nextInt(0));
+  selection.variableName = fields.nextWord().substr(0, kMaxVariableName);
   // A word cannot hold blanks, so the parent sends "^" for them.
-  std::replace(fresh.variableName.begin(), fresh.variableName.end(), '^', ' ');
-  serverState.selection = fresh;
+  std::replace(selection.variableName.begin(), selection.variableName.end(), '^', ' ');
 }
 
 // Sends `nBytes` unframed bytes: the output buffer as it stands, then zeros. False when the parent
@@ -121,6 +121,7 @@ void testFramedThroughput(Call& call) {
 }
 
 void nameCatalogueCache(Call& call) {
+  clearCachePath();  // first: where memory runs out for the new path, the old one is not used
   setCachePath(call.arguments);
 }
 
@@ -182,7 +183,11 @@ void ping(Call& call) {
 }
 
 void quitServer(Call&) {
-  odb_finalizeAPI();
+  try {
+    sdk::guarded([] { odb_finalizeAPI(); });
+  } catch (const std::exception&) {
+    // A library that cannot finish does not keep the process from ending.
+  }
   endServer();
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A program as users write them: walks a database and prints what it finds. Every result is bound
+// A program as users write them: walks the model of a database and prints it. Every result is bound
 // in the several ways that such programs bind it. Argument: the path to read.
 #include <odb_API.h>
 #include <odb_MaterialTypes.h>
@@ -79,43 +79,6 @@ static void printSections(odb_Odb& odb) {
   }
 }
 
-static void printResults(odb_Odb& odb) {
-  odb_StepRepository stepCon = odb.steps();
-  odb_StepRepositoryIT stepIter(stepCon);
-  for (stepIter.first(); !stepIter.isDone(); stepIter.next()) {
-    odb_Step& step = stepCon[stepIter.currentKey()];
-    odb_SequenceFrame& allFrames = step.frames();
-    odb_Frame lastFrame = allFrames[allFrames.size() - 1];
-    cout << "step " << step.name().CStr() << " value " << lastFrame.frameValue() << endl;
-    odb_FieldOutputRepository& fieldOutputRep = lastFrame.fieldOutputs();
-    if (fieldOutputRep.isMember("U")) {
-      const odb_FieldOutput& field = fieldOutputRep.get("U");
-      const odb_SequenceFieldBulkData& seqDispBulkData = field.bulkDataBlocks();
-      for (int iblock = 0; iblock < seqDispBulkData.size(); iblock++) {
-        const odb_FieldBulkData& bulkData = seqDispBulkData[iblock];
-        int numValues = bulkData.length();
-        int numComp = bulkData.width();
-        float* data = bulkData.data();
-        int* nodeLabels = bulkData.nodeLabels();
-        for (int n = 0, pos = 0; n < numValues; n++) {
-          cout << "U of " << nodeLabels[n];
-          for (int comp = 0; comp < numComp; comp++) cout << " " << data[pos++];
-          cout << endl;
-        }
-      }
-    }
-    odb_HistoryRegionRepositoryIT regions(step.historyRegions());
-    for (regions.first(); !regions.isDone(); regions.next()) {
-      odb_HistoryOutputRepository& outputs = regions.currentValue().historyOutputs();
-      odb_HistoryOutput& output = outputs["U1"];
-      odb_SequenceSequenceFloat data = output.data();
-      for (int i = 0; i < data.size(); i++) {
-        cout << "history " << data[i][0] << " " << data[i][1] << endl;
-      }
-    }
-  }
-}
-
 int main(int argc, char** argv) {
   odb_initializeAPI();
   try {
@@ -125,7 +88,6 @@ int main(int argc, char** argv) {
     cout << "title " << title.CStr() << endl;
     printModel(odb);
     printSections(odb);
-    printResults(odb);
     odb.close();
   } catch (odb_BaseException& exc) {
     cerr << "odbBaseException caught" << endl;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A program as users write them: makes a database with a part, sets, sections, a step and results.
+// A program as users write them: makes a database with a part, sets and sections.
 // Built with odb_main, which has the main function. Argument: the path to write.
 #include <odb_API.h>
 #include <odb_Enum.h>
@@ -79,32 +79,6 @@ static void addMesh(odb_Odb& odb) {
   instance1.assignSection(elementSet, sectionApi.sections()["Homogeneous Solid Section"]);
 }
 
-static void addResults(odb_Odb& odb) {
-  odb_Step& step1 = odb.Step("step-1", "the step", odb_Enum::TIME, 1.0);
-  odb_Instance& instance1 = odb.rootAssembly().instances()["part-1-1"];
-  const odb_SequenceNode& nodes = instance1.nodes();
-  odb_SequenceInt labels;
-  for (int i = 0; i < nodes.size(); i++) labels.append(nodes[i].label());
-  for (int increment = 0; increment < 3; increment++) {
-    odb_Frame frame = step1.Frame(increment, 0.5f * (float)increment, "a frame");
-    odb_FieldOutput& uField = frame.FieldOutput("U", "Displacements", odb_Enum::VECTOR);
-    odb_SequenceSequenceFloat dispData;
-    for (int n = 0; n < labels.size(); n++) {
-      odb_SequenceFloat disp(3);
-      disp.append((float)n);
-      disp.append((float)increment);
-      disp.append(0.0f);
-      dispData.append(disp);
-    }
-    uField.addData(odb_Enum::NODAL, instance1, labels, dispData);
-  }
-  odb_HistoryPoint hPoint(instance1.getNodeFromLabel(1));
-  odb_HistoryRegion& hRegion = step1.HistoryRegion("Node part-1-1.1", "a node", hPoint);
-  odb_HistoryOutput& hOutput = hRegion.HistoryOutput("U1", "displacement", odb_Enum::SCALAR);
-  hOutput.addData(0.0, 0.0);
-  hOutput.addData(1.0, 2.5);
-}
-
 int ABQmain(int argc, char** argv);
 
 int ABQmain(int argc, char** argv) {
@@ -113,7 +87,6 @@ int ABQmain(int argc, char** argv) {
       Odb("simpleModel", "ODB created with C++ API", "example illustrating the API", argv[1]);
   addMaterialAndSection(odb);
   addMesh(odb);
-  addResults(odb);
   odb.save();
   odb.close();
   std::cout << "written" << std::endl;

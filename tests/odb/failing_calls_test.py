@@ -6,6 +6,7 @@ import gives the old or the new database, a server right replies from the next c
     failing_calls_test.py BIN SAMPLE     (the folder of the programs; DECK.inp with DECK.frd beside it)
 """
 import os
+import re
 import resource
 import signal
 import subprocess
@@ -13,7 +14,6 @@ import sys
 import tempfile
 
 BIN, DECK = sys.argv[1:]
-ACKNOWLEDGEMENT = b"\x01\x00~"
 
 
 def environment(call, n, number=0):
@@ -98,61 +98,27 @@ def check_targets(folder):
     assert run("dump_database", target).returncode == 0
 
 
-class Server:
-    def __init__(self, env=None):
-        commands, self.to = os.pipe()
-        self.replies, replies = os.pipe()
-        self.process = subprocess.Popen(
-            [os.path.join(BIN, "odb_server"), str(os.getpid()), str(commands), str(replies)],
-            pass_fds=(commands, replies), stderr=subprocess.PIPE, env=env)
-        os.close(commands)
-        os.close(replies)
-
-    def exactly(self, n):
-        data = b""
-        while len(data) < n:
-            piece = os.read(self.replies, n - len(data))
-            assert piece, "the server has gone"
-            data += piece
-        return data
-
-    def ask(self, line):
-        os.write(self.to, line.encode() + b"\n")
-        reply = b""
-        while not reply.endswith(ACKNOWLEDGEMENT) or record != ACKNOWLEDGEMENT:
-            record = self.exactly(2)
-            record += self.exactly(record[0] | record[1] << 8)
-            reply += record
-        return reply
-
-    def end(self):
-        os.write(self.to, b"q\n")
-        errors = self.process.communicate()[1]
-        os.close(self.to)
-        os.close(self.replies)
-        assert self.process.returncode == 0
-        return errors
+def replies(target, rounds, env=None):
+    """What a server answers to some commands, asked so many times in a row, record by record."""
+    shown = run("odb_client", "send", target, *["g {}", "S {}", "fD {}", "hi {}"] * rounds, env=env)
+    assert shown.returncode == 0, shown
+    records = shown.stdout[:shown.stdout.rindex(b"\n\n")]  # totals come after them
+    return re.sub(rb"(?m)^ *\d+ ", b"", records), b"a call failed" in shown.stderr
 
 
 def check_server(folder):
     target = os.path.join(folder, "x.odb")
     assert import_deck(target).returncode == 0
-    lines = ["g " + target, "S " + target, "fD " + target, "hi " + target]
-    server = Server()
-    wanted = [server.ask(line) for line in lines]
-    server.end()
+    wanted, _ = replies(target, 1)
     n = 0
     while True:
         n += 1
-        server = Server(environment("pread", n))
-        first = [server.ask(line) for line in lines]
-        second = [server.ask(line) for line in lines]
-        failed = b"a call failed" in server.end()
-        assert second == wanted, n
-        n_wrong = sum(a != b for a, b in zip(first, wanted))
-        assert n_wrong <= 1, (n, n_wrong)
+        both, failed = replies(target, 2, environment("pread", n))
+        # A reply may be cut; the next ones are right. Later calls fail in the second round.
+        if not failed or not both.startswith(wanted):
+            assert both.endswith(wanted), n
         if not failed:
-            assert n_wrong == 0 and n > 1
+            assert both.startswith(wanted) and n > 50
             return n - 1
 
 

@@ -4,215 +4,270 @@
 #include <odb_MaterialTypes.h>
 #include <odb_SectionTypes.h>
 
+#include <sstream>
+#include <type_traits>
+
 namespace odbs::test {
 namespace {
 
-double sumOf(const odb_String& text) {
-  double sum = 0;
-  for (int i = 0; i < text.Length(); ++i) sum += text.CStr()[i];
-  return sum;
-}
+class Text {
+ public:
+  std::string text() const { return out_.str(); }
 
-double sumOf(const odb_SequenceNode& nodes) {
-  double sum = 0;
-  for (int i = 0, n = nodes.size(); i < n; ++i) {
-    const odb_Node node = nodes[i];
-    const float* x = node.coordinates();
-    sum += node.label() + static_cast<double>(x[0] + x[1] + x[2]) + sumOf(node.instanceName());
+  // A line of these values.
+  template <class... Values>
+  void line(const Values&... values) {
+    (put(values), ...);
+    out_ << "\n";
   }
-  return sum;
-}
-
-double sumOf(const odb_SequenceElement& elements) {
-  double sum = 0;
-  for (int i = 0, n = elements.size(); i < n; ++i) {
-    const odb_Element element = elements[i];
-    int nNodes = 0;
-    const int* nodes = element.connectivity(nNodes);
-    for (int k = 0; k < nNodes; ++k) sum += nodes[k];
-    sum += element.label() + sumOf(element.type()) + sumOf(element.sectionCategory().name());
-    sum += element.instanceNames().size();
+  // A line for each member; a name alone says what they are.
+  template <class T>
+  void lines(const char* what, const odbs::RepositoryOf<T>& repository) {
+    for (odbs::RepositoryIterator<T> it(repository); !it.isDone(); it.next()) {
+      line(what, it.currentValue());
+    }
   }
-  return sum;
-}
-
-double sumOf(const odb_SequenceSequenceFloat& rows) {
-  double sum = 0;
-  for (int i = 0; i < rows.size(); ++i) {
-    for (int k = 0; k < rows[i].size(); ++k) sum += static_cast<double>(rows[i][k]);
+  template <class Sequence>
+  auto lines(const char* what, const Sequence& sequence) -> decltype(sequence[0], void()) {
+    for (int i = 0; i < sequence.size(); ++i) line(what, sequence[i]);
   }
-  return sum;
-}
 
-double sumOf(const odb_Set& set) {
-  double sum = sumOf(set.name()) + set.size() + sumOf(set.nodes()) + sumOf(set.elements());
-  for (int i = 0; i < set.faces().size(); ++i) sum += set.faces()[i];
-  const odb_SequenceString names = set.instanceNames();
-  for (int i = 0; i < names.size(); ++i) {
-    sum += set.nodes(names[i]).size() + set.elements(names[i]).size();
+  void put(const char* words) { out_ << words << " "; }
+  void put(const odb_String& value) { out_ << '"' << value.CStr() << "\" "; }
+  template <class Number>
+  std::enable_if_t<std::is_arithmetic_v<Number> || std::is_enum_v<Number>> put(Number number) {
+    out_ << number << " ";
   }
-  return sum;
-}
-
-double sumOf(const odb_SetRepository& sets) {
-  double sum = 0;
-  odb_SetRepositoryIT it(sets);
-  for (it.first(); !it.isDone(); it.next()) sum += sumOf(it.currentValue());
-  return sum;
-}
-
-double sumOf(const odb_RigidBody& body) {
-  double sum = sumOf(body.referenceNodeSet());
-  if (body.hasAnalyticSurface()) sum += sumOf(body.analyticSurface().name());
-  return sum;
-}
-
-double sumOf(const odb_DiscreteEntity& entity) {
-  double sum = sumOf(entity.name()) + sumOf(entity.nodes()) + sumOf(entity.elements());
-  sum += sumOf(entity.nodeSets()) + sumOf(entity.elementSets()) + sumOf(entity.surfaces());
-  const odb_SequenceSectionAssignment& assignments = entity.sectionAssignments();
-  for (int i = 0; i < assignments.size(); ++i) {
-    sum += sumOf(assignments[i].region()) + sumOf(assignments[i].sectionName());
+  template <class Sequence>
+  auto put(const Sequence& sequence) -> decltype(sequence.size(), sequence[0], void()) {
+    out_ << "[ ";
+    for (int i = 0; i < sequence.size(); ++i) put(sequence[i]);
+    out_ << "] ";
   }
-  for (int i = 0; i < entity.rigidBodies().size(); ++i) sum += sumOf(entity.rigidBodies()[i]);
-  return sum;
+  void put(const odb_SectionPoint& point) { items(point.number(), point.description()); }
+  void put(const odb_SectionCategory& category) {
+    items(category.name(), category.description(), category.sectionPoints());
+  }
+  void put(const odb_Node& node) {
+    const float* const x = node.coordinates();
+    items(node.label(), x[0], x[1], x[2], node.instanceName());
+  }
+  void put(const odb_Element& element) {
+    items(element.label(), element.type(), element.sectionCategory().name(),
+          element.instanceNames());
+    int n = 0;
+    const int* const nodes = element.connectivity(n);
+    for (int i = 0; i < n; ++i) put(nodes[i]);
+  }
+  void put(const odb_Set& set) {
+    items(set.type(), set.name(), set.size(), set.instanceNames(), set.nodes(), set.elements(),
+          set.faces());
+    const odb_SequenceString names = set.instanceNames();
+    for (int i = 0; i < names.size(); ++i) {
+      items(set.nodes(names[i]).size(), set.elements(names[i]).size(), set.faces(names[i]));
+    }
+  }
+  void put(const odb_DatumCsys& csys) {
+    items(csys.name(), csys.type());
+    for (const float* const vector : {csys.origin(), csys.xAxis(), csys.yAxis(), csys.zAxis()}) {
+      for (int i = 0; vector && i < 3; ++i) put(vector[i]);
+    }
+  }
+  void put(const odb_SectionAssignment& assignment) {
+    items(assignment.region(), assignment.sectionName());
+  }
+  void put(const odb_BeamOrientation& beam) {
+    items(beam.method(), beam.region().name(), beam.vector());
+  }
+  void put(const odb_MaterialOrientation& material) {
+    items(material.region().name(), material.csys(), material.axis(), material.angle(),
+          material.stackDirection());
+  }
+  void put(const odb_RebarOrientation& rebar) {
+    items(rebar.region().name(), rebar.csys(), rebar.axis(), rebar.angle());
+  }
+  void put(const odb_ConnectorOrientation& connector) {
+    items(connector.region().name(), connector.csys1(), connector.axis1(), connector.angle1(),
+          connector.hasCsys2(), connector.csys2().name());
+  }
+  void put(const odb_AnalyticSurfaceSegment& segment) { items(segment.type(), segment.data()); }
+  void put(const odb_AnalyticSurface& surface) {
+    items(surface.name(), surface.type(), surface.filletRadius(), surface.localCoordData(),
+          surface.segments());
+  }
+  void put(const odb_RigidBody& body) {
+    items(body.referenceNodeSet(), body.isothermal());
+    if (body.hasAnalyticSurface()) {
+      put(body.analyticSurface().name());
+    } else {
+      put(body.elements());
+    }
+  }
+  void put(const odb_SectionLayer& layer) {
+    items(layer.thickness(), layer.material(), layer.numIntPts());
+    odb_Union angle = layer.orientAngle();
+    if (angle.type() == odb_UNION_STRING) {
+      put(angle.getString());
+    } else {
+      put(angle.getDouble());
+    }
+  }
+  void put(const odb_FieldBulkData& block) {
+    items(block.instance().name(), block.position(), block.baseElementType(), block.length(),
+          block.width());
+    for (const int* labels : {block.elementLabels(), block.nodeLabels()}) {
+      for (int i = 0; labels && i < block.length(); ++i) put(labels[i]);
+    }
+    const bool single = block.precision() == odb_Enum::SINGLE_PRECISION;
+    for (int i = 0, n = block.length() * block.width(); i < n; ++i) {
+      put(single ? static_cast<double>(block.data()[i]) : block.dataDouble()[i]);
+    }
+  }
+
+ private:
+  template <class... Values>
+  void items(const Values&... values) {
+    out_ << "( ";
+    (put(values), ...);
+    out_ << ") ";
+  }
+
+  std::ostringstream out_;
+};
+
+void addEntity(Text& text, const char* what, const odb_DiscreteEntity& entity) {
+  text.line(what, entity.name(), entity.embeddedSpace());
+  text.lines("node", entity.nodes());
+  text.lines("element", entity.elements());
+  text.lines("set", entity.nodeSets());
+  text.lines("set", entity.elementSets());
+  text.lines("set", entity.surfaces());
+  text.lines("assigned", entity.sectionAssignments());
+  text.lines("rigid", entity.rigidBodies());
 }
 
-double sumOf(const odb_PartEntity& entity) {
-  double sum = sumOf(static_cast<const odb_DiscreteEntity&>(entity));
-  if (entity.hasAnalyticSurface()) {
-    const odb_AnalyticSurface& surface = entity.analyticSurface();
-    sum += sumOf(surface.name()) + sumOf(surface.localCoordData());
-    for (int i = 0; i < surface.segments().size(); ++i) sum += sumOf(surface.segments()[i].data());
-  }
-  for (int i = 0; i < entity.beamOrientations().size(); ++i) {
-    sum += sumOf(entity.beamOrientations()[i].region());
-  }
-  for (int i = 0; i < entity.materialOrientations().size(); ++i) {
-    sum += sumOf(entity.materialOrientations()[i].csys().name());
-  }
-  return sum;
+void addPartEntity(Text& text, const char* what, const odb_PartEntity& entity) {
+  addEntity(text, what, entity);
+  if (entity.hasAnalyticSurface()) text.line("surface", entity.analyticSurface());
+  text.lines("beam", entity.beamOrientations());
+  text.lines("material", entity.materialOrientations());
+  text.lines("rebar", entity.rebarOrientations());
 }
 
-double sumOfSections(odb_Odb& odb) {
-  double sum = 0;
+void addSections(Text& text, odb_Odb& odb) {
   odb_SectionApi api;
   odb.extendApi(odb_Enum::odb_SECTION, api);
-  odb_SectionContainerIT it(api.sections());
-  for (it.first(); !it.isDone(); it.next()) {
+  for (odb_SectionContainerIT it(api.sections()); !it.isDone(); it.next()) {
     const odb_Section& section = it.currentValue();
-    sum += sumOf(section.name());
-    if (odb_isA(odb_CompositeShellSection, section)) {
-      const auto& layup = odb_dynamicCast(odb_CompositeShellSection, section).layup();
-      for (int i = 0; i < layup.size(); ++i) sum += layup[i].thickness();
-    }
-    if (odb_isA(odb_PointSection, section)) {
-      sum += odb_dynamicCast(odb_PointSection, section).mass();
+    text.line("section", section.name());
+    if (odb_isA(odb_HomogeneousShellSection, section)) {
+      const auto& shell = odb_dynamicCast(odb_HomogeneousShellSection, section);
+      text.line("shell", shell.thickness(), shell.numIntPts(), shell.material(),
+                shell.integrationRule());
+    } else if (odb_isA(odb_CompositeShellSection, section)) {
+      const auto& shell = odb_dynamicCast(odb_CompositeShellSection, section);
+      text.line("plies", shell.layup(), shell.symmetric());
+    } else if (odb_isA(odb_PointSection, section)) {
+      text.line("mass", odb_dynamicCast(odb_PointSection, section).mass());
+    } else if (odb_isA(odb_ConnectorSection, section)) {
+      text.line("assembled", odb_dynamicCast(odb_ConnectorSection, section).assembledType());
     }
   }
-  odb_MaterialApi materials;
-  odb.extendApi(odb_Enum::odb_MATERIAL, materials);
-  odb_MaterialContainerIT at(materials.materials());
-  for (at.first(); !at.isDone(); at.next()) {
-    const odb_Material& material = at.currentValue();
-    sum += sumOf(odb_SequenceSequenceFloat(material.elastic().table()));
-    sum += sumOf(material.elastic().type()) + material.density().dependencies();
-  }
-  return sum;
 }
 
-double sumOfFields(const odb_Frame& frame) {
-  double sum = 0;
-  odb_FieldOutputRepositoryIT it(frame.fieldOutputs());
-  for (it.first(); !it.isDone(); it.next()) {
-    const odb_FieldOutput& field = it.currentValue();
-    sum += sumOf(field.name()) + sumOf(field.description()) + field.type();
-    sum += field.componentLabels().size() + field.validInvariants().size();
-    const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
-    for (int b = 0; b < blocks.size(); ++b) {
-      const odb_FieldBulkData& block = blocks[b];
-      const int* elements = block.elementLabels();
-      const int* nodes = block.nodeLabels();
-      sum += sumOf(block.instance().name()) + sumOf(block.baseElementType());
-      for (int i = 0; i < block.length(); ++i) {
-        sum += (elements ? elements[i] : 0) + (nodes ? nodes[i] : 0);
-        for (int k = 0; k < block.width(); ++k) {
-          sum += block.precision() == odb_Enum::SINGLE_PRECISION
-                     ? static_cast<double>(block.data()[i * block.width() + k])
-                     : block.dataDouble()[i * block.width() + k];
-        }
-      }
-    }
+void addMaterials(Text& text, odb_Odb& odb) {
+  odb_MaterialApi api;
+  odb.extendApi(odb_Enum::odb_MATERIAL, api);
+  for (odb_MaterialContainerIT it(api.materials()); !it.isDone(); it.next()) {
+    const odb_Material& material = it.currentValue();
+    const odb_Elastic elastic = material.elastic();
+    text.line("material", material.name(), odb_SequenceSequenceDouble(material.density().table()),
+              material.acousticMedium().hasValue(), elastic.hasValue());
+    if (!elastic.hasValue()) continue;
+    text.line("elastic", elastic.type(), elastic.noTension(), elastic.noCompression(),
+              elastic.temperatureDependency(), odb_SequenceSequenceDouble(elastic.table()),
+              odb_SequenceSequenceDouble(elastic.failStress().table()),
+              odb_SequenceSequenceDouble(elastic.failStrain().table()));
   }
-  return sum;
 }
 
-double sumOfHistories(const odb_Step& step) {
-  double sum = 0;
-  odb_HistoryRegionRepositoryIT it(step.historyRegions());
-  for (it.first(); !it.isDone(); it.next()) {
+void addStep(Text& text, const odb_Step& step) {
+  text.line("step", step.number(), step.name(), step.description(), step.domain(),
+            step.previousStepName(), step.procedure(), step.timePeriod(), step.mass(),
+            step.inertiaAboutOrigin(), step.inertiaAboutCenter());
+  for (odb_HistoryRegionRepositoryIT it(step.historyRegions()); !it.isDone(); it.next()) {
     const odb_HistoryRegion& region = it.currentValue();
-    sum += sumOf(region.name()) + region.historyPoint().node().label();
-    odb_HistoryOutputRepositoryIT at(region.historyOutputs());
-    for (at.first(); !at.isDone(); at.next()) {
-      sum += sumOf(at.currentValue().data()) + sumOf(at.currentValue().conjugateData());
+    text.line("history", region.name(), region.description(), region.historyPoint().node().label());
+    for (odb_HistoryOutputRepositoryIT at(region.historyOutputs()); !at.isDone(); at.next()) {
+      const odb_HistoryOutput& output = at.currentValue();
+      text.line("output", output.name(), output.description(), output.data(),
+                output.conjugateData());
     }
   }
-  return sum;
+  const odb_SequenceFrame& frames = step.frames();
+  for (int i = 0; i < frames.size(); ++i) {
+    const odb_Frame& frame = frames[i];
+    text.line("frame", frame.incrementNumber(), frame.mode(), frame.frameValue(), frame.frequency(),
+              frame.description(), frame.loadCase().name());
+    for (odb_FieldOutputRepositoryIT it(frame.fieldOutputs()); !it.isDone(); it.next()) {
+      const odb_FieldOutput& field = it.currentValue();
+      text.line("field", field.name(), field.description(), field.type(), field.componentLabels(),
+                field.validInvariants());
+      text.lines("block", field.bulkDataBlocks());
+    }
+  }
 }
 
-double sumOfSteps(odb_Odb& odb) {
-  double sum = 0;
-  odb_StepRepositoryIT it(odb.steps());
-  for (it.first(); !it.isDone(); it.next()) {
-    const odb_Step& step = it.currentValue();
-    sum += sumOf(step.name()) + sumOf(step.procedure()) + step.mass();
-    sum += sumOfHistories(step);
-    const odb_SequenceFrame& frames = step.frames();
-    for (int i = 0; i < frames.size(); ++i) {
-      const odb_Frame& frame = frames[i];
-      sum += sumOf(frame.description()) + static_cast<double>(frame.frameValue());
-      sum += sumOf(frame.loadCase().name()) + sumOfFields(frame);
-    }
+void addObjects(Text& text, odb_Odb& odb) {
+  for (odb_ConstraintRepositoryIT it(odb.constraints()); !it.isDone(); it.next()) {
+    text.line("constraint", it.currentKey());
+    if (!odb_isA(odb_Coupling, it.currentValue())) continue;
+    text.line("to", odb_dynamicCast(odb_Coupling, it.currentValue()).controlPoint());
   }
-  return sum;
+  const odb_AmplitudeRepository& amplitudes = odb.amplitudes();
+  for (int i = 0; i < amplitudes.size(); ++i) {
+    if (!odb_isA(odb_TabularAmplitude, amplitudes[i])) continue;
+    text.line("amplitude", odb_dynamicCast(odb_TabularAmplitude, amplitudes[i]).data());
+  }
+  odb_UserData& user = odb.userData();
+  if (user.annotationObjects().isMember("xml")) {
+    text.line("annotation", user.annotationObjects()["xml"].text());
+  }
+  for (odb_UserXYDataRepositoryIT it(user.xyDataObjects()); !it.isDone(); it.next()) {
+    odb_SequenceSequenceFloat curve;
+    it.currentValue().getData(curve);
+    text.line("curve", it.currentValue().yAxisLabel(), curve);
+  }
 }
 
 }  // namespace
 
-double readEverything(odb_Odb& odb) {
-  double sum = sumOf(odb.analysisTitle()) + odb.jobData().analysisCode();
-  odb_Assembly& root = odb.rootAssembly();
-  sum += sumOf(static_cast<const odb_DiscreteEntity&>(root));
-  odb_InstanceRepositoryIT instance(root.instances());
-  for (instance.first(); !instance.isDone(); instance.next()) {
-    sum += sumOf(static_cast<const odb_PartEntity&>(instance.currentValue()));
+std::string readEverything(odb_Odb& odb) {
+  Text text;
+  const odb_JobData job = odb.jobData();
+  text.line("title", odb.analysisTitle(), odb.description(), job.analysisCode(), job.precision(),
+            job.name(), job.productAddOns());
+  if (odb.hasSectorDefinition()) {
+    text.line("sectors", odb.sectorDefinition().numSectors(),
+              odb.sectorDefinition().symmetryAxis());
   }
-  odb_PartRepositoryIT part(odb.parts());
-  for (part.first(); !part.isDone(); part.next()) {
-    sum += sumOf(static_cast<const odb_PartEntity&>(part.currentValue()));
+  text.lines("category", odb.sectionCategories());
+  const odb_Assembly& root = odb.rootAssembly();
+  addEntity(text, "assembly", root);
+  text.lines("connector", root.connectorOrientations());
+  for (odb_InstanceRepositoryIT it(root.instances()); !it.isDone(); it.next()) {
+    addPartEntity(text, "instance", it.currentValue());
   }
-  for (int i = 0; i < root.connectorOrientations().size(); ++i) {
-    sum += sumOf(root.connectorOrientations()[i].csys1().name());
+  for (odb_PartRepositoryIT it(odb.parts()); !it.isDone(); it.next()) {
+    addPartEntity(text, "part", it.currentValue());
   }
-  odb_ConstraintRepositoryIT constraint(odb.constraints());
-  for (constraint.first(); !constraint.isDone(); constraint.next()) {
-    if (!odb_isA(odb_Coupling, constraint.currentValue())) continue;
-    sum += sumOf(odb_dynamicCast(odb_Coupling, constraint.currentValue()).controlPoint());
+  addSections(text, odb);
+  addMaterials(text, odb);
+  addObjects(text, odb);
+  for (odb_StepRepositoryIT it(odb.steps()); !it.isDone(); it.next()) {
+    addStep(text, it.currentValue());
   }
-  odb_AmplitudeRepository& amplitudes = odb.amplitudes();
-  for (int i = 0; i < amplitudes.size(); ++i) {
-    if (!odb_isA(odb_TabularAmplitude, amplitudes[i])) continue;
-    const odb_TabularAmplitude& amplitude = odb_dynamicCast(odb_TabularAmplitude, amplitudes[i]);
-    for (int k = 0; k < amplitude.data().size(); ++k) sum += amplitude.data()[k].size();
-  }
-  if (odb.userData().annotationObjects().isMember("xml")) {
-    sum += sumOf(odb.userData().annotationObjects()["xml"].text());
-  }
-  odb_SequenceSequenceFloat curve;
-  odb_UserXYDataRepositoryIT curves(odb.userData().xyDataObjects());
-  for (curves.first(); !curves.isDone(); curves.next()) curves.currentValue().getData(curve);
-  return sum + sumOf(curve) + sumOfSections(odb) + sumOfSteps(odb);
+  return text.text();
 }
 
 }  // namespace odbs::test

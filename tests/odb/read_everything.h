@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Reads all that a database offers, as far as it goes without an exception.
+// A database as text, read through the public functions alone.
 #pragma once
 
 #include <odb_API.h>
 
+#include <string>
+
 namespace odbs::test {
 
-// Returns a sum over everything read, so that no read can be left out. Throws what the library
-// throws.
-double readEverything(odb_Odb& odb);
+// One line an object, with all that it says. Equal texts mean equal databases.
+std::string readEverything(odb_Odb& odb);
 
 }  // namespace odbs::test

@@ -4,8 +4,8 @@
 
 #include "client/cli/cli.h"
 #include "client/field_values.h"
-#include "tests/client/bytes.h"
-#include "tests/client/real_server.h"
+#include "tests/client/built_server.h"
+#include "tests/client/records.h"
 #include "tests/regions/layered_model.h"
 
 namespace odbs::client::test {
@@ -42,8 +42,7 @@ TEST(RegionQueries, AreKindsAndNames) {
 }
 
 TEST(RegionRecords, ThatAreCutOrTooLongAreRefused) {
-  const std::string whole =
-      tests::Payload('R').i32(5).i32(2).text("PLATE").i32(-1).i32(7).operator std::string();
+  const std::string whole = record("R 5 2 'PLATE' -1 7");
   const RegionCount count = decodeRegion(recordOf(whole));
   EXPECT_EQ(count.query.kind, 5);
   EXPECT_EQ(count.query.value, 2);
@@ -106,9 +105,9 @@ TEST_F(RegionClient, ReadsPairsAndSelectedValues) {
 }
 
 TEST_F(RegionClient, HasACommandAndOptions) {
-  EXPECT_EQ(run({"regions", path_, "layer:2=LAY", "nodes=NONE"}),
-            "0 table,message\n\ntable,kind,value,name,elements,nodes\n"
-            "region,layer,2,LAY,1,0\nregion,node set,0,NONE,0,0\n");
+  EXPECT_EQ(run({"regions", path_, "layer:2=LAY"}),
+            "0 kind,value,name,elements,nodes\nlayer,2,LAY,1,0\n");
+  EXPECT_EQ(run({"regions", path_, "layer:2=LAY", "nodes=NONE"})[0], '1');
   const std::string values =
       run({"values", path_, "--field", "SE", "--layers", "1.INNER:2.OUTER", "--show", "values"});
   EXPECT_NE(values.find(",7,11,-1,0,107"), std::string::npos) << values;

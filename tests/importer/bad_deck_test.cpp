@@ -7,10 +7,6 @@
 namespace odbs::importer {
 namespace {
 
-const std::string kCube =
-    "*NODE, NSET=NALL\n1,0,0,0\n2,1,0,0\n3,1,1,0\n4,0,1,0\n5,0,0,1\n6,1,0,1\n7,1,1,1\n8,0,1,1\n"
-    "*ELEMENT, TYPE=C3D8, ELSET=EALL\n1,1,2,3,4,5,6,7,8\n";  // 11 lines
-
 struct BadDeck {
   const char* text;      // after the eleven lines of the cube
   const char* expected;  // beginning of the message
@@ -115,20 +111,22 @@ TEST_F(DeckTest, WhatIsNoDeckIsRefused) {
 }
 
 TEST_F(DeckTest, PartsWithoutInstancesAndUnknownPartsAreRefused) {
+  const BadDeck rows[] = {
+      // after a part and the start of the assembly, five lines
+      {"*END ASSEMBLY\n", "model.inp:6: the deck has parts but no *INSTANCE"},
+      {"*INSTANCE, NAME=I, PART=Q\n", "model.inp:6: there is no part Q"},
+      {"*INSTANCE, NAME=I, PART=P\n1,2,3,4,5\n",
+       "model.inp:7: the rotation of an instance needs seven numbers"},
+      {"*INSTANCE, NAME=I, PART=P\n1,2,3,1,2,3,90\n",
+       "model.inp:7: the two points of a rotation axis are the same"},
+      {"*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*NSET, NSET=N\nJ.1\n",
+       "model.inp:9: there is no instance J"},
+      {"*INSTANCE, NAME=I, PART=P\n*NODE\n2\n*END INSTANCE\n*END ASSEMBLY\n",
+       "model.inp:6: instance I has nodes of its own, but its part has nodes too"},
+      {"*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*INSTANCE, NAME=I, PART=P\n",
+       "model.inp:8: instance I is defined twice"}};
   const std::string part = "*PART, NAME=P\n*NODE\n1\n*END PART\n*ASSEMBLY, NAME=A\n";
-  EXPECT_NE(std::string::npos, refusal(part + "*END ASSEMBLY\n").find("no *INSTANCE"));
-  EXPECT_EQ("model.inp:6: there is no part Q", refusal(part + "*INSTANCE, NAME=I, PART=Q\n"));
-  const std::string instance = part + "*INSTANCE, NAME=I, PART=P\n";
-  EXPECT_EQ("model.inp:7: the rotation of an instance needs seven numbers",
-            refusal(instance + "1,2,3,4,5\n"));
-  EXPECT_EQ("model.inp:7: the two points of a rotation axis are the same",
-            refusal(instance + "1,2,3,1,2,3,90\n"));
-  EXPECT_EQ("model.inp:9: there is no instance J",
-            refusal(instance + "*END INSTANCE\n*NSET, NSET=N\nJ.1\n"));
-  EXPECT_EQ("model.inp:6: instance I has nodes of its own, but its part has nodes too",
-            refusal(instance + "*NODE\n2\n*END INSTANCE\n*END ASSEMBLY\n"));
-  EXPECT_EQ("model.inp:8: instance I is defined twice",
-            refusal(instance + "*END INSTANCE\n*INSTANCE, NAME=I, PART=P\n"));
+  for (const BadDeck& row : rows) EXPECT_EQ(row.expected, refusal(part + row.text));
 }
 
 TEST_F(DeckTest, IncludesInACircleAndIncludeBombsEnd) {

@@ -31,15 +31,21 @@ class DeckTest : public ::testing::Test {
   DeckFolder files_;
 };
 
+// Eight nodes of a unit cube and one element, on eleven lines.
+const std::string kCube =
+    "*NODE, NSET=NALL\n1,0,0,0\n2,1,0,0\n3,1,1,0\n4,0,1,0\n5,0,0,1\n6,1,0,1\n7,1,1,1\n8,0,1,1\n"
+    "*ELEMENT, TYPE=C3D8, ELSET=EALL\n1,1,2,3,4,5,6,7,8\n";
+
 // Labels of a set of the deck's first part.
-inline std::vector<std::int32_t> nodeSet(const Deck& deck, const std::string& name) {
-  const Set* set = deck.parts.front().content.nodeSets.find(name);
+inline std::vector<std::int32_t> labelsIn(const SetTable& sets, const std::string& name) {
+  const Set* set = sets.find(name);
   return set && !set->members.empty() ? set->members[0].labels : std::vector<std::int32_t>();
 }
-
+inline std::vector<std::int32_t> nodeSet(const Deck& deck, const std::string& name) {
+  return labelsIn(deck.parts.front().content.nodeSets, name);
+}
 inline std::vector<std::int32_t> elementSet(const Deck& deck, const std::string& name) {
-  const Set* set = deck.parts.front().content.elementSets.find(name);
-  return set && !set->members.empty() ? set->members[0].labels : std::vector<std::int32_t>();
+  return labelsIn(deck.parts.front().content.elementSets, name);
 }
 
 }  // namespace odbs::importer

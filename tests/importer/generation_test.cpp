@@ -12,19 +12,14 @@ namespace {
 
 class GenerationTest : public DeckTest {
  protected:
-  // Coordinates of a node of the first part.
-  std::array<double, 3> at(Deck& deck, std::int32_t label) {
+  void expectAt(Deck& deck, std::int32_t label, double x, double y, double z) {
     NodeTable& nodes = deck.parts.front().content.nodes;
     const std::int64_t i = nodes.find(label);
-    if (i < 0) return {NAN, NAN, NAN};
-    const double* const p = &nodes.xyz[3 * static_cast<std::size_t>(i)];
-    return {p[0], p[1], p[2]};
-  }
-  void expectAt(Deck& deck, std::int32_t label, double x, double y, double z) {
-    const auto p = at(deck, label);
-    EXPECT_NEAR(x, p[0], 1e-12) << "node " << label;
-    EXPECT_NEAR(y, p[1], 1e-12) << "node " << label;
-    EXPECT_NEAR(z, p[2], 1e-12) << "node " << label;
+    ASSERT_GE(i, 0) << "node " << label;
+    const double expected[3] = {x, y, z};
+    for (std::size_t d = 0; d < 3; ++d) {
+      EXPECT_NEAR(expected[d], nodes.xyz[3 * static_cast<std::size_t>(i) + d], 1e-12) << label;
+    }
   }
 };
 

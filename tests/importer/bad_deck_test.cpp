@@ -9,7 +9,7 @@ namespace {
 
 struct BadDeck {
   const char* text;      // after the eleven lines of the cube
-  const char* expected;  // beginning of the message
+  const char* expected;  // beginning of the message, after "model.inp:"
 };
 
 void PrintTo(const BadDeck& bad, std::ostream* out) {
@@ -17,81 +17,72 @@ void PrintTo(const BadDeck& bad, std::ostream* out) {
 }
 
 const BadDeck kBadDecks[] = {
-    {"*NODE\n1x,0,0\n", "model.inp:13: \"1x\" is not a whole number"},
-    {"*NODE\n-1,0,0\n", "model.inp:13: label -1 is not between"},
-    {"*NODE\n0,0,0\n", "model.inp:13: label 0 is not between"},
-    {"*NODE\n99999999999,0,0\n", "model.inp:13: label 99999999999 is not between"},
-    {"*NODE\n9,0,zero\n", "model.inp:13: \"zero\" is not a number"},
-    {"*NODE\n9,nan,0\n", "model.inp:13: a coordinate is not a finite number"},
-    {"*NODE\n9,1e999,0\n", "model.inp:13: \"1e999\" is not a number"},
-    {"*NODE\n\x1B[31m\xFF,0\n", "model.inp:13: \"\\x1b[31m\\xff\" is not a whole number"},
-    {"*PARAMETER\na = b\n",
-     "model.inp:13: parameter a cannot be evaluated: there is no parameter b"},
-    {"*PARAMETER\na = 2*(1\n", "model.inp:13: parameter a cannot be evaluated: it ends too early"},
-    {"*PARAMETER\na = 1/0\n", "model.inp:13: parameter a cannot be evaluated: it divides by 0"},
-    {"*PARAMETER\na\n", "model.inp:13: *PARAMETER needs NAME = VALUE"},
+    {"*NODE\n1x,0,0\n", "13: \"1x\" is not a whole number"},
+    {"*NODE\n-1,0,0\n", "13: label -1 is not between"},
+    {"*NODE\n0,0,0\n", "13: label 0 is not between"},
+    {"*NODE\n99999999999,0,0\n", "13: label 99999999999 is not between"},
+    {"*NODE\n9,0,zero\n", "13: \"zero\" is not a number"},
+    {"*NODE\n9,nan,0\n", "13: a coordinate is not a finite number"},
+    {"*NODE\n9,1e999,0\n", "13: \"1e999\" is not a number"},
+    {"*NODE\n\x1B[31m\xFF,0\n", "13: \"\\x1b[31m\\xff\" is not a whole number"},
+    {"*PARAMETER\na = b\n", "13: parameter a cannot be evaluated: there is no parameter b"},
+    {"*PARAMETER\na = 2*(1\n", "13: parameter a cannot be evaluated: it ends too early"},
+    {"*PARAMETER\na = 1/0\n", "13: parameter a cannot be evaluated: it divides by 0"},
+    {"*PARAMETER\na\n", "13: *PARAMETER needs NAME = VALUE"},
     {"*ELEMENT, TYPE=U1, ELSET=U\n5,1\n*ELCOPY, OLD SET=U, ELEMENT SHIFT=1, SHIFT NODES=1, "
      "REFLECT\n",
-     "model.inp:14: elements of type U1 cannot be reflected"},
-    {"*ELEMENT\n2,1,2\n", "model.inp:12: *ELEMENT without the parameter TYPE"},
-    {"*ELEMENT, TYPE=C3D8\n2,1,2,3,4,5,6,7\n",
-     "model.inp:13: element 2 of type C3D8 has 7 of 8 nodes"},
-    {"*ELEMENT, TYPE=T3D2\n2,1,9\n",
-     "model.inp:13: element 2 has the node 9, which is not defined"},
-    {"*ELEMENT, TYPE=T3D2\n2,1,\n3,,2\n", "model.inp:14: a node of element 2 is missing"},
-    {"*ELEMENT, TYPE=T3D2\n2,1,-2\n", "model.inp:13: label -2 is not between"},
-    {"*ELEMENT, TYPE=T3D2\n1,1,2\n",
-     "model.inp:13: an element is defined a second time; the first is at"},
-    {"*ELEMENT, TYPE=U1\n5,\n", "model.inp:13: element 5 of type U1 has no nodes"},
-    {"*NSET\n1\n", "model.inp:12: *NSET without the parameter NSET"},
-    {"*NSET, NSET=A\nB\n", "model.inp:13: there is no set B so far"},
-    {"*NSET, NSET=A, GENERATE\n5,1,1\n", "model.inp:13: the last label of GENERATE is below"},
-    {"*NSET, NSET=A, GENERATE\n1,5,-1\n", "model.inp:13: the increment of GENERATE is negative"},
-    {"*NSET, NSET=A, GENERATE\n1,5000000000\n", "model.inp:13: label 5000000000 is not between"},
-    {"*SURFACE, NAME=S\nNONE, S1\n", "model.inp:13: surface S names the set NONE, which is not"},
-    {"*SURFACE, TYPE=BLOB, NAME=S\n", "model.inp:12: unknown surface type BLOB"},
-    {"*SURFACE, TYPE=SEGMENTS, NAME=S\nLINE,1,1\n",
-     "model.inp:13: the profile must begin with one START"},
-    {"*SURFACE, TYPE=SEGMENTS, NAME=S\nSTART,1,1\nHOP,2,2\n",
-     "model.inp:14: \"HOP\" is no segment"},
-    {"*SOLID SECTION, ELSET=X, MATERIAL=M\n",
-     "model.inp:12: the section's element set X is not defined"},
-    {"*SOLID SECTION, ELSET=EALL, MATERIAL=M\n",
-     "model.inp:12: the section's material M is not defined"},
-    {"*SHELL SECTION, ELSET=EALL, COMPOSITE\n", "model.inp:12: a composite section without layers"},
-    {"*SHELL SECTION, ELSET=EALL\n1., -3\n",
-     "model.inp:13: a section cannot have -3 section points"},
-    {"*ELASTIC\n1,2\n", "model.inp:12: *ELASTIC without a *MATERIAL before it"},
-    {"*MATERIAL, NAME=M\n*ELASTIC, TYPE=ODD\n1\n", "model.inp:13: unknown type of elasticity ODD"},
-    {"*MATERIAL, NAME=M\n*ELASTIC\n1, two\n", "model.inp:14: \"two\" is not a number"},
-    {"*RIGID BODY, ELSET=EALL\n", "model.inp:12: *RIGID BODY without the parameter REFNODE"},
-    {"*RIGID BODY, REF NODE=99\n", "model.inp:12: the rigid body names the node 99"},
-    {"*RIGID BODY, REF NODE=1, ELSET=X\n", "model.inp:12: the rigid body names the set X"},
-    {"*INSTANCE, NAME=A, PART=B\n", "model.inp:12: *INSTANCE outside of *ASSEMBLY"},
-    {"*ASSEMBLY, NAME=A\n", "model.inp:12: there are nodes or elements outside of parts"},
-    {"*PART, NAME=P\n*PART, NAME=Q\n", "model.inp:13: *PART inside of another block"},
-    {"*PART, NAME=P\n", "model.inp:12: *PART without *END PART"},
-    {"*STEP\n*STEP\n", "model.inp:13: *STEP inside of a step"},
-    {"*INCLUDE\n", "model.inp:12: *INCLUDE without the parameter INPUT"},
-    {"*INCLUDE, INPUT=none.inp\n", "model.inp:12: included file none.inp does not exist"},
-    {"*INCLUDE, INPUT=model.inp\n", "model.inp:12: "},
-    {"*INCLUDE, INPUT=.\n", "model.inp:12: "},
-    {"*NGEN\n1,2000000000\n", "model.inp:13: the deck generates more than"},
-    {"*NGEN\n1,8,3\n", "model.inp:13: the increment does not lead"},
-    {"*NGEN\n1,30,1\n", "model.inp:13: node 30 is not defined"},
-    {"*ELGEN\n1,2000000000,1,1\n", "model.inp:13: the deck generates more than"},
-    {"*ELGEN\n1,100000,1,1,100000,1,1\n", "model.inp:13: the deck generates more than"},
-    {"*ELGEN\n1,2,-5,1\n", "model.inp:13: a generated element would have the node"},
-    {"*NFILL\nNALL,NALL,999999999,1\n", "model.inp:13: *NFILL cannot make"},
-    {"*NCOPY, OLD SET=NALL, CHANGE NUMBER=5\n1\n", "model.inp:12: *NCOPY needs SHIFT"},
-    {"*,X=1\n", "model.inp:12: a keyword line without a keyword"},
+     "14: elements of type U1 cannot be reflected"},
+    {"*ELEMENT\n2,1,2\n", "12: *ELEMENT without the parameter TYPE"},
+    {"*ELEMENT, TYPE=C3D8\n2,1,2,3,4,5,6,7\n", "13: element 2 of type C3D8 has 7 of 8 nodes"},
+    {"*ELEMENT, TYPE=T3D2\n2,1,9\n", "13: element 2 has the node 9, which is not defined"},
+    {"*ELEMENT, TYPE=T3D2\n2,1,\n3,,2\n", "14: a node of element 2 is missing"},
+    {"*ELEMENT, TYPE=T3D2\n2,1,-2\n", "13: label -2 is not between"},
+    {"*ELEMENT, TYPE=T3D2\n1,1,2\n", "13: an element is defined a second time; the first is at"},
+    {"*ELEMENT, TYPE=U1\n5,\n", "13: element 5 of type U1 has no nodes"},
+    {"*NSET\n1\n", "12: *NSET without the parameter NSET"},
+    {"*NSET, NSET=A\nB\n", "13: there is no set B so far"},
+    {"*NSET, NSET=A, GENERATE\n5,1,1\n", "13: the last label of GENERATE is below"},
+    {"*NSET, NSET=A, GENERATE\n1,5,-1\n", "13: the increment of GENERATE is negative"},
+    {"*NSET, NSET=A, GENERATE\n1,5000000000\n", "13: label 5000000000 is not between"},
+    {"*SURFACE, NAME=S\nNONE, S1\n", "13: surface S names the set NONE, which is not"},
+    {"*SURFACE, TYPE=BLOB, NAME=S\n", "12: unknown surface type BLOB"},
+    {"*SURFACE, TYPE=SEGMENTS, NAME=S\nLINE,1,1\n", "13: the profile must begin with one START"},
+    {"*SURFACE, TYPE=SEGMENTS, NAME=S\nSTART,1,1\nHOP,2,2\n", "14: \"HOP\" is no segment"},
+    {"*SOLID SECTION, ELSET=X, MATERIAL=M\n", "12: the section's element set X is not defined"},
+    {"*SOLID SECTION, ELSET=EALL, MATERIAL=M\n", "12: the section's material M is not defined"},
+    {"*SHELL SECTION, ELSET=EALL, COMPOSITE\n", "12: a composite section without layers"},
+    {"*SHELL SECTION, ELSET=EALL\n1., -3\n", "13: a section cannot have -3 section points"},
+    {"*ELASTIC\n1,2\n", "12: *ELASTIC without a *MATERIAL before it"},
+    {"*MATERIAL, NAME=M\n*ELASTIC, TYPE=ODD\n1\n", "13: unknown type of elasticity ODD"},
+    {"*MATERIAL, NAME=M\n*ELASTIC\n1, two\n", "14: \"two\" is not a number"},
+    {"*RIGID BODY, ELSET=EALL\n", "12: *RIGID BODY without the parameter REFNODE"},
+    {"*RIGID BODY, REF NODE=99\n", "12: the rigid body names the node 99"},
+    {"*RIGID BODY, REF NODE=1, ELSET=X\n", "12: the rigid body names the set X"},
+    {"*INSTANCE, NAME=A, PART=B\n", "12: *INSTANCE outside of *ASSEMBLY"},
+    {"*ASSEMBLY, NAME=A\n", "12: there are nodes or elements outside of parts"},
+    {"*PART, NAME=P\n*PART, NAME=Q\n", "13: *PART inside of another block"},
+    {"*PART, NAME=P\n", "12: *PART without *END PART"},
+    {"*STEP\n*STEP\n", "13: *STEP inside of a step"},
+    {"*INCLUDE\n", "12: *INCLUDE without the parameter INPUT"},
+    {"*INCLUDE, INPUT=none.inp\n", "12: included file none.inp does not exist"},
+    {"*INCLUDE, INPUT=model.inp\n", "12: "},
+    {"*INCLUDE, INPUT=.\n", "12: "},
+    {"*NGEN\n1,2000000000\n", "13: the deck generates more than"},
+    {"*NGEN\n1,8,3\n", "13: the increment does not lead"},
+    {"*NGEN\n1,30,1\n", "13: node 30 is not defined"},
+    {"*ELGEN\n1,2000000000,1,1\n", "13: the deck generates more than"},
+    {"*ELGEN\n1,100000,1,1,100000,1,1\n", "13: the deck generates more than"},
+    {"*ELGEN\n1,2,-5,1\n", "13: a generated element would have the node"},
+    {"*NFILL\nNALL,NALL,999999999,1\n", "13: *NFILL cannot make"},
+    {"*NCOPY, OLD SET=NALL, CHANGE NUMBER=5\n1\n", "12: *NCOPY needs SHIFT"},
+    {"*,X=1\n", "12: a keyword line without a keyword"},
 };
 
 class BadDecks : public DeckTest, public ::testing::WithParamInterface<BadDeck> {};
 
 TEST_P(BadDecks, AreRefusedAtTheirLine) {
-  EXPECT_EQ(GetParam().expected,
-            refusal(kCube + GetParam().text).substr(0, std::string(GetParam().expected).size()))
+  const std::string expected = std::string("model.inp:") + GetParam().expected;
+  EXPECT_EQ(expected, refusal(kCube + GetParam().text).substr(0, expected.size()))
       << GetParam().text;
 }
 
@@ -111,22 +102,23 @@ TEST_F(DeckTest, WhatIsNoDeckIsRefused) {
 }
 
 TEST_F(DeckTest, PartsWithoutInstancesAndUnknownPartsAreRefused) {
-  const BadDeck rows[] = {
-      // after a part and the start of the assembly, five lines
-      {"*END ASSEMBLY\n", "model.inp:6: the deck has parts but no *INSTANCE"},
-      {"*INSTANCE, NAME=I, PART=Q\n", "model.inp:6: there is no part Q"},
-      {"*INSTANCE, NAME=I, PART=P\n1,2,3,4,5\n",
-       "model.inp:7: the rotation of an instance needs seven numbers"},
-      {"*INSTANCE, NAME=I, PART=P\n1,2,3,1,2,3,90\n",
-       "model.inp:7: the two points of a rotation axis are the same"},
-      {"*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*NSET, NSET=N\nJ.1\n",
-       "model.inp:9: there is no instance J"},
-      {"*INSTANCE, NAME=I, PART=P\n*NODE\n2\n*END INSTANCE\n*END ASSEMBLY\n",
-       "model.inp:6: instance I has nodes of its own, but its part has nodes too"},
-      {"*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*INSTANCE, NAME=I, PART=P\n",
-       "model.inp:8: instance I is defined twice"}};
+  const BadDeck rows[] = {// after a part and the start of the assembly, five lines
+                          {"*END ASSEMBLY\n", "6: the deck has parts but no *INSTANCE"},
+                          {"*INSTANCE, NAME=I, PART=Q\n", "6: there is no part Q"},
+                          {"*INSTANCE, NAME=I, PART=P\n1,2,3,4,5\n",
+                           "7: the rotation of an instance needs seven numbers"},
+                          {"*INSTANCE, NAME=I, PART=P\n1,2,3,1,2,3,90\n",
+                           "7: the two points of a rotation axis are the same"},
+                          {"*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*NSET, NSET=N\nJ.1\n",
+                           "9: there is no instance J"},
+                          {"*INSTANCE, NAME=I, PART=P\n*NODE\n2\n*END INSTANCE\n*END ASSEMBLY\n",
+                           "6: instance I has nodes of its own, but its part has nodes too"},
+                          {"*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*INSTANCE, NAME=I, PART=P\n",
+                           "8: instance I is defined twice"}};
   const std::string part = "*PART, NAME=P\n*NODE\n1\n*END PART\n*ASSEMBLY, NAME=A\n";
-  for (const BadDeck& row : rows) EXPECT_EQ(row.expected, refusal(part + row.text));
+  for (const BadDeck& row : rows) {
+    EXPECT_EQ(std::string("model.inp:") + row.expected, refusal(part + row.text));
+  }
 }
 
 TEST_F(DeckTest, IncludesInACircleAndIncludeBombsEnd) {

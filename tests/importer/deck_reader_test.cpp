@@ -121,14 +121,12 @@ TEST_F(DeckTest, AnalyticSurfacesHaveAProfileAndALocalSystem) {
   const Deck deck = read(
       "*SURFACE, TYPE=CYLINDER, NAME=ROLL, FILLET RADIUS=0.5\n1,2,3,4,5,6\n7,8,9\n"
       "START, 0., 1.\nCIRCL, 2., 3., 0., 0.\nLINE, 5, 5\n");
-  ASSERT_EQ(1U, mesh(deck).analyticSurfaces.size());
-  const AnalyticSurface& roll = mesh(deck).analyticSurfaces[0];
+  const AnalyticSurface& roll = mesh(deck).analyticSurfaces.at(0);
   EXPECT_EQ("CYLINDER", roll.type);
   EXPECT_EQ(0.5, roll.filletRadius);
-  ASSERT_EQ(3U, roll.localPoints.size());
-  EXPECT_EQ(9, roll.localPoints[2][2]);
-  ASSERT_EQ(3U, roll.segments.size());
-  EXPECT_EQ((std::vector<float>{2, 3, 0, 0}), roll.segments[1].values);
+  EXPECT_EQ(9, roll.localPoints.at(2)[2]);
+  EXPECT_EQ((std::vector<float>{2, 3, 0, 0}), roll.segments.at(1).values);
+  EXPECT_EQ(3U, roll.segments.size());
 }
 
 TEST_F(DeckTest, WhatStandsOutsideOfPartsIsNoPart) {

@@ -16,6 +16,8 @@
 
 namespace odbs::importer {
 
+using Ints = std::vector<int>;
+
 class ImportTest : public ::testing::Test {
  protected:
   ~ImportTest() override {
@@ -39,20 +41,20 @@ class ImportTest : public ::testing::Test {
 };
 
 template <class Sequence>
-std::vector<int> labelsOf(const Sequence& members) {
-  std::vector<int> labels;
+Ints labelsOf(const Sequence& members) {
+  Ints labels;
   for (int i = 0; i < members.size(); ++i) labels.push_back(members[i].label());
   return labels;
 }
 
-inline std::vector<int> connectivityOf(const odb_Element& element) {
+inline Ints connectivityOf(const odb_Element& element) {
   int n = 0;
   const int* const nodes = element.connectivity(n);
-  return std::vector<int>(nodes, nodes + n);
+  return {nodes, nodes + n};
 }
 
-inline std::vector<int> facesOf(const odb_Set& surface) {
-  std::vector<int> faces;
+inline Ints facesOf(const odb_Set& surface) {
+  Ints faces;
   for (int i = 0; i < surface.faces().size(); ++i) faces.push_back(surface.faces()[i]);
   return faces;
 }

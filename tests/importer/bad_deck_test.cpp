@@ -19,7 +19,6 @@ void PrintTo(const BadDeck& bad, std::ostream* out) {
 const BadDeck kBadDecks[] = {
     {"*NODE\n1x,0,0\n", "13: \"1x\" is not a whole number"},
     {"*NODE\n-1,0,0\n", "13: label -1 is not between"},
-    {"*NODE\n0,0,0\n", "13: label 0 is not between"},
     {"*NODE\n99999999999,0,0\n", "13: label 99999999999 is not between"},
     {"*NODE\n9,0,zero\n", "13: \"zero\" is not a number"},
     {"*NODE\n9,nan,0\n", "13: a coordinate is not a finite number"},
@@ -43,7 +42,6 @@ const BadDeck kBadDecks[] = {
     {"*NSET, NSET=A\nB\n", "13: there is no set B so far"},
     {"*NSET, NSET=A, GENERATE\n5,1,1\n", "13: the last label of GENERATE is below"},
     {"*NSET, NSET=A, GENERATE\n1,5,-1\n", "13: the increment of GENERATE is negative"},
-    {"*NSET, NSET=A, GENERATE\n1,5000000000\n", "13: label 5000000000 is not between"},
     {"*SURFACE, NAME=S\nNONE, S1\n", "13: surface S names the set NONE, which is not"},
     {"*SURFACE, TYPE=BLOB, NAME=S\n", "12: unknown surface type BLOB"},
     {"*SURFACE, TYPE=SEGMENTS, NAME=S\nLINE,1,1\n", "13: the profile must begin with one START"},
@@ -54,7 +52,6 @@ const BadDeck kBadDecks[] = {
     {"*SHELL SECTION, ELSET=EALL\n1., -3\n", "13: a section cannot have -3 section points"},
     {"*ELASTIC\n1,2\n", "12: *ELASTIC without a *MATERIAL before it"},
     {"*MATERIAL, NAME=M\n*ELASTIC, TYPE=ODD\n1\n", "13: unknown type of elasticity ODD"},
-    {"*MATERIAL, NAME=M\n*ELASTIC\n1, two\n", "14: \"two\" is not a number"},
     {"*RIGID BODY, ELSET=EALL\n", "12: *RIGID BODY without the parameter REFNODE"},
     {"*RIGID BODY, REF NODE=99\n", "12: the rigid body names the node 99"},
     {"*RIGID BODY, REF NODE=1, ELSET=X\n", "12: the rigid body names the set X"},

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Reading decks: syntax, mesh, sets, surfaces, sections, materials, structure, steps.
+#include <tuple>
+
 #include "tests/importer/deck_files.h"
 
 namespace odbs::importer {
@@ -170,13 +172,7 @@ TEST_F(DeckTest, SetsOfTheAssemblyGatherNodesOfInstancesAndItsOwn) {
 }
 
 TEST_F(DeckTest, StepsKnowProcedureDomainAndPeriod) {
-  struct Row {
-    const char* text;
-    const char* procedure;
-    Domain domain;
-    double period;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, const char*, Domain, double> rows[] = {
       {"*STEP, NLGEOM\n*STATIC\n.1, 2.5\n", "*STATIC", Domain::time, 2.5},
       {"*STEP\n*STATIC\n", "*STATIC", Domain::time, 1},
       {"*STEP, PERTURBATION\n*STATIC\n", "*STATIC", Domain::time, 0},
@@ -188,12 +184,12 @@ TEST_F(DeckTest, StepsKnowProcedureDomainAndPeriod) {
       {"*STEP\n*DYNAMIC, EXPLICIT\n, .02\n", "*DYNAMIC, EXPLICIT", Domain::time, 0.02},
       {"*STEP\n*HEAT TRANSFER\n1., 30.\n", "*HEAT TRANSFER", Domain::time, 30},
   };
-  for (const Row& row : rows) {
-    const Deck deck = read(kCube + row.text + "*CLOAD\n1,1,1.\n*END STEP\n");
-    ASSERT_EQ(1U, deck.steps.size()) << row.text;
-    EXPECT_EQ(row.procedure, deck.steps[0].procedure);
-    EXPECT_EQ(row.domain, deck.steps[0].domain) << row.text;
-    EXPECT_DOUBLE_EQ(row.period, deck.steps[0].timePeriod) << row.text;
+  for (const auto& [text, procedure, domain, period] : rows) {
+    const Deck deck = read(kCube + text + "*CLOAD\n1,1,1.\n*END STEP\n");
+    ASSERT_EQ(1U, deck.steps.size()) << text;
+    EXPECT_EQ(procedure, deck.steps[0].procedure);
+    EXPECT_EQ(domain, deck.steps[0].domain) << text;
+    EXPECT_DOUBLE_EQ(period, deck.steps[0].timePeriod) << text;
   }
 }
 

@@ -2,6 +2,7 @@
 // What an imported deck looks like through the API.
 #include <cmath>
 #include <sstream>
+#include <tuple>
 
 #include "base/text.h"
 #include "tests/importer/imported.h"
@@ -107,19 +108,15 @@ TEST_F(ImportTest, MaterialsArriveWithAllTheirTables) {
   EXPECT_FALSE(m.acousticMedium().hasValue());
   EXPECT_TRUE(api.materials()["AIR"].acousticMedium().hasValue());
   EXPECT_FALSE(api.materials()["AIR"].elastic().hasValue());
-  struct Row {
-    const char *name, *type;
-    int nRows, nColumns;
-    double last;
-  };
-  for (const Row& row : {Row{"M", "ISOTROPIC", 2, 3, 400}, Row{"C", "ANISOTROPIC", 1, 22, 100},
-                         Row{"B", "ENGINEERING_CONSTANTS", 1, 9, 9}}) {
-    const odb_Elastic& elastic = api.materials()[row.name].elastic();
-    EXPECT_STREQ(row.type, elastic.type().CStr());
-    ASSERT_EQ(row.nRows, elastic.table().size()) << row.name;
-    ASSERT_EQ(row.nColumns, elastic.table()[0].size()) << row.name;
-    EXPECT_EQ(row.last, elastic.table()[row.nRows - 1][row.nColumns - 1]) << row.name;
-    EXPECT_EQ(row.nColumns != 9, elastic.temperatureDependency()) << row.name;
+  for (const auto& [name, type, nRows, nColumns, last] :
+       {std::tuple{"M", "ISOTROPIC", 2, 3, 400.}, std::tuple{"C", "ANISOTROPIC", 1, 22, 100.},
+        std::tuple{"B", "ENGINEERING_CONSTANTS", 1, 9, 9.}}) {
+    const odb_Elastic& elastic = api.materials()[name].elastic();
+    EXPECT_STREQ(type, elastic.type().CStr());
+    ASSERT_EQ(nRows, elastic.table().size()) << name;
+    ASSERT_EQ(nColumns, elastic.table()[0].size()) << name;
+    EXPECT_EQ(last, elastic.table()[nRows - 1][nColumns - 1]) << name;
+    EXPECT_EQ(nColumns != 9, elastic.temperatureDependency()) << name;
   }
   EXPECT_EQ(7, api.materials()["B"].elastic().failStress().table()[0][6]);
   EXPECT_EQ(5, api.materials()["B"].elastic().failStrain().table()[0][4]);
@@ -186,14 +183,11 @@ TEST_F(ImportTest, FreeSurfacesLeaveFacesBetweenElementsOut) {
 
 TEST_F(ImportTest, PlaneAndAxisymmetricDecksHaveTheirSpace) {
   const std::string nodes = "*NODE\n1,0,0\n2,1,0\n3,1,1\n4,0,1\n";
-  struct Row {
-    const char* type;
-    odb_Enum::odb_DimensionEnum space;
-  };
-  for (const Row& row : {Row{"CPS4", odb_Enum::TWO_D_PLANAR}, Row{"CPE4R", odb_Enum::TWO_D_PLANAR},
-                         Row{"CAX4", odb_Enum::AXISYMMETRIC}, Row{"S4", odb_Enum::THREE_D}}) {
-    import(nodes + "*ELEMENT, TYPE=" + row.type + "\n1,1,2,3,4\n");
-    EXPECT_EQ(row.space, instance("PART-1-1").embeddedSpace()) << row.type;
+  for (const auto& [type, space] :
+       {std::pair{"CPS4", odb_Enum::TWO_D_PLANAR}, std::pair{"CPE4R", odb_Enum::TWO_D_PLANAR},
+        std::pair{"CAX4", odb_Enum::AXISYMMETRIC}, std::pair{"S4", odb_Enum::THREE_D}}) {
+    import(nodes + "*ELEMENT, TYPE=" + type + "\n1,1,2,3,4\n");
+    EXPECT_EQ(space, instance("PART-1-1").embeddedSpace()) << type;
   }
   import(nodes + "5,0,0,1\n*ELEMENT, TYPE=CPS4\n1,1,2,3,4\n");
   EXPECT_EQ(odb_Enum::THREE_D, instance("PART-1-1").embeddedSpace()) << "z is not lost";

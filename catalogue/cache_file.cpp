@@ -348,6 +348,10 @@ void CacheWriter::entry(const CatalogueEntry& entry, CatalogueListing listing) {
   out.text(entry.frameDescription);
 }
 
+void CacheWriter::abandon() {
+  if (stream_) stream_->isWhole = false;
+}
+
 void CacheWriter::finish() {
   if (!stream_) return;
   bool isWhole = stream_->complete();

@@ -57,6 +57,8 @@ class CacheWriter {
   // frame index; domain; mode; frame value; frequency; complex flag; the classification; frame
   // description.
   void entry(const CatalogueEntry& entry, CatalogueListing listing);
+  // Nothing is kept: what was written until now and what follows.
+  void abandon();
   // Removes the lock, closes the stream and gives the file its name; deletes it when it could not
   // be written whole or named.
   void finish();

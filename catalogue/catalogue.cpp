@@ -71,6 +71,8 @@ class ListingWalk {
   }
 
   Descriptors coveredBy(const DescriptorList& list) const {
+    // A field that could not be read today may be read tomorrow, by a server that starts then.
+    if (!list.isWhole) cache_.abandon();
     Descriptors result;
     for (const FieldDescriptor& d : list.fields) {
       if (selectorOf(d, listing_) != 0) result.push_back(&d);

@@ -124,6 +124,7 @@ DescriptorList describeFrame(const odb_Frame& frame) {
     } catch (const sdk::ApiError&) {
       // Contract: what cannot be classified is not listed, and the walk goes on. Lists are kept for
       // good, so nothing else may take a field out of one.
+      list.isWhole = false;
     }
   }
   return list;
@@ -137,7 +138,9 @@ class DescriptorMemo {
     const auto place = lists_.find({stepNumber, frameIndex});
     if (place != lists_.end()) return *place->second;
     auto fresh = std::make_shared<const DescriptorList>(describeFrame(frame));
-    if (latest_ && latest_->fields == fresh->fields) fresh = latest_;
+    if (latest_ && latest_->isWhole == fresh->isWhole && latest_->fields == fresh->fields) {
+      fresh = latest_;
+    }
     latest_ = fresh;
     return *lists_.emplace(std::make_pair(stepNumber, frameIndex), fresh).first->second;
   }

@@ -33,6 +33,7 @@ struct FieldDescriptor {
 struct DescriptorList {
   std::vector<FieldDescriptor> fields;
   bool hasStatus = false;  // one of the names is "STATUS"
+  bool isWhole = true;     // no field output had to be left out
 };
 
 // Classifies one field output under its repository key. Throws what the database library throws.

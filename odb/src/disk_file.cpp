@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstring>
 #include <functional>
-#include <new>
 
 namespace odbs::engine {
 
@@ -15,27 +14,20 @@ namespace {
 
 constexpr int kCutShort = -1;
 
-// What HDF5 holds of an open file; HDF5's own part comes first.
-struct Handle {
-  H5FD_t base;
-  DiskFile* disk;
-  haddr_t endOfAllocation;
-};
+using Handle = DiskFile::Handle;
 
-DiskFile& diskOf(const H5FD_t* file) {
-  return *reinterpret_cast<const Handle*>(file)->disk;
+// Null for a file that HDF5 failed to close.
+DiskFile* diskOf(const H5FD_t* file) {
+  return reinterpret_cast<const Handle*>(file)->disk;
 }
 
 H5FD_t* openHandle(const char*, unsigned, hid_t accessList, haddr_t) {
   const auto* const disk = static_cast<DiskFile* const*>(H5Pget_driver_info(accessList));
-  Handle* const handle = disk ? new (std::nothrow) Handle() : nullptr;
-  if (!handle) return nullptr;
-  handle->disk = *disk;
-  return &handle->base;
+  return disk ? &(*disk)->newHandle().base : nullptr;
 }
 
 herr_t closeHandle(H5FD_t* file) {
-  delete reinterpret_cast<Handle*>(file);
+  reinterpret_cast<Handle*>(file)->disk = nullptr;
   return 0;
 }
 
@@ -49,7 +41,7 @@ int compareHandles(const H5FD_t* a, const H5FD_t* b) {
 herr_t queryFeatures(const H5FD_t* file, unsigned long* features) {
   *features = H5FD_FEAT_AGGREGATE_METADATA | H5FD_FEAT_AGGREGATE_SMALLDATA |
               H5FD_FEAT_DEFAULT_VFD_COMPATIBLE;
-  if (file && !diskOf(file).isWritable()) {
+  if (file && !diskOf(file)->isWritable()) {
     *features |= H5FD_FEAT_DATA_SIEVE | H5FD_FEAT_ACCUMULATE_METADATA;
   }
   return 0;
@@ -65,21 +57,21 @@ herr_t setEndOfAllocation(H5FD_t* file, H5FD_mem_t, haddr_t end) {
 }
 
 haddr_t endOfFile(const H5FD_t* file, H5FD_mem_t) {
-  return static_cast<haddr_t>(diskOf(file).end());
+  return diskOf(file) ? static_cast<haddr_t>(diskOf(file)->end()) : 0;
 }
 
 herr_t readHandle(H5FD_t* file, H5FD_mem_t, hid_t, haddr_t place, std::size_t size, void* to) {
-  return diskOf(file).read(static_cast<std::int64_t>(place), size, to) ? 0 : -1;
+  return diskOf(file) && diskOf(file)->read(static_cast<std::int64_t>(place), size, to) ? 0 : -1;
 }
 
 herr_t writeHandle(H5FD_t* file, H5FD_mem_t, hid_t, haddr_t place, std::size_t size,
                    const void* from) {
-  return diskOf(file).write(static_cast<std::int64_t>(place), size, from) ? 0 : -1;
+  return diskOf(file) && diskOf(file)->write(static_cast<std::int64_t>(place), size, from) ? 0 : -1;
 }
 
 herr_t truncateHandle(H5FD_t* file, hid_t, hbool_t) {
   const haddr_t end = reinterpret_cast<Handle*>(file)->endOfAllocation;
-  return diskOf(file).setEnd(static_cast<std::int64_t>(end)) ? 0 : -1;
+  return diskOf(file) && diskOf(file)->setEnd(static_cast<std::int64_t>(end)) ? 0 : -1;
 }
 
 hid_t driver() {
@@ -108,16 +100,23 @@ hid_t driver() {
 
 }  // namespace
 
-DiskFile::DiskFile(int fd, bool writable)
-    : fd_(fd), writable_(writable), atOpening_(port::descriptorStatus(fd)) {
+void DiskFile::take(int fd) {
+  fd_ = fd;
+  atOpening_ = port::descriptorStatus(fd);
   end_ = atOpening_.size;
 }
 
 DiskFile::~DiskFile() {
-  port::closeDescriptor(fd_);
+  // After some failures HDF5 loses a file without closing it, and still looks at its handle.
+  if (handle_->disk) {
+    handle_->disk = nullptr;
+    static_cast<void>(handle_.release());
+  }
+  if (fd_ >= 0) port::closeDescriptor(fd_);
 }
 
 std::unique_ptr<DiskFile> DiskFile::openForReading(const std::string& path) {
+  std::unique_ptr<DiskFile> file(new DiskFile(false));
   const int fd = port::openExisting(path, false);
   if (fd < 0) {
     const char* const reason = errno == ENOENT   ? "no such file"
@@ -125,24 +124,35 @@ std::unique_ptr<DiskFile> DiskFile::openForReading(const std::string& path) {
                                                  : std::strerror(errno);
     engine::fail(odb_ERROR_CANNOT_OPEN, "cannot open " + path + ": " + reason);
   }
-  return std::unique_ptr<DiskFile>(new DiskFile(fd, false));
+  file->take(fd);
+  return file;
 }
 
 std::unique_ptr<DiskFile> DiskFile::openForWriting(const std::string& path) {
+  std::unique_ptr<DiskFile> file(new DiskFile(true));
   const int fd = port::openExisting(path, true);
   if (fd < 0) {
     engine::fail(odb_ERROR_CANNOT_WRITE, "cannot write " + path + ": " + std::strerror(errno));
   }
-  return std::unique_ptr<DiskFile>(new DiskFile(fd, true));
+  file->take(fd);
+  return file;
 }
 
 std::unique_ptr<DiskFile> DiskFile::createNew(const std::string& path, const std::string& shown) {
+  std::unique_ptr<DiskFile> file(new DiskFile(true));
   const int fd = port::openNew(path);
   if (fd < 0 && errno == EEXIST) return nullptr;
   if (fd < 0) {
     engine::fail(odb_ERROR_CANNOT_WRITE, "cannot write " + shown + ": " + std::strerror(errno));
   }
-  return std::unique_ptr<DiskFile>(new DiskFile(fd, true));
+  file->take(fd);
+  return file;
+}
+
+DiskFile::Handle& DiskFile::newHandle() {
+  *handle_ = Handle();
+  handle_->disk = this;
+  return *handle_;
 }
 
 int DiskFile::setDriver(hid_t accessList) {

@@ -40,7 +40,14 @@ class DiskFile {
   // Makes what was written durable.
   void sync();
 
-  // For the driver.
+  // For the driver. What HDF5 holds of the open file, its own part first; made ahead so that
+  // opening allocates nothing.
+  struct Handle {
+    H5FD_t base{};
+    DiskFile* disk = nullptr;  // null while HDF5 has it closed
+    haddr_t endOfAllocation = 0;
+  };
+  Handle& newHandle();
   bool isWritable() const { return writable_; }
   std::int64_t end() const { return end_; }
   bool read(std::int64_t place, std::size_t size, void* to);
@@ -48,13 +55,15 @@ class DiskFile {
   bool setEnd(std::int64_t end);
 
  private:
-  DiskFile(int fd, bool writable);
+  explicit DiskFile(bool writable) : writable_(writable) {}
+  void take(int fd);
   bool failed() const { return error_ != 0; }
   bool fail(int error);
 
-  int fd_;
+  int fd_ = -1;
   bool writable_;
-  std::int64_t end_;
+  std::int64_t end_ = 0;
+  std::unique_ptr<Handle> handle_ = std::make_unique<Handle>();
   port::FileStatus atOpening_;
   int error_ = 0;  // an errno, or kCutShort
 };

@@ -175,13 +175,12 @@ Hdf5File Hdf5File::openForReading(const std::string& path) {
 std::unique_ptr<Hdf5File> Hdf5File::createNew(const std::string& path, const std::string& shown) {
   std::unique_ptr<DiskFile> disk = DiskFile::createNew(path, shown);
   if (!disk) return nullptr;
+  port::UnfinishedFile unfinished(path);
   std::unique_ptr<Hdf5File> file(new Hdf5File(std::move(disk), shown));
   const Hid access = accessList(*file->disk_);
   file->file_ = Hid(H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access.get()), H5Fclose);
-  if (!file->file_.valid()) {
-    port::removeFile(path);
-    file->failCall("H5Fcreate", "/");
-  }
+  if (!file->file_.valid()) file->failCall("H5Fcreate", "/");
+  unfinished.keep();
   return file;
 }
 

@@ -7,7 +7,24 @@ namespace {
 
 constexpr int kMaterialTag = 0x11;
 
-class Materials : public ModelTest {};
+class Materials : public ModelTest {
+ protected:
+  // A record without density: the elastic type, then what follows it, then no acoustic medium.
+  static std::string elastic(const char* material, const char* type,
+                             const std::vector<float>& values, const std::string& failures = {}) {
+    Payload record(kMaterialTag);
+    record.text(material).f32(0).text(type);
+    for (const float value : values) record.f32(value);
+    return record.raw(failures).i32(-1).i32(0);
+  }
+  // One table of failure data.
+  static std::string failure(int kind, const std::vector<float>& values) {
+    Payload table(0);
+    table.i32(kind);
+    for (const float value : values) table.f32(value);
+    return std::string(table).substr(1);
+  }
+};
 
 TEST_F(Materials, AMaterialWithoutBehaviourIsItsName) {
   materials_.Material("BARE");
@@ -24,15 +41,7 @@ TEST_F(Materials, DensityAloneLeavesTheElasticTypeEmpty) {
 
 TEST_F(Materials, IsotropicElasticityIsFilledUpWithZeros) {
   materials_.Material("STEEL").Elastic(doubleRows({{210000, 0.3}}));
-  EXPECT_EQ((Records{Payload(0x11)
-                         .text("STEEL")
-                         .f32(0)
-                         .text("ISOTROPIC")
-                         .f32(210000)
-                         .f32(0.3F)
-                         .zeros(4)
-                         .i32(-1)
-                         .i32(0)}),
+  EXPECT_EQ((Records{elastic("STEEL", "ISOTROPIC", {210000, 0.3F, 0, 0, 0, 0})}),
             streamed(kMaterialTag));
 }
 
@@ -40,18 +49,7 @@ TEST_F(Materials, SixElasticValuesOfTheFirstRowAreSent) {
   materials_.Material("M").Elastic(
       doubleRows({{1, 2, 3, 4, 5, 6, 7, 8, 9}, {10, 20, 30, 40, 50, 60, 70, 80, 90}}),
       "ENGINEERING_CONSTANTS");
-  EXPECT_EQ((Records{Payload(0x11)
-                         .text("M")
-                         .f32(0)
-                         .text("ENGINEERING_CONSTANTS")
-                         .f32(1)
-                         .f32(2)
-                         .f32(3)
-                         .f32(4)
-                         .f32(5)
-                         .f32(6)
-                         .i32(-1)
-                         .i32(0)}),
+  EXPECT_EQ((Records{elastic("M", "ENGINEERING_CONSTANTS", {1, 2, 3, 4, 5, 6})}),
             streamed(kMaterialTag));
 }
 
@@ -68,30 +66,9 @@ TEST_F(Materials, FailureDataListsStrainBeforeStress) {
   material.Elastic(doubleRows({{1, 2, 3, 4, 5, 6}}), "LAMINA");
   material.elastic().FailStress(doubleRows({{10, 20, 30, 40, 50, 0.5, 60, 99}}));
   material.elastic().FailStrain(doubleRows({{0.25, 0.5}}));
-  EXPECT_EQ((Records{Payload(0x11)
-                         .text("M")
-                         .f32(0)
-                         .text("LAMINA")
-                         .f32(1)
-                         .f32(2)
-                         .f32(3)
-                         .f32(4)
-                         .f32(5)
-                         .f32(6)
-                         .i32(0)
-                         .f32(0.25F)
-                         .f32(0.5F)
-                         .zeros(3)
-                         .i32(1)
-                         .f32(10)
-                         .f32(20)
-                         .f32(30)
-                         .f32(40)
-                         .f32(50)
-                         .f32(0.5F)
-                         .f32(60)
-                         .i32(-1)
-                         .i32(0)}),
+  EXPECT_EQ((Records{elastic(
+                "M", "LAMINA", {1, 2, 3, 4, 5, 6},
+                failure(0, {0.25F, 0.5F, 0, 0, 0}) + failure(1, {10, 20, 30, 40, 50, 0.5F, 60}))}),
             streamed(kMaterialTag));
 }
 

@@ -65,48 +65,29 @@ TEST_F(Sections, AHomogeneousSolidSendsItsMaterial) {
             sentFor(sections_.HomogeneousSolidSection("Section-1-STEEL", "STEEL", 1.0)));
 }
 
-TEST_F(Sections, ANameThatIsOnlyThePrefixIsKept) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("Section-").i32(-6).text("STEEL").i32(0)}),
-            sentFor(sections_.HomogeneousSolidSection("Section-", "STEEL", 1.0)));
-}
-
-TEST_F(Sections, AHomogeneousShellSendsThicknessBeforeMaterial) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(-5).f32(0.25F).text("STEEL").i32(0)}),
-            sentFor(sections_.HomogeneousShellSection("A", 0.25, "STEEL")));
-}
-
-TEST_F(Sections, APointSendsItsMass) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(-4).f32(2.5F).i32(0)}),
-            sentFor(sections_.PointSection("A", 2.5)));
-}
-
-TEST_F(Sections, ATrussHasItsCode) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(-7).text("STEEL").i32(0)}),
-            sentFor(sections_.TrussSection("A", "STEEL")));
-}
-
-TEST_F(Sections, APegHasItsCode) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(-8).text("STEEL").i32(0)}),
-            sentFor(sections_.PEGSection("A", "STEEL")));
-}
-
-TEST_F(Sections, AMembraneHasItsCode) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(-9).text("STEEL").i32(0)}),
-            sentFor(sections_.MembraneSection("A", "STEEL")));
-}
-
-TEST_F(Sections, AGasketHasItsCode) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(-10).text("STEEL").i32(0)}),
-            sentFor(sections_.GasketSection("A", "STEEL")));
-}
-
-TEST_F(Sections, ACohesiveHasItsCode) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(-11).text("STEEL").i32(0)}),
-            sentFor(sections_.CohesiveSection("A", "STEEL")));
-}
-
-TEST_F(Sections, AKindWithoutACodeSendsZero) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("A").i32(0)}), sentFor(sections_.BeamSection("A")));
+TEST_F(Sections, EachKindHasItsCodeAndData) {
+  odb_Part& bar = bars("BAR", 10, "truss");
+  odb_Instance& instance = this->instance("A", bar);
+  Records expected;
+  const auto add = [&](const odb_Section& section, const Payload& data) {
+    assign(instance, ("E" + std::to_string(expected.size() + 1)).c_str(), section);
+    expected.push_back(Payload('$')
+                           .i32(static_cast<int>(expected.size()) + 1)
+                           .text(section.name().CStr())
+                           .raw(std::string(data).substr(1)));
+  };
+  const auto made = [](int code) { return Payload(0).i32(code).text("STEEL").i32(0); };
+  add(sections_.HomogeneousShellSection("A", 0.25, "STEEL"),
+      Payload(0).i32(-5).f32(0.25F).text("STEEL").i32(0));
+  add(sections_.PointSection("B", 2.5), Payload(0).i32(-4).f32(2.5F).i32(0));
+  add(sections_.TrussSection("C", "STEEL"), made(-7));
+  add(sections_.PEGSection("D", "STEEL"), made(-8));
+  add(sections_.MembraneSection("E", "STEEL"), made(-9));
+  add(sections_.GasketSection("F", "STEEL"), made(-10));
+  add(sections_.CohesiveSection("G", "STEEL"), made(-11));
+  add(sections_.BeamSection("H"), Payload(0).i32(0));
+  add(sections_.HomogeneousSolidSection("Section-", "STEEL", 1.0), made(-6));
+  EXPECT_EQ(expected, streamed(kSectionTag)) << "a name that is only the prefix is kept";
 }
 
 TEST_F(Sections, TextsThatARecordCannotHoldAreCutAndTheRestFollows) {
@@ -238,6 +219,21 @@ class Composites : public Sections {
     return layers;
   }
 
+  struct Layer {
+    const char* material;
+    float thickness, angle;
+  };
+  static constexpr Layer kGlass{"GLASS", 0.1F, 30}, kFoam{"FOAM", 0.2F, 45},
+      kCarbon{"CARBON", 0.4F, 0};
+  // The start of a record with `n` runs, and one run.
+  static std::string list(int n) { return Payload('$').i32(1).text("C").i32(n); }
+  static std::string run(int layer, int nPoints, const Layer& described) {
+    Payload run(0);
+    run.i32(layer).i32(nPoints).text(described.material).i32(0);
+    run.f32(described.thickness).f32(described.angle);
+    return std::string(run).substr(1);
+  }
+
   // The record for section "Section-C" with the section points' descriptions in its category.
   Records sentWithPoints(const std::vector<const char*>& descriptions, bool asSolid = false) {
     odb_SectionCategory& category = odb_->SectionCategory("shell < elset = C >", "");
@@ -249,89 +245,28 @@ class Composites : public Sections {
 };
 
 TEST_F(Composites, EachRunButTheLastDescribesTheLayerAfterIt) {
-  EXPECT_EQ((Records{Payload('$')
-                         .i32(1)
-                         .text("C")
-                         .i32(3)  //
-                         .i32(1)
-                         .i32(2)
-                         .text("FOAM")
-                         .i32(0)
-                         .f32(0.2F)
-                         .f32(45)  //
-                         .i32(2)
-                         .i32(1)
-                         .text("CARBON")
-                         .i32(0)
-                         .f32(0.4F)
-                         .f32(0)  //
-                         .i32(3)
-                         .i32(2)
-                         .text("CARBON")
-                         .i32(0)
-                         .f32(0.4F)
-                         .f32(0)}),
+  EXPECT_EQ((Records{list(3) + run(1, 2, kFoam) + run(2, 1, kCarbon) + run(3, 2, kCarbon)}),
             sentWithPoints({"fraction = -1.0, Layer = 1", "fraction = 1.0, Layer = 1", "Layer =2",
                             "Layer = 3", "Layer = 3 (top)"}));
 }
 
 TEST_F(Composites, ALayerThatComesBackIsARunOfItsOwn) {
-  EXPECT_EQ((Records{Payload('$')
-                         .i32(1)
-                         .text("C")
-                         .i32(3)  //
-                         .i32(2)
-                         .i32(1)
-                         .text("GLASS")
-                         .i32(0)
-                         .f32(0.1F)
-                         .f32(30)  //
-                         .i32(1)
-                         .i32(1)
-                         .text("FOAM")
-                         .i32(0)
-                         .f32(0.2F)
-                         .f32(45)  //
-                         .i32(2)
-                         .i32(1)
-                         .text("FOAM")
-                         .i32(0)
-                         .f32(0.2F)
-                         .f32(45)}),
+  EXPECT_EQ((Records{list(3) + run(2, 1, kGlass) + run(1, 1, kFoam) + run(2, 1, kFoam)}),
             sentWithPoints({"Layer = 2", "Layer = 1", "Layer = 2"}));
 }
 
 TEST_F(Composites, PointsOfNoLayerAreIgnored) {
-  EXPECT_EQ((Records{Payload('$')
-                         .i32(1)
-                         .text("C")
-                         .i32(1)  //
-                         .i32(2)
-                         .i32(2)
-                         .text("FOAM")
-                         .i32(0)
-                         .f32(0.2F)
-                         .f32(45)}),
+  EXPECT_EQ((Records{list(1) + run(2, 2, kFoam)}),
             sentWithPoints({"bottom", "Layer = 2", "Layer = 0", "Layer = 4", "Layer = x",
                             "layer = 1", "Layer = 2"}));
 }
 
 TEST_F(Composites, SolidsSendTheSameList) {
-  EXPECT_EQ((Records{Payload('$')
-                         .i32(1)
-                         .text("C")
-                         .i32(1)  //
-                         .i32(1)
-                         .i32(1)
-                         .text("GLASS")
-                         .i32(0)
-                         .f32(0.1F)
-                         .f32(30)}),
-            sentWithPoints({"Layer = 1"}, true));
+  EXPECT_EQ((Records{list(1) + run(1, 1, kGlass)}), sentWithPoints({"Layer = 1"}, true));
 }
 
 TEST_F(Composites, ACategoryWithoutPointsGivesAnEmptyList) {
-  EXPECT_EQ((Records{Payload('$').i32(1).text("C").i32(0)}), sentWithPoints({}));
+  EXPECT_EQ((Records{list(0)}), sentWithPoints({}));
 }
 
 TEST_F(Composites, ASectionThatNoCategoryLeadsToGivesAnEmptyList) {

@@ -41,6 +41,14 @@ TEST_F(LineStream, TakesTheRestOfA5000ByteLineAsTheNextCommand) {
                ack(1) + " " + hexOf(server.pingReply()));
 }
 
+// The feed that belongs to a line cut at 4095 bytes is an empty line; one of 4094 bytes fits whole.
+TEST_F(LineStream, CutsALineAt4095BytesAndTrimsTheLastOfThem) {
+  expectAnswer(std::string(4095, 'x') + "\nx\n", ack(3));
+  expectAnswer(std::string(4094, 'x') + "\nx\n", ack(2));
+  expectAnswer("p" + std::string(4093, 'a') + "Zp\n",
+               hexOf(server.pingReply() + server.pingReply()));
+}
+
 TEST_F(LineStream, DoesNotSeeACommandBehindItsCarriageReturn) {
   expectAnswer("\rp\n", ack(1));
   expectAnswer("p\r\n", hexOf(server.pingReply()));
@@ -48,12 +56,8 @@ TEST_F(LineStream, DoesNotSeeACommandBehindItsCarriageReturn) {
 
 TEST_F(LineStream, AnswersNulsAndEmptyLinesWithAcknowledgements) {
   expectAnswer(std::string("\0p\n\n\0\0\n", 7), ack(3));
-}
-
-// The character before the first NUL is trimmed, so "pv\0" is a ping and "p\0" is empty.
-TEST_F(LineStream, TrimsTheCharacterBeforeANul) {
-  expectAnswer(std::string("pv\0v\n", 5), hexOf(server.pingReply()));
-  expectAnswer(std::string("p\0v\n", 4), ack(1));
+  // The character before the first NUL is trimmed, so "pv\0" is a ping and "p\0" is empty.
+  expectAnswer(std::string("pv\0v\np\0v\n", 9), hexOf(server.pingReply()) + " " + ack(1));
 }
 
 TEST_F(LineStream, SurvivesBytesOfEveryValue) {

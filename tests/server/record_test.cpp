@@ -55,8 +55,9 @@ TEST_F(Records, AreFramedAndPackedBackToBack) {
 TEST_F(Records, StayInTheBufferUntilItIsFlushed) {
   sendMarker(fd_);
   sendNameRecord(fd_, "N1");
+  sendNameRecord(fd_, "");
   EXPECT_EQ(written(), "");
-  EXPECT_EQ(hexOf(flushed()), "01 00 49 07 00 48 02 00 00 00 4e 31");
+  EXPECT_EQ(hexOf(flushed()), "01 00 49 07 00 48 02 00 00 00 4e 31 05 00 48 00 00 00 00");
   EXPECT_EQ(outputBuffer.fill, 0u);
 }
 
@@ -64,11 +65,6 @@ TEST_F(Records, DirectRecordsAreWrittenAtOnce) {
   sendMessage(fd_, "hi");
   sendAck(fd_);
   EXPECT_EQ(hexOf(written()), "07 00 7c 02 00 00 00 68 69 01 00 7e");
-}
-
-TEST_F(Records, AnEmptyNameIsFivePayloadBytes) {
-  sendNameRecord(fd_, "");
-  EXPECT_EQ(hexOf(flushed()), "05 00 48 00 00 00 00");
 }
 
 TEST_F(Records, ANameIsCutAt10235Bytes) {
@@ -125,9 +121,22 @@ TEST_F(Records, AReservedRecordObeysTheSameRule) {
   EXPECT_EQ(written().size(), 40000u);
 }
 
-TEST_F(Records, NothingIsAppendedForNoRecord) {
-  flushOutput(fd_);
-  EXPECT_EQ(written(), "");
+TEST_F(Records, ManyReservedRecordsFillTheBufferAsFarAsSingleOnesDo) {
+  for (const std::uint32_t payload : {1u, 17u, 49u, 40u, kMaxPayload}) {
+    for (const std::uint32_t fill : {0u, 1u, 30000u, 40949u - payload, 40950u - payload}) {
+      std::uint32_t expected = fill + payload >= kFlushThreshold ? 0 : fill;
+      int n = 0;
+      for (; expected + payload < kFlushThreshold; expected += payload + 2) ++n;
+      outputBuffer.fill = fill;
+      const ReservedRecords room = reserveRecords(fd_, payload, 1000000);
+      EXPECT_EQ(n, room.n) << payload << " bytes behind " << fill;
+      EXPECT_EQ(expected, outputBuffer.fill);
+      EXPECT_EQ(outputBuffer.bytes + outputBuffer.fill,
+                room.frames + (payload + 2) * std::uint32_t(n));
+      outputBuffer.fill = fill;
+      EXPECT_EQ(1, reserveRecords(fd_, payload, 1).n);
+    }
+  }
 }
 
 class LabelChunks : public Records {

@@ -17,13 +17,12 @@ namespace {
 using Floats = std::vector<float>;
 
 // Values by element (or -1), node (or -1), point (or -1).
-Floats valuesAt(const odb_FieldBulkData& block, int element, int node, int point, bool imaginary) {
+Floats valuesAt(const odb_FieldBulkData& block, int element, int node, int point) {
   for (int i = 0; i < block.length(); ++i) {
     if (element >= 0 && block.elementLabels()[i] != element) continue;
     if (node >= 0 && block.nodeLabels()[i] != node) continue;
     if (point >= 0 && block.integrationPoints()[i] != point) continue;
-    const float* const data = imaginary ? block.conjugateData() : block.data();
-    return Floats(data + i * block.width(), data + (i + 1) * block.width());
+    return Floats(block.data() + i * block.width(), block.data() + (i + 1) * block.width());
   }
   return {};
 }
@@ -142,13 +141,12 @@ TEST_F(ResultWriter, TurnsTrussesAndBeamsIntoTheirOwnAxes) {
     }
     open({files_.write("lines.inp", deck), "--data", files_.write("lines.dat", heading + rows)});
     const odb_FieldOutput s = field(0, 0, "S");
-    expectNear(valuesAt(block(s, odb_Enum::INTEGRATION_POINT), 1, -1, 2, false),
-               {2, 0, 0, 0, 0, 0});
+    expectNear(valuesAt(block(s, odb_Enum::INTEGRATION_POINT), 1, -1, 2), {2, 0, 0, 0, 0, 0});
     const float axial[kCorners] = {-11, -9, 9, 11};
     for (int corner = 0; corner < kCorners; ++corner) {
       const odb_FieldBulkData beam = block(s, odb_Enum::INTEGRATION_POINT, corner + 1);
       EXPECT_EQ(beam.length(), 2);
-      const Floats found = valuesAt(beam, 2, -1, 1, false);
+      const Floats found = valuesAt(beam, 2, -1, 1);
       EXPECT_NEAR(found[0], c.at * axial[corner], 1e-4f) << c.section;
       expectNear({found[3], found[4]}, {2, 3});
     }
@@ -190,7 +188,7 @@ TEST_F(ResultWriter, FindsStepsOfPrintedTablesByTimeAndHeading) {
     ASSERT_EQ(u.size(), 2) << s;
     for (int i = 0; i < 2; ++i) {
       EXPECT_EQ(u[i].engineItems(), expected[s][i]) << s;
-      EXPECT_EQ(valuesAt(block(field(s, i, "ENER"), odb_Enum::INTEGRATION_POINT), 1, -1, 1, false),
+      EXPECT_EQ(valuesAt(block(field(s, i, "ENER"), odb_Enum::INTEGRATION_POINT), 1, -1, 1),
                 (Floats{expected[s][i][1]}));
     }
   }
@@ -225,7 +223,7 @@ TEST_F(ResultWriter, StoresStrainsWithEngineeringShear) {
   const odb_FieldOutput e = field(0, 0, "E");
   EXPECT_TRUE(e.isEngineeringTensor());
   const odb_FieldBulkData values = block(e, odb_Enum::INTEGRATION_POINT);
-  expectNear(valuesAt(values, 1, -1, 1, false), {1, 2, 3, 8, 10, 12});
+  expectNear(valuesAt(values, 1, -1, 1), {1, 2, 3, 8, 10, 12});
   // Of the tensor with half of that shear.
   EXPECT_NEAR(values.mises()[0], std::sqrt(3 + 3 * 77.f), 1e-4f);
 }
@@ -242,7 +240,7 @@ TEST_F(ResultWriter, KeepsLocalSystemsWithTheirValues) {
   const std::string mesh = kDeck.substr(0, kDeck.find("*STEP"));
   open({files_.write("bar.inp", mesh + systems), "--data", files_.write("bar.dat", dat)});
   const odb_FieldBulkData s = block(field(0, 0, "S"), odb_Enum::INTEGRATION_POINT);
-  expectNear(valuesAt(s, 1, -1, 1, false), {1, 2, 3, 4, 5, 6});
+  expectNear(valuesAt(s, 1, -1, 1), {1, 2, 3, 4, 5, 6});
   ASSERT_EQ(s.orientationWidth(), 4);
   // Axes y, -x, z: 90 degrees about z, as rows of the matrix backwards.
   const float half = std::sqrt(0.5f);
@@ -366,7 +364,7 @@ TEST_F(ResultWriter, DistributesResultsOverInstancesByLabel) {
     const odb_FieldBulkData& b = u.bulkDataBlocks()[i];
     EXPECT_EQ(std::string(b.instance().name().CStr()), i == 0 ? "I" : "J");
     EXPECT_EQ(b.length(), 4);
-    expectNear(valuesAt(b, -1, i == 0 ? 3 : 13, -1, false), {i == 0 ? 3.f : 13.f, 0, 0});
+    expectNear(valuesAt(b, -1, i == 0 ? 3 : 13, -1), {i == 0 ? 3.f : 13.f, 0, 0});
   }
 }
 

@@ -7,31 +7,29 @@
 
 #include <exception>
 
+// A message, also as a C text.
+class odb_ErrorMessage : public odb_String {
+ public:
+  explicit odb_ErrorMessage(const odb_String& message) : odb_String(message) {}
+  const char* text() const { return CStr(); }
+  operator const char*() const { return CStr(); }
+};
+
 class odb_BaseException : public std::exception {
  public:
   explicit odb_BaseException(const odb_String& message) : message_(message) {}
-  // The whole message, for people.
-  const odb_String& UserReport() const { return message_; }
+  // The whole message, for people. Both give the same.
+  const odb_ErrorMessage& UserReport() const { return message_; }
+  const odb_ErrorMessage& DeveloperReport() const { return message_; }
   const char* what() const noexcept override { return message_.CStr(); }
 
  private:
-  odb_String message_;
+  odb_ErrorMessage message_;
 };
 
 class nex_Exception : public odb_BaseException {
  public:
   using odb_BaseException::odb_BaseException;
-};
-
-// The message of an odb_Exception as a C text.
-class odb_ErrorMessage {
- public:
-  explicit odb_ErrorMessage(const odb_String& message) : message_(message) {}
-  const char* text() const { return message_.CStr(); }
-  const char* CStr() const { return message_.CStr(); }
-
- private:
-  odb_String message_;
 };
 
 // Numbers that ErrorNo() gives.
@@ -50,7 +48,9 @@ class odb_Exception : public nex_Exception {
  public:
   explicit odb_Exception(const odb_String& message, int number = odb_ERROR_USAGE)
       : nex_Exception(message), number_(number) {}
-  odb_ErrorMessage ErrMsg() const { return odb_ErrorMessage(UserReport()); }
+  // The same message under further names.
+  const odb_ErrorMessage& ErrMsg() const { return UserReport(); }
+  const odb_ErrorMessage& AsString() const { return UserReport(); }
   // One of odb_ErrorNumber.
   int ErrorNo() const { return number_; }
 

@@ -4,9 +4,11 @@
 
 #include <odb_Enum.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 class Database;
 }
+}  // namespace odbs
 
 // Empty until odb_Odb::extendApi has filled it; using it before throws odb_Exception.
 class odb_ApiExtension {

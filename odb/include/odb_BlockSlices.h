@@ -9,7 +9,8 @@
 
 #include <vector>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 
 // Values [first, first + n) of a block. Label arrays have n entries and are null where the block
 // has no such labels; the numbers are those of odb_FieldBulkData's accessors, from value `first`
@@ -46,4 +47,5 @@ class BlockSlices {
   std::vector<Real> data_, conjugate_, orientation_;
 };
 
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs

@@ -7,9 +7,11 @@
 #include <odb_engine/handle.h>
 #include <odb_engine/repository.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct CsysData;
 }
+}  // namespace odbs
 
 class odb_DatumCsys : public odbs::Handle<odbs::engine::CsysData> {
  public:

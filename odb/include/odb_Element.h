@@ -53,9 +53,13 @@ class odb_Element {
   int index_ = 0;
 };
 
+class odb_Instance;
+
 class odb_SequenceElement : public odbs::RecordSequence<odb_Element, odbs::engine::ElementTable> {
  public:
   using RecordSequence::RecordSequence;
+  // The elements of an instance, as its elements() gives them.
+  explicit odb_SequenceElement(const odb_Instance& instance);
   odb_Element element(int i) const { return (*this)[i]; }
   int numElements() const { return size(); }
 };

@@ -17,12 +17,18 @@ struct odb_Enum {
     WHOLE_ELEMENT = 8,
     WHOLE_REGION = 9,
     WHOLE_PART_INSTANCE = 10,
-    WHOLE_MODEL = 11
+    WHOLE_MODEL = 11,
+    // No values sit there.
+    GENERAL_PARTICLE = 12,
+    SURFACE_FACET = 13,
+    SURFACE_NODAL = 14
   };
 
-  // Data types of fields and histories; 0 and 1 are no field types.
+  // Data types of fields and histories: SCALAR to TENSOR_2D_SURFACE; the others name no field type.
   enum odb_DataTypeEnum {
     UNKNOWN_DATA_TYPE = 0,
+    UNDEFINED_DATATYPE = 0,
+    BOOLEAN = 1,
     SCALAR = 2,
     VECTOR = 3,
     MATRIX = 4,
@@ -30,7 +36,10 @@ struct odb_Enum {
     TENSOR_3D_PLANAR = 6,
     TENSOR_3D_SURFACE = 7,
     TENSOR_2D_PLANAR = 8,
-    TENSOR_2D_SURFACE = 9
+    TENSOR_2D_SURFACE = 9,
+    INTEGER = 10,
+    QUATERNION_2D = 11,
+    QUATERNION_3D = 12
   };
 
   enum odb_DataSubtypeEnum { UNDEFINED_SUBTYPE = 0 };
@@ -47,7 +56,9 @@ struct odb_Enum {
     MIN_PRINCIPAL = 8,
     MAX_INPLANE_PRINCIPAL = 9,
     MIN_INPLANE_PRINCIPAL = 10,
-    OUTOFPLANE_PRINCIPAL = 11
+    OUTOFPLANE_PRINCIPAL = 11,
+    // Never among a field's valid invariants.
+    MAX_PRINCIPAL_ABS = 12
   };
 
   // What the frames of a step run over.

@@ -8,7 +8,8 @@
 
 #include <vector>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 
 struct FailureTime {
   odb_Instance instance;
@@ -19,4 +20,5 @@ struct FailureTime {
 // In the order in which they were added. Throws odb_Exception for a damaged database.
 std::vector<FailureTime> failureTimes(const odb_Step& step);
 
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs

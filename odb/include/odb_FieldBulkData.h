@@ -8,17 +8,20 @@
 
 #include <memory>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct FieldBlock;
 }
+}  // namespace odbs
 
 // The values of one instance, element type and section point. A handle; copies share the block.
 //
-// Arrays belong to the block. They are read from the database at first use and stay valid until the
-// block is dropped: by clearAll() of the sequence, by release() of the frame, or with the last
-// handle of the field. "Per value" means length() entries; the values of one element are
-// neighbours, in the order of its integration points or nodes. Every accessor throws odb_Exception
-// on a default-constructed object and when the database is damaged.
+// Arrays belong to the block. They are read from the database at first use and stay valid until
+// clearAll() of the sequence or release() of the frame, also when they belong to a subset that is
+// gone; a field whose frame was released lives as long as its last handle. "Per value" means
+// length() entries; the values of one element are neighbours, in the order of its integration
+// points or nodes. Every accessor throws odb_Exception on a default-constructed object and when the
+// database is damaged.
 class odb_FieldBulkData {
  public:
   odb_FieldBulkData() = default;
@@ -34,7 +37,7 @@ class odb_FieldBulkData {
   int width() const;
   // Number of different elements; 0 in nodal blocks.
   int numberOfElements() const;
-  // Number of different nodes in nodal and element-nodal blocks, else 0.
+  // Number of nodeLabels(): one per value in nodal and element-nodal blocks, else 0.
   int numberOfNodes() const;
   // Values per element: integration points, or nodes in element-nodal blocks; 0 in nodal blocks and
   // where the elements differ.
@@ -86,6 +89,8 @@ class odb_FieldBulkData {
 
  private:
   odbs::engine::FieldBlock& need() const;
+  // The block, kept as long as its frame is open: a pointer into it is about to be handed out.
+  odbs::engine::FieldBlock& kept() const;
   std::shared_ptr<odbs::engine::FieldBlock> block_;
 };
 

@@ -9,9 +9,11 @@
 
 #include <memory>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct FieldData;
 }
+}  // namespace odbs
 
 class odb_Instance;
 class odb_Set;
@@ -38,11 +40,12 @@ class odb_FieldOutput {
   // True when values are given in local systems.
   bool hasOrientation() const;
   const odb_SequenceInvariant& validInvariants() const;
+  // None for scalars.
   const odb_SequenceString& componentLabels() const;
   // The element types that have values, each once.
   const odb_SequenceString& baseElementTypes() const;
   // One per position and section category; values without a section point have one of their own.
-  // The subsets of a field at its locations make up the whole of it.
+  // The subsets of a field at its locations make up the whole of it. Integration points come first.
   const odb_SequenceFieldLocation& locations() const;
   const odb_FieldLocation& locations(int i) const;
 
@@ -82,8 +85,9 @@ class odb_FieldOutput {
   // determine (linear fields come back exact where there are enough points), when a block's arrays
   // are first asked for. Computed values stay out of the database, whatever `readOnly` says.
   odb_FieldOutput getSubset(odb_Enum::odb_ResultPositionEnum position, bool readOnly = false) const;
-  // A node set selects by node (nodal and element-nodal values), an element set by element, a
-  // surface by element and face. Instance: whole blocks. Location: position and section points.
+  // A node set selects by node (nodal and element-nodal values), an element set by element (of
+  // nodal values those at the elements' nodes), a surface by element and face. Instance: whole
+  // blocks. Location: position and section points.
   odb_FieldOutput getSubset(const odb_Set& set) const;
   odb_FieldOutput getSubset(const odb_Instance& instance) const;
   odb_FieldOutput getSubset(const odb_SectionPoint& point) const;
@@ -173,6 +177,13 @@ class odb_FieldOutputRepository : public odbs::RepositoryOf<odb_FieldOutput> {
   const odb_FieldOutput& constGet(const odb_String& key) const { return loaded().get(key); }
   bool isMember(const odb_String& key) const { return loaded().isMember(key); }
   int size() const { return loaded().size(); }
+  // Names of the fields, in the order of iteration.
+  odb_SequenceString getFieldOutputNames() const;
+  // Frees what the frame's fields have loaded, as release() of a sequence of frames does.
+  void release() const;
+  // Frees the arrays of one field; they are read again when asked for, and pointers into them
+  // become invalid. Throws odb_Exception when there is no such field.
+  void release(const odb_String& key) const;
 
   // For the library itself.
   explicit odb_FieldOutputRepository(odbs::engine::FrameData* frame) : frame_(frame) {}

@@ -5,9 +5,11 @@
 #include <odb_LoadCase.h>
 #include <odb_Sequences.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct FrameData;
 }
+}  // namespace odbs
 
 class odb_FieldOutput;
 class odb_FieldOutputRepository;
@@ -65,4 +67,6 @@ class odb_SequenceFrame : public odbs::SequenceOf<odb_Frame, std::deque<odb_Fram
   using SequenceOf::SequenceOf;
   // Drops the field data that frame `i` has loaded; they are read again when asked for.
   void release(int i) const;
+  // The same of all frames.
+  void release() const;
 };

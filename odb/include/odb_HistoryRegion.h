@@ -10,11 +10,13 @@
 
 #include <memory>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct HistoryOutputData;
 struct HistoryPointData;
 struct HistoryRegionData;
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs
 
 // Where a history was recorded. Plain objects, compared by content.
 class odb_HistoryPoint {
@@ -41,7 +43,8 @@ class odb_HistoryPoint {
   // Number -1 for none.
   const odb_SectionPoint& sectionPoint() const;
   odb_Enum::odb_ElementFaceEnum face() const;
-  // An empty name when the point is no such thing.
+  // An empty name when the point is no such thing; the point of a node or element of an instance
+  // has that instance.
   const odb_Set& region() const;
   const odb_Instance& instance() const;
   const odb_Assembly& assembly() const;

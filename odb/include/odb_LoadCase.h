@@ -4,9 +4,11 @@
 
 #include <odb_Orientations.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct LoadCaseData;
 }
+}  // namespace odbs
 
 class odb_LoadCase : public odbs::Handle<odbs::engine::LoadCaseData> {
  public:

@@ -9,10 +9,12 @@
 #include <odb_engine/repository.h>
 #include <odb_engine/typed.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct MaterialData;
 struct BehaviourData;
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs
 
 // What all behaviours of a material have.
 class odb_MaterialBehaviour : public odbs::Handle<odbs::engine::BehaviourData> {

@@ -2,6 +2,7 @@
 // Nodes and sequences of them.
 #pragma once
 
+#include <odb_Sequences.h>
 #include <odb_engine/record_sequence.h>
 #include <odb_engine/tables.h>
 
@@ -21,6 +22,8 @@ class odb_Node {
   const float* coordinates() const {
     return table_->coordinates + 3 * static_cast<std::ptrdiff_t>(index_);
   }
+  // The same as a list of its own, of 2 numbers in planar and axisymmetric models, else 3.
+  odb_SequenceFloat coordinate() const;
   // Place in the nodes() of its instance, part or assembly, counted from 0.
   int index() const { return index_; }
   // Name of the instance (or part) that has the node; empty for a node of the assembly.

@@ -26,6 +26,7 @@ class odb_Odb {
   bool isClosed() const;
 
   odb_Assembly& rootAssembly() const;
+  const odb_Assembly& constRootAssembly() const { return rootAssembly(); }
   odb_JobData jobData() const;
   odb_PartRepository& parts() const;
   odb_StepRepository& steps() const;
@@ -55,6 +56,8 @@ class odb_Odb {
   // handles become invalid; the object itself stays valid, and answers isClosed(), name() and
   // path(), until a database of the same name is opened or the program ends.
   void close();
+  // Frees what the frames of all steps have loaded.
+  void release() const { steps().release(); }
   // Looks at the file again. Returns true, with the new steps and frames visible, when it has more
   // steps or frames than before; other changes need a fresh open. Handles stay valid. On Windows,
   // arrays of the model that were asked for but not read before the change can no longer be read.
@@ -100,6 +103,8 @@ void odb_finalizeAPI();
 odb_Odb& openOdb(const odb_String& path, bool readOnly = false, bool readInternalSets = false);
 odb_Odb& openOdb(const odb_String& name, const odb_String& path, bool readOnly = false);
 odb_Odb& openOdb(const char* name, const char* path, bool readOnly = false);
+odb_Odb& openOdb(const odb_String& name, const char* path, bool readOnly = false);
+odb_Odb& openOdb(const odb_String& path, int readOnly);
 
 // The same as odb.close().
 void closeOdb(odb_Odb& odb);

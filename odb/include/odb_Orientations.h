@@ -5,9 +5,11 @@
 #include <odb_DatumCsys.h>
 #include <odb_Set.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct OrientationData;
 }
+}  // namespace odbs
 
 // The direction n1 of beam cross-sections.
 class odb_BeamOrientation : public odbs::Handle<odbs::engine::OrientationData> {

@@ -4,9 +4,11 @@
 
 #include <odb_RigidBody.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct EntityData;
 }
+}  // namespace odbs
 
 class odb_DiscreteEntity : public odbs::Handle<odbs::engine::EntityData> {
  public:
@@ -44,7 +46,8 @@ class odb_DiscreteEntity : public odbs::Handle<odbs::engine::EntityData> {
                    const odb_String& type, const odb_String& elementSetName = "",
                    const odb_SectionCategory& sectionCategory = odb_SectionCategory());
 
-  // A set of own nodes or elements, in the given order.
+  // A set of own nodes or elements, in the given order; a node that is given twice counts once. On
+  // a read-only database sets and surfaces are made in memory, for getSubset.
   odb_Set& NodeSet(const odb_String& name, const odb_SequenceInt& labels);
   odb_Set& NodeSet(const odb_String& name, const odb_SequenceNode& nodes);
   odb_Set& ElementSet(const odb_String& name, const odb_SequenceInt& labels);

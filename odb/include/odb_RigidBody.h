@@ -4,11 +4,13 @@
 
 #include <odb_Orientations.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct SurfaceData;
 struct SegmentData;
 struct RigidBodyData;
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs
 
 // One piece of an analytic surface's profile.
 class odb_AnalyticSurfaceSegment : public odbs::Handle<odbs::engine::SegmentData> {
@@ -39,12 +41,27 @@ class odb_AnalyticSurface : public odbs::Handle<odbs::engine::SurfaceData> {
   const odb_SequenceAnalyticSurfaceSegment& segments() const;
 };
 
+// Where the reference node of a rigid body lies: the enumerator, or its name as a text.
+class odb_ReferencePosition {
+ public:
+  explicit odb_ReferencePosition(odb_Enum::odb_PositionEnum position) : position_(position) {}
+  operator odb_Enum::odb_PositionEnum() const { return position_; }
+  // "INPUT" or "CENTER_OF_MASS".
+  const char* CStr() const {
+    return position_ == odb_Enum::CENTER_OF_MASS ? "CENTER_OF_MASS" : "INPUT";
+  }
+  const char* cStr() const { return CStr(); }
+
+ private:
+  odb_Enum::odb_PositionEnum position_;
+};
+
 class odb_RigidBody : public odbs::Handle<odbs::engine::RigidBodyData> {
  public:
   using Handle::Handle;
   odb_Set& referenceNodeSet() const;
   odb_Set& referenceNode() const { return referenceNodeSet(); }
-  odb_Enum::odb_PositionEnum position() const;
+  odb_ReferencePosition position() const;
   bool isothermal() const;
   bool hasAnalyticSurface() const;
   // These throw odb_Exception when the body has none.

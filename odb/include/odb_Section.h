@@ -7,9 +7,11 @@
 #include <odb_engine/repository.h>
 #include <odb_engine/typed.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct SectionData;
 }
+}  // namespace odbs
 
 class odb_Section : public odbs::Handle<odbs::engine::SectionData> {
  public:

@@ -9,10 +9,12 @@
 
 #include <deque>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct CategoryData;
 struct SectionPointData;
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs
 
 class odb_SectionPoint : public odbs::Handle<odbs::engine::SectionPointData> {
  public:

@@ -10,9 +10,11 @@
 
 #include <odb_Orientations.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct PropertyData;
 }
+}  // namespace odbs
 
 // One layer of a composite: a plain value, copied freely. Getters are named like the arguments of
 // SectionLayer.

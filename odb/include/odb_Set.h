@@ -6,10 +6,12 @@
 #include <odb_Node.h>
 #include <odb_engine/handle.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct SetData;
 struct AssignmentData;
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs
 
 class odb_Section;
 
@@ -24,8 +26,8 @@ class odb_Set : public odbs::Handle<odbs::engine::SetData> {
   // Number of nodes of a node set or node-based surface, else of elements (a surface counts each of
   // its element faces).
   int size() const;
-  // Names of the instances whose nodes or elements the set holds, in stored order; the part's name
-  // for a part's set, an empty name for members of the assembly itself.
+  // Names of the instances whose nodes or elements the set holds, in stored order; none for a
+  // part's set, an empty name for members of the assembly itself.
   odb_SequenceString instanceNames() const;
 
   // Members in stored order, views that live as long as the database. The form with an instance's

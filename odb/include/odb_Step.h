@@ -5,9 +5,11 @@
 #include <odb_Frame.h>
 #include <odb_Set.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct StepData;
 }
+}  // namespace odbs
 
 class odb_HistoryPoint;
 class odb_HistoryRegion;
@@ -106,6 +108,9 @@ class odb_StepList {
   // Step `i` of the analysis, counted from 0. Throws odb_Exception outside.
   odb_Step& Get(int i) const { return items_->at(i).value; }
   odb_Step& operator[](int i) const { return items_->at(i).value; }
+  const odb_Step& ConstGet(int i) const { return items_->at(i).value; }
+  // The last step. Throws odb_Exception when there is none.
+  odb_Step& Last() const { return items_->at(items_->size() - 1).value; }
 
  private:
   std::shared_ptr<odbs::RepositoryItems<odb_Step>> items_;
@@ -116,6 +121,10 @@ class odb_StepRepository : public odbs::RepositoryOf<odb_Step> {
  public:
   using RepositoryOf::RepositoryOf;
   odb_StepList stepList() const { return odb_StepList(*this); }
+  // Frees what the frames of all steps, or of one, have loaded, as release() of a sequence of
+  // frames does. Throws odb_Exception when there is no such step.
+  void release() const;
+  void release(const odb_String& key) const;
 };
 
 class odb_StepRepositoryIT : public odbs::RepositoryIterator<odb_Step> {

@@ -10,6 +10,8 @@ class odb_String {
   odb_String() = default;
   // A copy of the NUL-terminated `text`; a null pointer gives the empty text.
   odb_String(const char* text) : text_(text ? text : "") {}
+  // The decimal form of a number.
+  explicit odb_String(int value) : text_(std::to_string(value)) {}
   // A copy of `n` bytes at `text`.
   odb_String(const char* text, std::size_t n) : text_(text, n) {}
 

@@ -6,11 +6,13 @@
 #include <odb_engine/handle.h>
 #include <odb_engine/repository.h>
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 struct CurveData;
 struct AnnotationData;
 class Database;
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs
 
 class odb_UserXYData : public odbs::Handle<odbs::engine::CurveData> {
  public:

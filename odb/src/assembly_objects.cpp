@@ -454,8 +454,8 @@ static odb_Set& presentSet(odb_Set& set, const char* what) {
 odb_Set& odb_RigidBody::referenceNodeSet() const {
   return need().reference;
 }
-odb_Enum::odb_PositionEnum odb_RigidBody::position() const {
-  return need().position;
+odb_ReferencePosition odb_RigidBody::position() const {
+  return odb_ReferencePosition(need().position);
 }
 bool odb_RigidBody::isothermal() const {
   return need().isothermal;

@@ -52,7 +52,8 @@ void Database::needWritable() const {
 }
 
 void Database::touch() {
-  changed_ = true;
+  // Sets that a program makes in a read-only database are never saved.
+  if (!readOnly) changed_ = true;
 }
 
 void Database::fill(Saver& saver) {

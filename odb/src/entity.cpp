@@ -186,6 +186,18 @@ odb_SequenceInt odb_Element::connectivity() const {
   return list;
 }
 
+odb_SequenceFloat odb_Node::coordinate() const {
+  const EntityData* owner = table_->owner;
+  const bool planar =
+      owner && (owner->space == odb_Enum::TWO_D_PLANAR || owner->space == odb_Enum::AXISYMMETRIC);
+  odb_SequenceFloat out(3);
+  for (int i = 0; i < (planar ? 2 : 3); ++i) out.append(coordinates()[i]);
+  return out;
+}
+
+odb_SequenceElement::odb_SequenceElement(const odb_Instance& instance)
+    : RecordSequence(instance.elements()) {}
+
 odb_SequenceString odb_Element::instanceNames() const {
   int n = 0;
   const int* labels = connectivity(n);

@@ -276,6 +276,12 @@ FieldBlock& odb_FieldBulkData::need() const {
   return *block_;
 }
 
+FieldBlock& odb_FieldBulkData::kept() const {
+  FieldBlock& block = need();
+  odbs::engine::keepWithFrame(block_);
+  return block;
+}
+
 odb_Enum::odb_ResultPositionEnum odb_FieldBulkData::position() const {
   return need().layout->position;
 }
@@ -295,6 +301,7 @@ int odb_FieldBulkData::numberOfElements() const {
   return need().layout->nElements;
 }
 int odb_FieldBulkData::numberOfNodes() const {
+  if (position() == odb_Enum::ELEMENT_NODAL) return length();
   if (need().layout->nNodes < 0) odbs::engine::countLabels(*block_->layout);
   return block_->layout->nNodes;
 }
@@ -303,45 +310,45 @@ int odb_FieldBulkData::valuesPerElement() const {
 }
 
 int* odb_FieldBulkData::elementLabels() const {
-  return odbs::engine::elementLabels(*need().layout);
+  return odbs::engine::elementLabels(*kept().layout);
 }
 int* odb_FieldBulkData::nodeLabels() const {
-  return odbs::engine::nodeLabels(*need().layout);
+  return odbs::engine::nodeLabels(*kept().layout);
 }
 int* odb_FieldBulkData::integrationPoints() const {
   if (position() != odb_Enum::INTEGRATION_POINT) return nullptr;
-  return odbs::engine::integrationPoints(*need().layout);
+  return odbs::engine::integrationPoints(*kept().layout);
 }
 odb_Enum::odb_ElementFaceEnum* odb_FieldBulkData::faces() const {
   if (position() != odb_Enum::ELEMENT_FACE) return nullptr;
   return reinterpret_cast<odb_Enum::odb_ElementFaceEnum*>(
-      odbs::engine::faceNumbers(*need().layout));
+      odbs::engine::faceNumbers(*kept().layout));
 }
 
 float* odb_FieldBulkData::data() const {
-  return blockArray<float>(need(), Part::kData);
+  return blockArray<float>(kept(), Part::kData);
 }
 double* odb_FieldBulkData::dataDouble() const {
-  return blockArray<double>(need(), Part::kData);
+  return blockArray<double>(kept(), Part::kData);
 }
 float* odb_FieldBulkData::conjugateData() const {
-  return blockArray<float>(need(), Part::kConjugate);
+  return blockArray<float>(kept(), Part::kConjugate);
 }
 double* odb_FieldBulkData::conjugateDataDouble() const {
-  return blockArray<double>(need(), Part::kConjugate);
+  return blockArray<double>(kept(), Part::kConjugate);
 }
 float* odb_FieldBulkData::localCoordSystem() const {
-  return blockArray<float>(need(), Part::kOrientation);
+  return blockArray<float>(kept(), Part::kOrientation);
 }
 double* odb_FieldBulkData::localCoordSystemDouble() const {
-  return blockArray<double>(need(), Part::kOrientation);
+  return blockArray<double>(kept(), Part::kOrientation);
 }
 int odb_FieldBulkData::orientationWidth() const {
   return need().oriented ? 4 : 0;
 }
 
 float* odb_FieldBulkData::mises() const {
-  FieldBlock& block = need();
+  FieldBlock& block = kept();
   if (!odbs::engine::isTensor(block.type) ||
       !block.descriptor->invariants.isMember(odb_Enum::MISES)) {
     return nullptr;
@@ -381,6 +388,8 @@ const odb_SequenceString& odb_FieldBulkData::componentLabels() const {
 
 void odb_SequenceFieldBulkData::clearAll() const {
   for (const odb_FieldBulkData& block : engineItems()) {
-    if (block.engineBlock()) odbs::engine::dropArrays(*block.engineBlock());
+    if (!block.engineBlock()) continue;
+    odbs::engine::dropArrays(*block.engineBlock());
+    odbs::engine::forgetBlock(*block.engineBlock());
   }
 }

@@ -80,6 +80,7 @@ struct BlockArrays {
 
 struct FieldBlock {
   Database* database = nullptr;
+  FrameData* frame = nullptr;  // the frame whose values these are, or are computed from
   std::shared_ptr<BlockLayout> layout;
   std::shared_ptr<const FieldDescriptor> descriptor;
   odb_Enum::odb_DataTypeEnum type = odb_Enum::SCALAR;
@@ -92,7 +93,9 @@ struct FieldBlock {
   // Fills the arrays of a block that is derived from others.
   std::function<void(FieldBlock&)> compute;
   bool computed = false;
-  bool pinned = false;  // a caller has a pointer into it: stays in memory
+  bool pinned = false;   // a caller has a pointer into it: stays in memory
+  bool derived = false;  // belongs to no field of the frame
+  bool kept = false;     // by keepWithFrame
   Buffer<float> mises;
   odb_SequenceString labels;  // made at first use
   bool labelsReady = false;
@@ -158,6 +161,11 @@ void countLabels(BlockLayout& layout);
 const odb_SequenceString& componentLabels(FieldBlock& block);
 // Labels of a field's components as a value of `width` components has them.
 std::vector<odb_String> labelsFor(const FieldDescriptor& descriptor, int width);
+
+// Keeps a derived block whose arrays a caller has pointers into, until its frame is released or
+// its arrays are dropped; forgets it again (result_store.cpp).
+void keepWithFrame(const Block& block);
+void forgetBlock(FieldBlock& block);
 
 // ---- Fields (field_output.cpp) ----
 

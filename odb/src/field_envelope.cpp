@@ -38,6 +38,7 @@ struct Measure {
 
   // Place of the component, -1 when the block has none of that label.
   int placeIn(FieldBlock& block) const {
+    if (block.descriptor->type == odb_Enum::SCALAR) return 0;
     const odb_SequenceString& labels = componentLabels(block);
     for (int k = 0; k < labels.size(); ++k) {
       if (labels[k] == component) return k;
@@ -70,7 +71,6 @@ odb_FieldOutput scalarField(const odb_FieldOutput& field, const Measure& what,
   d.name = odb_String((std::string(source.descriptor->name.CStr()) + "_" + suffix).c_str());
   d.description =
       odb_String((std::string(source.descriptor->description.CStr()) + ": " + suffix).c_str());
-  d.labels.append(d.name);
   const auto descriptor = sharedDescriptor(*source.database, d);
   Field result = derivedField(source);
   result->descriptor = descriptor;
@@ -111,6 +111,7 @@ Measure invariantOf(const odb_FieldOutput& field, odb_Enum::odb_InvariantEnum wh
 }
 
 Measure plainMeasure(const odb_FieldOutput& field) {
+  if (field.type() == odb_Enum::SCALAR) return Measure();
   if (field.componentLabels().size() == 1) return componentOf(field, field.componentLabels()[0]);
   if (field.validInvariants().size() == 0) {
     failUsage(std::string("field output ") + field.name().CStr() +
@@ -150,7 +151,6 @@ odb_SequenceFieldOutput envelope(const odb_SequenceFieldOutput& fields, const Me
   FieldDescriptor d;
   d.name = odb_String((std::string(first.descriptor->name.CStr()) + "_index").c_str());
   d.description = "Index of the field that the envelope's value is from";
-  d.labels.append(d.name);
   Field winners = derivedField(first), indices = derivedField(first);
   indices->descriptor = sharedDescriptor(*first.database, d);
   std::vector<double> best, numbers, scratch;

@@ -19,6 +19,7 @@ odb_SequenceString defaultLabels(const odb_String& name, odb_Enum::odb_DataTypeE
                                  int width) {
   odb_SequenceString labels;
   if (type == odb_Enum::MATRIX) return labels;
+  if (type == odb_Enum::SCALAR) return labels;
   for (int i = 0; i < width; ++i) {
     odb_String label = name;
     if (isTensor(type)) {
@@ -117,6 +118,11 @@ void makeViews(FieldData& field) {
     const odb_String& type = block->layout->elementType;
     if (!type.empty() && !field.elementTypes.isMember(type)) field.elementTypes.append(type);
   }
+  // Programs that read the first location alone expect what was recorded.
+  auto& locations = field.locations.engineItems();
+  std::stable_partition(locations.begin(), locations.end(), [](const odb_FieldLocation& location) {
+    return location.position() == odb_Enum::INTEGRATION_POINT;
+  });
   field.viewsReady = true;
 }
 
@@ -197,6 +203,19 @@ const odb_FieldBulkData& odb_FieldOutput::bulkDataBlocks(int i) const {
 odbs::RepositoryOf<odb_FieldOutput>& odb_FieldOutputRepository::loaded() const {
   if (frame_) odbs::engine::loadedFields(*frame_);
   return engineBase();
+}
+
+odb_SequenceString odb_FieldOutputRepository::getFieldOutputNames() const {
+  const auto& fields = loaded().engineItems();
+  odb_SequenceString names(fields.size());
+  for (int i = 0; i < fields.size(); ++i) names.append(fields.at(i).key);
+  return names;
+}
+void odb_FieldOutputRepository::release() const {
+  if (frame_) odbs::engine::releaseFields(*frame_);
+}
+void odb_FieldOutputRepository::release(const odb_String& key) const {
+  loaded().get(key).bulkDataBlocks().clearAll();
 }
 
 odb_FieldOutputRepository& odb_Frame::fieldOutputs() const {

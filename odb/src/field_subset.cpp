@@ -117,7 +117,27 @@ struct SetMembers {
   std::map<const EntityData*, Members> nodes, elements;
 };
 
-SetMembers membersOf(const odb_Set& set) {
+// The nodes of an element, by the entity that has them.
+void addNodesOf(const odb_Element& element, SetMembers& members) {
+  int n = 0;
+  const int* labels = element.connectivity(n);
+  const ElementTable& table = *element.engineTable();
+  for (int i = 0; i < n; ++i) {
+    const EntityData* owner = table.owner;
+    if (table.connectivityInstance) {
+      const int row = table.connectivityInstance[labels - table.connectivity + i];
+      owner = &table.owner->model->entities[static_cast<std::size_t>(row)];
+    }
+    members.nodes[owner].add(labels[i]);
+  }
+}
+
+bool hasNodalValues(const FieldData& field) {
+  return std::any_of(field.blocks.begin(), field.blocks.end(),
+                     [](const Block& block) { return block->layout->position == odb_Enum::NODAL; });
+}
+
+SetMembers membersOf(const odb_Set& set, bool nodal) {
   SetMembers members;
   const odb_SequenceNode& nodes = set.nodes();
   const odb_SequenceElement& elements = set.elements();
@@ -131,6 +151,7 @@ SetMembers membersOf(const odb_Set& set) {
     const odb_Element element = elements[i];
     Members& list = members.elements[element.engineTable()->owner];
     list.add(element.label());
+    if (nodal && set.type() == odb_Enum::ELEMENT_SET) addNodesOf(element, members);
     if (hasFaces) list.add(element.label(), faces[i]);
   }
   for (auto* part : {&members.nodes, &members.elements}) {
@@ -180,6 +201,8 @@ Block sameLayout(const FieldBlock& source, std::shared_ptr<const FieldDescriptor
                  odb_Enum::odb_DataTypeEnum type, int width) {
   Block block = std::make_shared<FieldBlock>();
   block->database = source.database;
+  block->frame = source.frame;
+  block->derived = true;
   block->layout = source.layout;
   block->descriptor = std::move(descriptor);
   block->type = type;
@@ -242,7 +265,7 @@ odb_FieldOutput odb_FieldOutput::getSubset(odb_Enum::odb_ResultPositionEnum posi
 }
 
 odb_FieldOutput odb_FieldOutput::getSubset(const odb_Set& set) const {
-  const SetMembers members = membersOf(set);
+  const SetMembers members = membersOf(set, hasNodalValues(need()));
   const odb_Enum::odb_SetTypeEnum type = set.type();
   return filtered(*this, [&](FieldBlock& block, std::vector<int>& indices) {
     return chooseMembers(members, type, block, indices);
@@ -276,6 +299,8 @@ odb_FieldOutput odb_FieldOutput::getSubset(const odb_Element& element) const {
   Members& list = members.elements[element.engineTable()->owner];
   list.add(element.label());
   list.finish();
+  if (hasNodalValues(need())) addNodesOf(element, members);
+  for (auto& [entity, nodes] : members.nodes) nodes.finish();
   return filtered(*this, [&](FieldBlock& block, std::vector<int>& indices) {
     return chooseMembers(members, odb_Enum::ELEMENT_SET, block, indices);
   });

@@ -90,18 +90,22 @@ const odb_String& odb_FieldValue::baseElementType() const {
 
 const float* odb_FieldValue::data(int& n) const {
   bulk();
+  odbs::engine::keepWithFrame(block_);
   return componentsAt<float>(*block_, Part::kData, index_, n);
 }
 const double* odb_FieldValue::dataDouble(int& n) const {
   bulk();
+  odbs::engine::keepWithFrame(block_);
   return componentsAt<double>(*block_, Part::kData, index_, n);
 }
 const float* odb_FieldValue::conjugateData(int& n) const {
   bulk();
+  odbs::engine::keepWithFrame(block_);
   return componentsAt<float>(*block_, Part::kConjugate, index_, n);
 }
 const double* odb_FieldValue::conjugateDataDouble(int& n) const {
   bulk();
+  odbs::engine::keepWithFrame(block_);
   return componentsAt<double>(*block_, Part::kConjugate, index_, n);
 }
 odb_SequenceFloat odb_FieldValue::data() const {

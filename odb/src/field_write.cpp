@@ -179,6 +179,7 @@ Block openBlock(FieldData& field, const BlockLayout& key, const FieldBlock& form
   }
   Block block = std::make_shared<FieldBlock>();
   block->database = field.database;
+  block->frame = field.frame;
   block->descriptor = field.descriptor;
   block->layout = std::make_shared<BlockLayout>(key);
   block->type = form.type;

@@ -193,6 +193,13 @@ const odb_Set& odb_HistoryPoint::region() const {
   return data_->region;
 }
 const odb_Instance& odb_HistoryPoint::instance() const {
+  EntityData* owner = data_->node.label() >= 0      ? data_->node.engineTable()->owner
+                      : data_->element.label() >= 0 ? data_->element.engineTable()->owner
+                                                    : nullptr;
+  if (owner && owner->kind == EntityKind::kInstance) {
+    data_->ownerOfMember = odb_Instance(owner);
+    return data_->ownerOfMember;
+  }
   return data_->instance;
 }
 const odb_Assembly& odb_HistoryPoint::assembly() const {

@@ -24,6 +24,7 @@ struct HistoryPointData {
   odb_Set region;
   odb_Instance instance{&absentEntity()};
   odb_Assembly assembly{&absentEntity()};
+  odb_Instance ownerOfMember;  // the instance that has the node or element; made when asked for
 };
 
 struct HistoryOutputData {

@@ -120,6 +120,14 @@ odb_Odb& openOdb(const char* name, const char* path, bool readOnly) {
   return openOdb(odb_String(name), odb_String(path), readOnly);
 }
 
+odb_Odb& openOdb(const odb_String& name, const char* path, bool readOnly) {
+  return openOdb(name, odb_String(path), readOnly);
+}
+
+odb_Odb& openOdb(const odb_String& path, int readOnly) {
+  return openOdb(path, path, readOnly != 0);
+}
+
 void closeOdb(odb_Odb& odb) {
   odb.close();
 }

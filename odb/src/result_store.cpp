@@ -130,6 +130,7 @@ Field fieldFrom(const FieldRow& row, FrameData& frame) {
   for (const BlockRow& from : row.blocks) {
     Block block = std::make_shared<FieldBlock>();
     block->database = field->database;
+    block->frame = &frame;
     block->layout = from.layout;
     block->descriptor = row.descriptor;
     block->type = from.type;
@@ -176,7 +177,9 @@ FrameFields& loadedFields(FrameData& frame) {
 }
 
 std::shared_ptr<const FieldDescriptor> sharedDescriptor(Database& database,
-                                                        const FieldDescriptor& content) {
+                                                        const FieldDescriptor& given) {
+  FieldDescriptor content = given;
+  if (content.type == odb_Enum::SCALAR) content.labels = odb_SequenceString();
   std::string key;
   const auto add = [&key](const odb_String& text) {
     key.append(text.CStr(), static_cast<std::size_t>(text.Length())).push_back('\0');
@@ -245,7 +248,23 @@ void spillFields(Database& database, const FieldBlock* except) {
   }
 }
 
+void keepWithFrame(const Block& block) {
+  if (!block->derived || block->kept || !block->frame) return;
+  fieldsOf(*block->frame).kept.emplace(block.get(), block);
+  block->kept = true;
+}
+
+void forgetBlock(FieldBlock& block) {
+  if (!block.kept) return;
+  block.kept = false;
+  fieldsOf(*block.frame).kept.erase(&block);
+}
+
 void releaseFields(FrameData& frame) {
+  if (frame.fields) {
+    for (const auto& [place, block] : frame.fields->kept) block->kept = false;
+    frame.fields->kept.clear();
+  }
   if (!frame.fields || !frame.fields->loaded) return;
   FrameFields& fields = *frame.fields;
   auto& base = fields.repository.engineBase();

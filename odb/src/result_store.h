@@ -29,6 +29,7 @@ struct FrameFields {
   // Rows that are not in the file yet.
   bool hasRows = false;
   std::vector<FieldRow> rows;
+  std::map<const FieldBlock*, Block> kept;  // derived blocks that callers have pointers into
   bool touched = false;  // loaded fields were added or changed since the last save
 };
 

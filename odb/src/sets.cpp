@@ -3,6 +3,10 @@
 #include "odb/src/database.h"
 #include "odb/src/errors.h"
 
+#include <algorithm>
+#include <functional>
+#include <unordered_set>
+
 namespace odbs::engine {
 
 namespace {
@@ -118,6 +122,19 @@ void refillViews(SetData& set) {
   for (auto& [instance, views] : set.byInstance) fillViews(*views, set, &instance);
 }
 
+// A node is once in a set, at its first place.
+void appendNewLabels(Buffer<int>& all, const std::vector<int>& labels) {
+  if (all.empty() &&
+      std::adjacent_find(labels.begin(), labels.end(), std::greater_equal<int>()) == labels.end()) {
+    all.assign(labels.begin(), labels.end());
+    return;
+  }
+  std::unordered_set<int> known(all.begin(), all.end());
+  for (const int label : labels) {
+    if (known.insert(label).second) all.push_back(label);
+  }
+}
+
 }  // namespace
 
 odb_SetRepository& repositoryOf(EntityData& entity, odb_Enum::odb_SetTypeEnum type) {
@@ -164,7 +181,11 @@ void addSegment(SetData& set, EntityData& entity, bool ofElements, const std::ve
     segment->ofElements = ofElements;
   }
   Buffer<int>& all = segment->labels.edit(storage);
-  all.insert(all.end(), labels.begin(), labels.end());
+  if (set.type == odb_Enum::NODE_SET) {
+    appendNewLabels(all, labels);
+  } else {
+    all.insert(all.end(), labels.begin(), labels.end());
+  }
   Buffer<int>& allFaces = segment->faces.edit(storage);
   allFaces.insert(allFaces.end(), faces.begin(), faces.end());
   segment->ready = false;
@@ -239,6 +260,7 @@ odb_SequenceString odb_Set::instanceNames() const {
   odb_SequenceString names;
   for (const auto& segment : segmentsOf(set)) {
     const EntityData& entity = shownEntity(set, *segment);
+    if (entity.kind == EntityKind::kPart) continue;
     names.append(entity.kind == EntityKind::kAssembly ? odb_String() : entity.name);
   }
   return names;

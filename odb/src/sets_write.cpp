@@ -36,7 +36,6 @@ std::vector<int> numbersOf(const odb_SequenceElementFace& faces) {
 // Makes the set once all its labels are known to exist, so that a bad label leaves none behind.
 odb_Set& makeSet(EntityData& owner, odb_Enum::odb_SetTypeEnum type, bool ofElements,
                  const odb_String& name, const std::vector<Share>& shares) {
-  owner.database->needWritable();
   for (const Share& share : shares) {
     if (type == odb_Enum::SURFACE_SET && ofElements && share.faces.size() != share.labels.size()) {
       failUsage(std::string("surface ") + name.CStr() + ": one face per element is wanted");
@@ -101,11 +100,13 @@ std::vector<Share> sharesOf(EntityData& assembly, const odb_SequenceString& inst
 odb_Set& addNodeSurface(EntityData& owner, const odb_String& name,
                         const odb_SequenceString& instances,
                         const odb_SequenceSequenceInt& labels) {
+  owner.database->needWritable();
   return makeSet(owner, odb_Enum::SURFACE_SET, false, name,
                  sharesOf(owner, instances, labels, nullptr));
 }
 
 odb_Set& addNodeSurface(EntityData& owner, const odb_String& name, const odb_SequenceInt& labels) {
+  owner.database->needWritable();
   return makeSet(owner, odb_Enum::SURFACE_SET, false, name, {{&owner, labels.engineItems(), {}}});
 }
 

@@ -124,7 +124,18 @@ void odb_SequenceFrame::release(int i) const {
   releaseFields(*(*this)[i].engineData());
 }
 
+void odb_SequenceFrame::release() const {
+  for (const odb_Frame& frame : engineItems()) releaseFields(*frame.engineData());
+}
+
 // ---- Steps ----
+
+void odb_StepRepository::release() const {
+  for (int i = 0; i < size(); ++i) (*this)[i].engineData()->frameHandles.release();
+}
+void odb_StepRepository::release(const odb_String& key) const {
+  (*this)[key].engineData()->frameHandles.release();
+}
 
 const odb_String& odb_Step::name() const {
   return need().name;

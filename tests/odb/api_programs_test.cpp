@@ -53,7 +53,12 @@ TEST(UserPrograms, WriteADatabaseAndReadItBack) {
             "set nodes-1 of 4\n"
             "assigned Homogeneous Solid Section to 1\n"
             "solid of Elastic Material 2\n"
-            "elastic ISOTROPIC 12000\n");
+            "elastic ISOTROPIC 12000\n"
+            "tie glue assembly set 0.5 adjusted\n"
+            "rigid body at CENTER_OF_MASS\n"
+            "field U\n"
+            "last step step-1 3\n"
+            "no member named \"no such step\" / 1\n");
 }
 
 TEST(UserPrograms, EndWithStatusOneWhenTheLibraryThrows) {

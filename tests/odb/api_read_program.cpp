@@ -79,6 +79,46 @@ static void printSections(odb_Odb& odb) {
   }
 }
 
+// Identifiers are kept as numbers; sets and positions are bound by value.
+static void printConstraints(odb_Odb& odb) {
+  odb_ConstraintRepositoryIT conIter(odb.constraints());
+  for (conIter.first(); !conIter.isDone(); conIter.next()) {
+    const odb_Constraint& constraint = conIter.currentValue();
+    unsigned int type = constraint.subTypeIdentifier();
+    if (type != odb_Tie::typeIdentifier()) continue;
+    odb_Tie tie = odb_dynamicCast(odb_Tie, constraint);
+    if (!tie.hasValue()) continue;
+    cout << "tie " << tie.name().CStr() << " " << tie.master().name().CStr() << " "
+         << tie.positionTolerance() << " " << (tie.adjust() ? "adjusted" : "as is") << endl;
+  }
+  const odb_SequenceRigidBody& bodies = odb.constRootAssembly().rigidBodies();
+  for (int i = 0; i < bodies.size(); ++i) {
+    if (bodies[i].position() == odb_Enum::INPUT) continue;
+    cout << "rigid body at " << bodies[i].position().CStr() << endl;
+  }
+}
+
+static void printAndReleaseSteps(odb_Odb& odb) {
+  odb_StepList steps = odb.steps().stepList();
+  odb_FieldOutputRepository& fields = steps.Last().frames(0).fieldOutputs();
+  odb_SequenceString names = fields.getFieldOutputNames();
+  for (int i = 0; i < names.size(); i++) {
+    cout << "field " << names[i].CStr() << endl;
+    fields.release(names[i]);
+  }
+  fields.release();
+  cout << "last step " << steps.ConstGet(steps.size() - 1).name().CStr() << " "
+       << odb_String(steps.Last().frames().size()).CStr() << endl;
+  odb.steps().release(steps.Last().name());
+  odb.release();
+  try {
+    odb.steps().get("no such step");
+  } catch (odb_Exception& exc) {
+    cout << exc.AsString() << " / " << (exc.UserReport().text() == exc.DeveloperReport().text())
+         << endl;
+  }
+}
+
 int main(int argc, char** argv) {
   odb_initializeAPI();
   try {
@@ -88,6 +128,8 @@ int main(int argc, char** argv) {
     cout << "title " << title.CStr() << endl;
     printModel(odb);
     printSections(odb);
+    printConstraints(odb);
+    printAndReleaseSteps(odb);
     odb.close();
   } catch (odb_BaseException& exc) {
     cerr << "odbBaseException caught" << endl;

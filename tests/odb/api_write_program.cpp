@@ -5,6 +5,7 @@
 #include <odb_Enum.h>
 #include <odb_MaterialTypes.h>
 #include <odb_SectionTypes.h>
+#include <odb_embedded.h>
 
 #include <iostream>
 
@@ -70,7 +71,10 @@ static void addMesh(odb_Odb& odb) {
   names.append("part-1-1");
   odb_SequenceSequenceInt perInstance;
   perInstance.append(setLabels);
-  rootAssy.NodeSet("assembly set", names, perInstance);
+  odb_Set& tied = rootAssy.NodeSet("assembly set", names, perInstance);
+  rootAssy.RigidBody(tied, odb_Enum::CENTER_OF_MASS);
+  odb_embedded::addConstraint(
+      odb, {"odb_Tie", "glue", {{"adjust", true}, {"positionTolerance", 0.5}}, {{"master", tied}}});
 
   odb_SectionApi sectionApi;
   odb.extendApi(odb_Enum::odb_SECTION, sectionApi);

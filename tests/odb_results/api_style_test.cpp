@@ -6,61 +6,12 @@
 #include <gtest/gtest.h>
 #include <odb_Enum.h>
 #include <odb_FieldOutputRepositoryIT.h>
-#include <odb_HistoryOutput.h>
 #include <odb_SequenceFieldValue.h>
 
-#include <algorithm>
-#include <cmath>
+#include <memory>
 
 namespace odbs::test {
 namespace {
-
-// The greatest Mises stress of the last frame, by values.
-float maxMisesByValues(odb_Odb& odb, int& label) {
-  float max = -1;
-  odb_StepRepositoryIT stepIter(odb.steps());
-  for (stepIter.first(); !stepIter.isDone(); stepIter.next()) {
-    odb_Step& step = odb.steps()[stepIter.currentKey()];
-    odb_SequenceFrame& frames = step.frames();
-    odb_Frame& frame = frames[frames.size() - 1];
-    odb_FieldOutputRepository& fieldOutputs = frame.fieldOutputs();
-    if (!fieldOutputs.isMember("S")) continue;
-    odb_FieldOutput& field = fieldOutputs["S"];
-    const odb_SequenceInvariant& invariants = field.validInvariants();
-    if (!invariants.isMember(odb_Enum::MISES)) continue;
-    const odb_SequenceFieldValue& values = field.values();
-    int n = values.size();
-    for (int i = 0; i < n; i++) {
-      const odb_FieldValue value = values[i];
-      if (value.mises() > max) {
-        max = value.mises();
-        label = value.elementLabel();
-      }
-    }
-  }
-  return max;
-}
-
-// The same by blocks.
-float maxMisesByBlocks(odb_Odb& odb) {
-  float max = -1;
-  const odb_Frame frame = odb.steps()["Step-1"].frames(0);
-  const odb_FieldOutput field = frame.fieldOutputs().get("S");
-  const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
-  int nBlocks = blocks.size();
-  for (int b = 0; b < nBlocks; b++) {
-    const odb_FieldBulkData& block = blocks[b];
-    float* mises = block.mises();
-    for (int i = 0; mises && i < block.length(); i++) max = std::max(max, mises[i]);
-    int nPoints = block.length() / block.numberOfElements();
-    int* points = block.integrationPoints();
-    for (int e = 0; e < block.numberOfElements(); e++) {
-      EXPECT_EQ(block.elementLabels()[e * nPoints], block.elementLabels()[(e + 1) * nPoints - 1]);
-      EXPECT_EQ(points[e * nPoints], 1);
-    }
-  }
-  return max;
-}
 
 class ApiStyle : public testing::Test {
  protected:
@@ -86,22 +37,10 @@ class ApiStyle : public testing::Test {
       odb_FieldOutput& field = frame.FieldOutput("U", "Spatial displacement", odb_Enum::VECTOR);
       field.addData(odb_Enum::NODAL, instance, ints({1, 2}), displacements);
     }
-    odb_HistoryPoint point(instance.getNodeFromLabel(1));
-    odb_HistoryRegion& region = step.HistoryRegion("Node P-1.1", "at node 1", point);
-    odb_HistoryOutput& output = region.HistoryOutput("U1", "Displacement", odb_Enum::SCALAR);
-    for (int i = 0; i < 5; i++) output.addData(0.1 * i, 2.0 * i);
     model_.reopen();
   }
   ResultsModel model_;
 };
-
-TEST_F(ApiStyle, MaximaByValuesAndByBlocksAgree) {
-  int label = 0;
-  const float byValues = maxMisesByValues(*model_.odb, label);
-  EXPECT_GT(byValues, 0);
-  EXPECT_EQ(label, 20);
-  EXPECT_FLOAT_EQ(byValues, maxMisesByBlocks(*model_.odb));
-}
 
 TEST_F(ApiStyle, ValuesOfASetAreReadOneByOne) {
   odb_Set& lower = model_.odb->rootAssembly().instances()["P-1"].elementSets()["LOWER"];
@@ -143,24 +82,60 @@ TEST_F(ApiStyle, DifferencesOfFramesBecomeFieldsOfANewFrame) {
   EXPECT_FLOAT_EQ(model_.step().frames(2).fieldOutputs()["DU"].values(1).data()[2], 10);
 }
 
-TEST_F(ApiStyle, HistoriesAreReadRowByRow) {
-  odb_HistoryRegionRepository& regions = model_.step().historyRegions();
-  odb_HistoryRegionRepositoryIT it(regions);
-  int n = 0;
-  for (it.first(); !it.isDone(); it.next()) {
-    odb_HistoryRegion& region = regions[it.currentKey()];
-    odb_HistoryOutputRepository& outputs = region.historyOutputs();
-    odb_HistoryOutput& output = outputs["U1"];
-    odb_SequenceSequenceFloat data = output.data();
-    for (int i = 0; i < data.size(); i++) {
-      odb_SequenceFloat row = data[i];
-      EXPECT_FLOAT_EQ(row[1], 20 * data.constGet(i).constGet(0));
-      n++;
-    }
-    odb_HistoryPoint point = region.historyPoint();
-    EXPECT_EQ(point.node().label(), 1);
+TEST_F(ApiStyle, PointersIntoASubsetOutliveItUntilTheFrameIsReleased) {
+  odb_Set& lower = model_.odb->rootAssembly().instances()["P-1"].elementSets()["LOWER"];
+  const odb_SequenceFrame& frames = model_.step().frames();
+  const float* data = nullptr;
+  const float* fourth = nullptr;
+  const int* elements = nullptr;
+  std::weak_ptr<odbs::engine::FieldBlock> block;
+  {
+    odb_FieldOutput& stress = frames[0].fieldOutputs()["S"];
+    const odb_FieldOutput subset = stress.getSubset(lower).getSubset(odb_Enum::INTEGRATION_POINT);
+    data = subset.bulkDataBlocks()[0].data();
+    elements = subset.bulkDataBlocks()[0].elementLabels();
+    int n = 0;
+    fourth = stress.getSubset(lower).values(3).data(n);
+    block = subset.bulkDataBlocks()[0].engineBlock();
   }
-  EXPECT_EQ(n, 5);
+  EXPECT_EQ(elements[7], 10);
+  for (int i = 0; i < 8 * 6; i++) EXPECT_EQ(data[i], static_cast<float>(i));
+  EXPECT_EQ(fourth[2], 20.0F);
+  EXPECT_FALSE(block.expired());
+  frames.release();
+  EXPECT_TRUE(block.expired());
+}
+
+TEST_F(ApiStyle, SetsOfAReadOnlyDatabaseAreMadeInMemoryAndSelectValues) {
+  odb_Instance& instance = model_.odb->rootAssembly().instances()["P-1"];
+  odb_Set& nodes = instance.NodeSet("two", ints({2, 1, 2}));
+  ASSERT_EQ(nodes.size(), 2);
+  EXPECT_EQ(nodes.nodes(0).label(), 2);
+  odb_Set& elements = instance.ElementSet("one", ints({10}));
+  const odb_Frame frame = model_.step().frames(1);
+  EXPECT_EQ(frame.fieldOutputs()["U"].getSubset(nodes).values().size(), 2);
+  EXPECT_EQ(frame.fieldOutputs()["S"].getSubset(elements).values().size(), 8);
+  EXPECT_THROW(model_.odb->save(), odb_Exception);
+  EXPECT_EQ(model_.odb->parts()["P"].nodeSets()["BASE"].instanceNames().size(), 0);
+}
+
+TEST_F(ApiStyle, RecordedValuesAreTheFirstLocationAndScalarsHaveNoLabels) {
+  model_.reopen(false);
+  odb_Instance& instance = model_.odb->rootAssembly().instances()["P-1"];
+  odb_SequenceString label;
+  label.append("PEEQ");
+  odb_Frame frame = model_.step().Frame(3, 1.0F);
+  odb_FieldOutput& strain = frame.FieldOutput("PEEQ", "", odb_Enum::SCALAR, label);
+  strain.addData(odb_Enum::ELEMENT_NODAL, instance, ints({10}), counted(8, 1));
+  strain.addData(odb_Enum::INTEGRATION_POINT, instance, ints({10}), counted(8, 1));
+  model_.reopen();
+  const odb_FieldOutput& back = model_.step().frames(2).fieldOutputs()["PEEQ"];
+  EXPECT_EQ(back.componentLabels().Length(), 0);
+  ASSERT_EQ(back.locations().size(), 2);
+  EXPECT_EQ(back.locations(0).position(), odb_Enum::INTEGRATION_POINT);
+  odb_SequenceFieldOutput one;
+  one.append(back);
+  EXPECT_EQ(maxEnvelope(one)[0].values(5).data()[0], 5.0F);
 }
 
 TEST_F(ApiStyle, MetadataAreScannedFrameByFrame) {

@@ -93,7 +93,7 @@ class RecordSequence {
     if (!blocks_[block]) {
       const int first = i / kBlock * kBlock;
       const int last = indices_ ? std::min(first + kBlock, n_) : first + kBlock;
-      auto records = std::make_unique<std::vector<Record>>();
+      std::unique_ptr<std::vector<Record>> records(new std::vector<Record>());
       records->reserve(static_cast<std::size_t>(last - first));
       for (int j = first; j < last; ++j) {
         records->push_back(Record(table_, indices_ ? indices_[j] : j));

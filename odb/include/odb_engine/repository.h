@@ -50,7 +50,7 @@ class RepositoryItems {
       return old->value;
     }
     auto at = byName_ ? lowerBound(key) : place < 0 ? entries_.end() : entries_.begin() + place;
-    return (*entries_.insert(at, std::make_unique<Entry>(Entry{key, value})))->value;
+    return (*entries_.insert(at, std::unique_ptr<Entry>(new Entry{key, value})))->value;
   }
   void clear() { entries_.clear(); }
 

@@ -9,7 +9,8 @@
 
 class odb_SectionCategory;
 
-namespace odbs::engine {
+namespace odbs {
+namespace engine {
 
 struct EntityData;
 struct CategoryData;
@@ -46,4 +47,5 @@ struct ElementTable {
 const NodeTable* emptyNodeTable();
 const ElementTable* emptyElementTable();
 
-}  // namespace odbs::engine
+}  // namespace engine
+}  // namespace odbs

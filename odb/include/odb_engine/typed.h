@@ -9,13 +9,20 @@
 
 namespace odbs {
 
-// Comparable with == and nothing else.
+// Comparable with ==; as a number, the same for one class in all runs of all programs.
 class TypeIdentifier {
  public:
   TypeIdentifier() = default;
   explicit TypeIdentifier(const odb_String& name) : name_(name) {}
   bool operator==(const TypeIdentifier& other) const { return name_ == other.name_; }
   bool operator!=(const TypeIdentifier& other) const { return name_ != other.name_; }
+  operator unsigned int() const {
+    unsigned int hash = 2166136261U;  // FNV-1a
+    for (int i = 0; i < name_.Length(); ++i) {
+      hash = (hash ^ static_cast<unsigned char>(name_.CStr()[i])) * 16777619U;
+    }
+    return hash;
+  }
   const odb_String& engineName() const { return name_; }
 
  private:

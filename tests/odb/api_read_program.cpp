@@ -24,9 +24,9 @@ static void printModel(odb_Odb& odb) {
       odb_Node byValue = copied.node(n);
       const float* const coords = byValue.coordinates();
       cout << "node " << byReference.label() << " " << byConstReference.label() << " " << coords[0]
-           << " " << coords[1] << " " << coords[2] << endl;
+           << " " << coords[1] << " " << coords[2] << " of " << byValue.coordinate().size() << endl;
     }
-    const odb_SequenceElement& elementList = instance.elements();
+    const odb_SequenceElement elementList(instance);
     for (int n = 0; n < elementList.size(); n++) {
       odb_Element element = elementList[n];
       int numNodes;
@@ -122,7 +122,8 @@ static void printAndReleaseSteps(odb_Odb& odb) {
 int main(int argc, char** argv) {
   odb_initializeAPI();
   try {
-    odb_Odb& odb = openOdb(argc > 1 ? argv[1] : "", true);
+    char* path = argc > 1 ? argv[1] : nullptr;
+    odb_Odb& odb = openOdb(odb_String("results"), path, true);
     odb_String title = odb.analysisTitle();
     title.append(" / ").append(odb.jobData().precision()).append(" / ").append("end");
     cout << "title " << title.CStr() << endl;

@@ -77,45 +77,46 @@ TEST(ElementShape, ElementsThatLeaveOutNodesHaveTheShapeOfTheRest) {
   EXPECT_EQ(shapeWithNodes(Shape::Hex8, 8), Shape::Hex8);
 }
 
-struct NamedType {
-  const char* name;
-  Shape shape;
-  int nPoints;
-};
-
 TEST(ElementShape, NamesGiveShapeAndNumberOfPoints) {
-  const NamedType types[] = {{"C3D4", Shape::Tet4, 1},       {"C3D10M", Shape::Tet10, 4},
-                             {"C3D6", Shape::Wedge6, 2},     {"C3D15", Shape::Wedge15, 9},
-                             {"C3D8", Shape::Hex8, 8},       {"C3D8R", Shape::Hex8, 1},
-                             {"C3D8I", Shape::Hex8, 8},      {"C3D8H", Shape::Hex8, 8},
-                             {"C3D20", Shape::Hex20, 27},    {"C3D20R", Shape::Hex20, 8},
-                             {"c3d20rh", Shape::Hex20, 8},   {"C3D27", Shape::Hex27, 27},
-                             {"CPE3", Shape::Tri3, 1},       {"CPE4R", Shape::Quad4, 1},
-                             {"CPEG8R", Shape::Quad8, 4},    {"CPS6M", Shape::Tri6, 3},
-                             {"CAX8", Shape::Quad8, 9},      {"CAX4RH", Shape::Quad4, 1},
-                             {"S3R", Shape::Tri3, 1},        {"STRI3", Shape::Tri3, 3},
-                             {"S4", Shape::Quad4, 4},        {"S4R", Shape::Quad4, 1},
-                             {"STRI65", Shape::Tri6, 3},     {"S6", Shape::Tri6, 3},
-                             {"S8R5", Shape::Quad8, 4},      {"S9R5", Shape::Quad9, 4},
-                             {"SC6R", Shape::Wedge6, 1},     {"SC8R", Shape::Hex8, 1},
-                             {"SAX2", Shape::Line3, 2},      {"M3D8R", Shape::Quad8, 4},
-                             {"T2D2", Shape::Line2, 1},      {"T3D3", Shape::Line3, 2},
-                             {"B21", Shape::Line2, 1},       {"B31OSH", Shape::Line2, 1},
-                             {"B32", Shape::Line3, 2},       {"B33", Shape::Line2, 3},
-                             {"PIPE32", Shape::Line3, 2},    {"COH3D8", Shape::Hex8, 4},
-                             {"COH3D6", Shape::Wedge6, 3},   {"COH2D4", Shape::Quad4, 2},
-                             {"GK3D8", Shape::Hex8, 4},      {"DC3D20", Shape::Hex20, 27},
-                             {"DC2D8", Shape::Quad8, 9},     {"AC3D10", Shape::Tet10, 4},
-                             {"C3D5", Shape::Pyramid5, 5},   {"C3D10I", Shape::Tet10, 11},
-                             {"C3D10HS", Shape::Tet10, 11},  {"C3D15V", Shape::Wedge18, 9},
-                             {"C3D27R", Shape::Hex27, 14},   {"GK3D18", Shape::Layer18, 9},
-                             {"CONN3D2", Shape::Unknown, 0}, {"MASS", Shape::Unknown, 0},
-                             {"SPRINGA", Shape::Unknown, 0}, {"", Shape::Unknown, 0},
-                             {"C3D", Shape::Unknown, 0},     {"S99999999999", Shape::Unknown, 0}};
-  for (const NamedType& type : types) {
-    const ElementType found = elementType(type.name);
-    EXPECT_EQ(found.shape, type.shape) << type.name;
-    EXPECT_EQ(found.nPoints, type.nPoints) << type.name;
+  const struct {
+    Shape shape;
+    int nPoints;
+    std::vector<const char*> names;
+  } groups[] = {{Shape::Tet4, 1, {"C3D4"}},
+                {Shape::Tet10, 4, {"C3D10M", "AC3D10"}},
+                {Shape::Wedge6, 2, {"C3D6"}},
+                {Shape::Wedge15, 9, {"C3D15"}},
+                {Shape::Hex8, 8, {"C3D8", "C3D8I", "C3D8H"}},
+                {Shape::Hex8, 1, {"C3D8R", "SC8R"}},
+                {Shape::Hex20, 27, {"C3D20", "DC3D20"}},
+                {Shape::Hex20, 8, {"C3D20R", "c3d20rh"}},
+                {Shape::Hex27, 27, {"C3D27"}},
+                {Shape::Tri3, 1, {"CPE3", "S3R"}},
+                {Shape::Quad4, 1, {"CPE4R", "CAX4RH", "S4R"}},
+                {Shape::Quad8, 4, {"CPEG8R", "S8R5", "M3D8R"}},
+                {Shape::Tri6, 3, {"CPS6M", "STRI65", "S6"}},
+                {Shape::Quad8, 9, {"CAX8", "DC2D8"}},
+                {Shape::Tri3, 3, {"STRI3"}},
+                {Shape::Quad4, 4, {"S4"}},
+                {Shape::Quad9, 4, {"S9R5"}},
+                {Shape::Wedge6, 1, {"SC6R"}},
+                {Shape::Line3, 2, {"SAX2", "T3D3", "B32", "PIPE32"}},
+                {Shape::Line2, 1, {"T2D2", "B21", "B31OSH"}},
+                {Shape::Line2, 3, {"B33"}},
+                {Shape::Hex8, 4, {"COH3D8", "GK3D8"}},
+                {Shape::Wedge6, 3, {"COH3D6"}},
+                {Shape::Quad4, 2, {"COH2D4"}},
+                {Shape::Pyramid5, 5, {"C3D5"}},
+                {Shape::Tet10, 11, {"C3D10I", "C3D10HS"}},
+                {Shape::Wedge18, 9, {"C3D15V"}},
+                {Shape::Hex27, 14, {"C3D27R"}},
+                {Shape::Layer18, 9, {"GK3D18"}},
+                {Shape::Unknown, 0, {"CONN3D2", "MASS", "SPRINGA", "", "C3D", "S99999999999"}}};
+  for (const auto& group : groups) {
+    for (const char* name : group.names) {
+      EXPECT_EQ(elementType(name).shape, group.shape) << name;
+      EXPECT_EQ(elementType(name).nPoints, group.nPoints) << name;
+    }
   }
 }
 

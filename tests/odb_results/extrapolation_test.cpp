@@ -109,20 +109,17 @@ void expectLinearComesBack(const Element& element, const std::string& what) {
   EXPECT_NEAR(centre, linear(element.at(shapeCentre(element.shape))), 2e-5) << what;
 }
 
-TEST(Extrapolation, GivesLinearFieldsBackOnRegularElements) {
-  for (const char* type : kLinearTypes) expectLinearComesBack(Element(type, affine), type);
-}
-
-TEST(Extrapolation, GivesLinearFieldsBackOnDistortedElements) {
-  for (const char* type : kLinearTypes) expectLinearComesBack(Element(type, warped), type);
-}
-
-TEST(Extrapolation, GivesLinearFieldsBackOnCurvedElements) {
-  for (const char* type : kLinearTypes) {
-    const Solid solid = solidOf(elementType(type).shape);
+TEST(Extrapolation, GivesLinearFieldsBackOnRegularDistortedAndCurvedElements) {
+  for (const std::string type : kLinearTypes) {
+    expectLinearComesBack(Element(type, affine), type);
+    expectLinearComesBack(Element(type, warped), type);
+    const Shape shape = elementType(type).shape;
     // First-order elements and lines have no curved edges.
-    if (shapeNodes(elementType(type).shape).size() <= 4 || solid == Solid::Line) continue;
+    if (shapeNodes(shape).size() <= 4 || solidOf(shape) == Solid::Line) continue;
     expectLinearComesBack(Element(type, curved), type);
+  }
+  for (const char* shell : {"S4", "M3D4"}) {
+    expectLinearComesBack(Element(shell, warped, false), shell);
   }
 }
 
@@ -143,10 +140,6 @@ TEST(Extrapolation, GivesLinearFieldsBackWhateverTheNumbersOfNodesAndPoints) {
       expectLinearComesBack(Element(c.shape, c.nPoints, map), what);
     }
   }
-}
-
-TEST(Extrapolation, GivesLinearFieldsBackOnWarpedShells) {
-  for (const char* type : {"S4", "M3D4"}) expectLinearComesBack(Element(type, warped, false), type);
 }
 
 TEST(Extrapolation, OfOnePointIsConstant) {
@@ -170,16 +163,13 @@ TEST(Extrapolation, OfLayersFollowsTheMidSurface) {
   for (const char* type : {"COH3D8", "COH3D6", "GK3D8", "GK3D18", "COH2D4"}) {
     // A hundredth as thick as wide; planar layers are thin in s, solid ones in t.
     const bool planar = std::string(type) == "COH2D4";
-    const Element element(
-        type,
-        planar ? [](const Point& n) { return Point{n[0], 0.01 * n[1], 0}; }
-               : [](const Point& n) { return Point{n[0], n[1], 0.01 * n[2]}; },
-        false);
-    const auto values = element.extrapolated(
-        [&](const Point& p) { return 1 + 2 * p[0] - (planar ? 0 : p[1]); }, false);
+    const auto thinInS = [](const Point& n) { return Point{n[0], 0.01 * n[1], 0}; };
+    const auto thinInT = [](const Point& n) { return Point{n[0], n[1], 0.01 * n[2]}; };
+    const Element element(type, planar ? +thinInS : +thinInT, false);
+    const Field field = [&](const Point& p) { return 1 + 2 * p[0] - (planar ? 0 : p[1]); };
+    const auto values = element.extrapolated(field, false);
     for (std::size_t a = 0; a < values.size(); ++a) {
-      const Point p = element.node(static_cast<int>(a));
-      EXPECT_NEAR(values[a], 1 + 2 * p[0] - (planar ? 0 : p[1]), 1e-6) << type;
+      EXPECT_NEAR(values[a], field(element.node(static_cast<int>(a))), 1e-6) << type;
     }
   }
 }
@@ -254,37 +244,24 @@ TEST(Extrapolation, OfReducedHexahedraIsTrilinearThroughThePoints) {
   EXPECT_NEAR(corner[6], 1, 1e-6);
 }
 
-TEST(Extrapolation, OfNearlyFlatShellsDoesNotBlowUp) {
-  const Element element(
-      "S8R",
-      [](const Point& n) {
-        return Point{n[0], n[1], 1e-3 * n[0] * n[0] * (1 + 0.01 * n[1])};
-      },
-      false);
-  const auto values = element.extrapolated([](const Point& p) { return p[0] * p[1]; }, false);
-  for (double value : values) EXPECT_LT(std::fabs(value), 1.01);
-}
-
-TEST(Extrapolation, OfFlatShellsKeepsTheTwistTerm) {
-  const Element element(
-      "S8R",
-      [](const Point& n) {
-        return Point{n[0], n[1], 0.1 * n[0] + 0.3f * n[1]};
-      },
-      false);
-  const auto values = element.extrapolated([](const Point& p) { return p[0] * p[1]; }, false);
+TEST(Extrapolation, OfShellsKeepsTheTwistTermAndNearlyFlatOnesDoNotBlowUp) {
+  const Field twist = [](const Point& p) { return p[0] * p[1]; };
+  const auto flat = [](const Point& n) { return Point{n[0], n[1], 0.1 * n[0] + 0.3 * n[1]}; };
+  const auto values = Element("S8R", flat, false).extrapolated(twist, false);
   EXPECT_NEAR(values[2], 1, 1e-5);
   EXPECT_NEAR(values[1], -1, 1e-5);
+  const auto nearly = [](const Point& n) {
+    return Point{n[0], n[1], 1e-3 * n[0] * n[0] * (1 + 0.01 * n[1])};
+  };
+  for (double value : Element("S8R", nearly, false).extrapolated(twist, false)) {
+    EXPECT_LT(std::fabs(value), 1.01);
+  }
 }
 
 TEST(Extrapolation, OfDegenerateElementsStaysFinite) {
   for (const char* type : {"C3D20R", "C3D10", "C3D15", "S8R"}) {
-    const Element element(
-        type,
-        [](const Point&) {
-          return Point{1, 1, 1};
-        },
-        false);
+    const auto collapsed = [](const Point&) { return Point{1, 1, 1}; };
+    const Element element(type, collapsed, false);
     for (double value : element.extrapolated([](const Point&) { return 2.0; }, false)) {
       EXPECT_NEAR(value, 2, 1e-9) << type;
     }

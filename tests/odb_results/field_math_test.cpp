@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 
 namespace odbs::test {
@@ -127,14 +126,29 @@ class Transformed : public FieldMath {
     return model_.odb->rootAssembly().DatumCsysByThreePoints(name, type, floats({0, 0, 0}),
                                                              floats({0, 1, 0}), floats({-1, 0, 0}));
   }
+  // Its origin is node 2, its pole the global x, and its x the global y.
+  const odb_DatumCsys& sphereAboutX() {
+    return model_.odb->rootAssembly().DatumCsysByThreePoints(
+        "SPHERE", E::SPHERICAL, floats({1, 0, 0}), floats({1, 1, 0}), floats({1, 0, 1}));
+  }
+  odb_FieldOutput nodal(const char* name, const std::vector<int>& nodes,
+                        const std::vector<std::vector<float>>& values) {
+    odb_FieldOutput field = model_.step().frames(0).FieldOutput(name, "", E::VECTOR);
+    field.addData(E::NODAL, model_.instance(), ints(nodes), rows(values));
+    return field;
+  }
+  static void expectAt(const odb_FieldOutput& field, int i, const std::vector<float>& expected) {
+    for (std::size_t k = 0; k < expected.size(); ++k) {
+      EXPECT_NEAR(at(field, i, static_cast<int>(k)), expected[k], 1e-5) << k;
+    }
+  }
 };
 
 TEST_F(Transformed, CartesianSystemsTurnVectorsAndTensors) {
   // x along the global y, y along -x.
   const odb_DatumCsys& turned = turnedCsys("T", E::CARTESIAN);
   const odb_FieldOutput u = u_.getTransformedField(turned);
-  EXPECT_NEAR(at(u, 0, 0), 0, 1e-6);
-  EXPECT_NEAR(at(u, 0, 1), -1, 1e-6);
+  expectAt(u, 0, {0, -1});
   EXPECT_NEAR(at(u, 1, 0), 2, 1e-6);
   EXPECT_NEAR(u.values(1).conjugateData()[1], -4, 1e-6);
   const odb_FieldOutput s = s_.getTransformedField(turned);
@@ -151,119 +165,44 @@ TEST_F(Transformed, CartesianSystemsTurnVectorsAndTensors) {
 TEST_F(Transformed, CylindricalDirectionsDependOnTheDeformedPlace) {
   const odb_DatumCsys& axes = model_.odb->rootAssembly().DatumCsysByThreePoints(
       "C", E::CYLINDRICAL, floats({0, 0, 0}), floats({1, 0, 0}), floats({0, 1, 0}));
-  odb_FieldOutput& v = model_.step().frames(0).FieldOutput("V", "", E::VECTOR);
   // Node 3 is at (1, 1, 0).
-  v.addData(E::NODAL, model_.instance(), ints({3}), rows({{1, 1, 5}}));
-  const odb_FieldOutput still = v.getTransformedField(axes);
-  EXPECT_NEAR(at(still, 0, 0), std::sqrt(2.0F), 1e-6);
-  EXPECT_NEAR(at(still, 0, 1), 0, 1e-6);
-  EXPECT_NEAR(at(still, 0, 2), 5, 1e-6);
-  odb_FieldOutput& moved = model_.step().frames(0).FieldOutput("D", "", E::VECTOR);
-  moved.addData(E::NODAL, model_.instance(), ints({3}), rows({{-1, 0, 0}}));
-  const odb_FieldOutput after = v.getTransformedField(axes, moved);
-  EXPECT_NEAR(at(after, 0, 0), 1, 1e-6);
-  EXPECT_NEAR(at(after, 0, 1), -1, 1e-6);
+  const odb_FieldOutput v = nodal("V", {3}, {{1, 1, 5}});
+  expectAt(v.getTransformedField(axes), 0, {std::sqrt(2.0F), 0, 5});
+  expectAt(v.getTransformedField(axes, nodal("D", {3}, {{-1, 0, 0}})), 0, {1, -1});
 }
-
-using Vector = std::array<double, 3>;
-
-Vector cross(const Vector& a, const Vector& b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-double dot(const Vector& a, const Vector& b) {
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-Vector unit(const Vector& a) {
-  const double n = std::sqrt(dot(a, a));
-  return {a[0] / n, a[1] / n, a[2] / n};
-}
-
-// A spherical system whose origin is (3, -1, 0.5), with x along the global z and z along -y.
-struct Sphere {
-  Vector origin = {3, -1, 0.5}, pole = {0, -1, 0};
-  // Radial, circumferential, meridional.
-  std::array<Vector, 3> at(const Vector& p) const {
-    const Vector r = unit({p[0] - origin[0], p[1] - origin[1], p[2] - origin[2]});
-    const Vector t = unit(cross(pole, r));
-    return {r, t, cross(r, t)};
-  }
-  const odb_DatumCsys& in(odb_Odb& odb) const {
-    return odb.rootAssembly().DatumCsysByThreePoints("SPHERE", E::SPHERICAL, floats({3, -1, 0.5F}),
-                                                     floats({3, -1, 1.5F}), floats({2, -1, 1}));
-  }
-};
 
 TEST_F(Transformed, SphericalDirectionsAreRadialCircumferentialMeridional) {
-  const Sphere sphere;
-  const odb_DatumCsys& csys = sphere.in(*model_.odb);
-  odb_FieldOutput& v = model_.step().frames(0).FieldOutput("V", "", E::VECTOR);
-  const Vector given = {0.7, -1.1, 2.3};
-  // Nodes 3 and 8 are at (1, 1, 0) and (0, 1, 1).
-  v.addData(E::NODAL, model_.instance(), ints({3, 8}),
-            rows({{0.7F, -1.1F, 2.3F}, {0.7F, -1.1F, 2.3F}}));
-  const odb_FieldOutput turned = v.getTransformedField(csys);
-  for (int i = 0; i < 2; ++i) {
-    const auto axes = sphere.at(i == 0 ? Vector{1, 1, 0} : Vector{0, 1, 1});
-    for (int k = 0; k < 3; ++k) {
-      EXPECT_NEAR(at(turned, i, k), dot(axes[static_cast<std::size_t>(k)], given), 1e-6);
-    }
-  }
-  // A tensor r r + 2 t t + 3 m m in the middle of element 10 is diagonal there.
-  const auto axes = sphere.at({0.5, 0.5, 0.5});
-  std::vector<float> tensor;
-  for (const auto& [i, j] : {std::pair(0, 0), {1, 1}, {2, 2}, {0, 1}, {0, 2}, {1, 2}}) {
-    double sum = 0;
-    for (std::size_t k = 0; k < 3; ++k) {
-      sum += static_cast<double>(k + 1) * axes[k][static_cast<std::size_t>(i)] *
-             axes[k][static_cast<std::size_t>(j)];
-    }
-    tensor.push_back(static_cast<float>(sum));
-  }
+  const odb_DatumCsys& sphere = sphereAboutX();
+  // Nodes 3 and 8 are at (1, 1, 0) and (0, 1, 1): directions y, z, x and (-1, 1, 1), (0, -1, 1),
+  // (2, 1, 1).
+  const odb_FieldOutput turned =
+      nodal("V", {3, 8}, {{1, 2, 3}, {1, 2, 3}}).getTransformedField(sphere);
+  expectAt(turned, 0, {2, 3, 1});
+  expectAt(turned, 1, {4 / std::sqrt(3.0F), 1 / std::sqrt(2.0F), 7 / std::sqrt(6.0F)});
+  // The middle of element 10 has the directions of node 8: r r + 2 t t + 3 m m is diagonal there.
   odb_FieldOutput& s = model_.step().frames(0).FieldOutput("SP", "", E::TENSOR_3D_FULL);
-  s.addData(E::CENTROID, model_.instance(), ints({10}), rows({tensor}));
-  const odb_FieldOutput diagonal = s.getTransformedField(csys);
-  const float expected[] = {1, 2, 3, 0, 0, 0};
-  for (int k = 0; k < 6; ++k) EXPECT_NEAR(at(diagonal, 0, k), expected[k], 1e-5) << k;
+  s.addData(E::CENTROID, model_.instance(), ints({10}),
+            rows({{7 / 3.0F, 11 / 6.0F, 11 / 6.0F, 2 / 3.0F, 2 / 3.0F, -1 / 6.0F}}));
+  expectAt(s.getTransformedField(sphere), 0, {1, 2, 3, 0, 0, 0});
 }
 
 TEST_F(Transformed, SphericalDirectionsExistOnTheAxisAndNotInTheOrigin) {
   const odb_DatumCsys& axes = model_.odb->rootAssembly().DatumCsysByThreePoints(
       "S", E::SPHERICAL, floats({0, 0, 0}), floats({1, 0, 0}), floats({0, 1, 0}));
-  odb_FieldOutput& v = model_.step().frames(0).FieldOutput("V", "", E::VECTOR);
   // Node 5 is at (0, 0, 1).
-  v.addData(E::NODAL, model_.instance(), ints({1, 5}), rows({{1, 2, 3}, {1, 2, 3}}));
-  const odb_FieldOutput turned = v.getTransformedField(axes);
-  const float expected[2][3] = {{1, 2, 3}, {3, 2, -1}};
-  for (int i = 0; i < 2; ++i) {
-    for (int k = 0; k < 3; ++k) EXPECT_NEAR(at(turned, i, k), expected[i][k], 1e-6);
-  }
+  const odb_FieldOutput turned =
+      nodal("V", {1, 5}, {{1, 2, 3}, {1, 2, 3}}).getTransformedField(axes);
+  expectAt(turned, 0, {1, 2, 3});
+  expectAt(turned, 1, {3, 2, -1});
 }
 
 TEST_F(Transformed, RotationVectorsTurnTheDirectionsOfTheirNodes) {
-  const Sphere sphere;
-  odb_Frame frame = model_.step().frames(0);
-  const Vector given = {1, 2, 3}, rotation = {0.9, -0.4, 0.6}, move = {0.5, 0.25, -1};
-  const auto add = [&](const char* name, const Vector& vector) {
-    odb_FieldOutput field = frame.FieldOutput(name, "", E::VECTOR);
-    std::vector<float> row(vector.begin(), vector.end());
-    field.addData(E::NODAL, model_.instance(), ints({3}), rows({row}));
-    return field;
-  };
-  const odb_FieldOutput v = add("V", given), d = add("D", move), r = add("UR", rotation);
-  const odb_FieldOutput turned = v.getTransformedField(sphere.in(*model_.odb), d, r);
-  const double angle = std::sqrt(dot(rotation, rotation));
-  const Vector k = unit(rotation);
-  const auto axes = sphere.at({1.5, 1.25, -1});
-  for (std::size_t i = 0; i < 3; ++i) {
-    // Rodrigues' formula.
-    const Vector across = cross(k, axes[i]);
-    double expected = 0;
-    for (std::size_t j = 0; j < 3; ++j) {
-      expected += given[j] * (axes[i][j] * std::cos(angle) + across[j] * std::sin(angle) +
-                              k[j] * dot(k, axes[i]) * (1 - std::cos(angle)));
-    }
-    EXPECT_NEAR(at(turned, 0, static_cast<int>(i)), expected, 1e-6);
-  }
+  // Node 3 moves to (1, 0, 1), where the directions are z, -y, x, and turns by 90 degrees about z.
+  const odb_FieldOutput turned =
+      nodal("V", {3}, {{1, 2, 3}})
+          .getTransformedField(sphereAboutX(), nodal("D", {3}, {{0, -1, 1}}),
+                               nodal("UR", {3}, {{0, 0, std::acos(0.0F)}}));
+  expectAt(turned, 0, {3, 1, 2});
 }
 
 TEST_F(Transformed, SurfaceTensorsTurnWithinTheirSurface) {
@@ -272,10 +211,7 @@ TEST_F(Transformed, SurfaceTensorsTurnWithinTheirSurface) {
   s.addData(E::INTEGRATION_POINT, model_.instance(), ints({40}), rows({{7, 3, 0, 1}}),
             model_.point(1), asGiven);
   const odb_FieldOutput turned = s.getTransformedField(turnedCsys("T", E::CARTESIAN));
-  EXPECT_NEAR(at(turned, 0, 0), 3, 1e-5);
-  EXPECT_NEAR(at(turned, 0, 1), 7, 1e-5);
-  EXPECT_NEAR(at(turned, 0, 2), 0, 1e-5);
-  EXPECT_NEAR(at(turned, 0, 3), -1, 1e-5);
+  expectAt(turned, 0, {3, 7, 0, -1});
 }
 
 }  // namespace

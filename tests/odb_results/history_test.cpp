@@ -29,7 +29,7 @@ TEST_F(History, OfANodeComesBack) {
   EXPECT_EQ(back.historyPoint().node().label(), 5);
   EXPECT_EQ(back.point().element().label(), -1);
   EXPECT_STREQ(back.historyPoint().region().name().CStr(), "");
-  EXPECT_STREQ(back.historyPoint().instance().name().CStr(), "");
+  EXPECT_STREQ(back.historyPoint().instance().name().CStr(), "P-1");
   EXPECT_STREQ(back.historyPoint().assembly().name().CStr(), "");
   EXPECT_STREQ(back.loadCase().name().CStr(), "");
   const odb_HistoryOutput& output = back.historyOutputs("U1");

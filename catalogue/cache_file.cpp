@@ -14,7 +14,7 @@
 #include "base/bytes.h"
 #include "base/text.h"
 #include "catalogue/cache_reader.h"
-#include "server/shutdown.h"
+#include "server/core/cache_guard.h"
 
 namespace odbs {
 

@@ -9,8 +9,8 @@
 
 #include "catalogue/cache_file.h"
 #include "catalogue/field_descriptor.h"
-#include "server/server_state.h"
-#include "server/shutdown.h"
+#include "server/core/cache_guard.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

@@ -2,7 +2,7 @@
 // The records of the result catalogue.
 #include "catalogue/catalogue_records.h"
 
-#include "server/record.h"
+#include "server/core/record.h"
 
 namespace odbs {
 

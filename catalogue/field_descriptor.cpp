@@ -6,7 +6,7 @@
 #include <tuple>
 #include <utility>
 
-#include "server/sdk_adapter.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

@@ -6,10 +6,10 @@
 #include <new>
 #include <string>
 
-#include "server/channel.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
-#include "server/server_state.h"
+#include "server/core/channel.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

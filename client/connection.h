@@ -13,8 +13,8 @@
 #include <string>
 #include <string_view>
 
-#include "client/command_rules.h"
-#include "client/record_stream.h"
+#include "client/records/command_rules.h"
+#include "client/records/record_stream.h"
 #include "port/port.h"
 
 namespace odbs::client {

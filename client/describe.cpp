@@ -2,8 +2,8 @@
 #include "client/describe.h"
 
 #include "client/describe_rows.h"
-#include "client/model_records.h"
-#include "client/small_records.h"
+#include "client/records/model_records.h"
+#include "client/records/small_records.h"
 
 namespace odbs::client {
 

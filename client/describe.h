@@ -8,8 +8,8 @@
 #include <variant>
 #include <vector>
 
-#include "client/command_rules.h"
-#include "client/record_stream.h"
+#include "client/records/command_rules.h"
+#include "client/records/record_stream.h"
 
 namespace odbs::client {
 

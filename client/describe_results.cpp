@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The rows of sets, section summary, catalogue, history, field values and nodal results.
-#include "client/catalogue.h"
 #include "client/describe_rows.h"
 #include "client/field_values.h"
-#include "client/history.h"
+#include "client/histories.h"
 #include "client/nodal_results.h"
 #include "client/regions.h"
+#include "client/result_catalogue.h"
 #include "client/sets.h"
 
 namespace odbs::client {

@@ -2,7 +2,7 @@
 #include "client/model.h"
 
 #include "client/database_file.h"
-#include "client/small_records.h"
+#include "client/records/small_records.h"
 
 namespace odbs::client {
 

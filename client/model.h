@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "client/connection.h"
-#include "client/model_records.h"
+#include "client/records/model_records.h"
 
 namespace odbs::client {
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "client/cursor.h"
-#include "client/small_records.h"
+#include "client/records/cursor.h"
+#include "client/records/small_records.h"
 
 namespace odbs::client {
 

@@ -2,8 +2,8 @@
 #include "client/regions.h"
 
 #include "base/text.h"
-#include "client/cursor.h"
-#include "client/small_records.h"
+#include "client/records/cursor.h"
+#include "client/records/small_records.h"
 
 namespace odbs::client {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "client/sets.h"
 
-#include "client/cursor.h"
-#include "client/small_records.h"
+#include "client/records/cursor.h"
+#include "client/records/small_records.h"
 
 namespace odbs::client {
 

@@ -2,7 +2,10 @@
 # How every library, program and test of the project is declared: one set of warnings, one include
 # root (the repository), sanitizers where asked for.
 function(odbs_compile_options target)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+  if(ODBS_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
   if(WIN32)
     # __USE_MINGW_ANSI_STDIO: the C99 meaning of the printf formats, as on Linux.
     target_compile_definitions(${target} PRIVATE __USE_MINGW_ANSI_STDIO=1)
@@ -22,11 +25,19 @@ function(odbs_export_nothing target)
   endif()
 endfunction()
 
-# odbs_library(NAME SOURCES a.cpp ... DEPENDS other ...): the static library of a folder.
+# odbs_library(NAME DEPENDS other ... EXCEPT a.cpp ...): the static library of a folder: all its sources,
+# but those excepted; SOURCES names them one by one instead.
 function(odbs_library name)
-  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;EXCEPT;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  if(NOT arg_SOURCES)
+    file(GLOB arg_SOURCES RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS *.cpp)
+    if(arg_EXCEPT)
+      list(REMOVE_ITEM arg_SOURCES ${arg_EXCEPT})
+    endif()
+  endif()
   add_library(${name} STATIC ${arg_SOURCES})
-  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                                            $<INSTALL_INTERFACE:include/odb_server>)
   target_link_libraries(${name} PUBLIC ${arg_DEPENDS} PRIVATE ${arg_PRIVATE_DEPENDS})
   odbs_compile_options(${name})
   odbs_export_nothing(${name})
@@ -36,7 +47,7 @@ endfunction()
 function(odbs_program name)
   cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${arg_DEPENDS})
   odbs_compile_options(${name})
 endfunction()
@@ -47,7 +58,7 @@ function(odbs_test name)
   cmake_parse_arguments(arg "" "LABEL" "SOURCES;DEPENDS" ${ARGN})
   odbs_program(${name} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE ODBS_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
-                                             ODBS_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+                                             ODBS_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   if(CMAKE_CROSSCOMPILING)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS "${arg_LABEL}")

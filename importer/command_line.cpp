@@ -13,10 +13,10 @@
 #include <new>
 
 #include "base/arguments.h"
-#include "importer/database_writer.h"
-#include "importer/deck_reader.h"
-#include "importer/result_input.h"
-#include "importer/result_writer.h"
+#include "importer/deck/deck_reader.h"
+#include "importer/results/result_input.h"
+#include "importer/write/database_writer.h"
+#include "importer/write/result_writer.h"
 #include "port/port.h"
 
 namespace odbs::importer {

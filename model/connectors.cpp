@@ -5,8 +5,8 @@
 #include <string>
 
 #include "model/put.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

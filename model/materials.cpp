@@ -5,7 +5,7 @@
 #include <odb_MaterialTypes.h>
 
 #include "model/put.h"
-#include "server/record.h"
+#include "server/core/record.h"
 
 namespace odbs {
 

@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "base/bytes.h"
-#include "server/channel.h"
-#include "server/sdk_mesh_runs.h"
+#include "server/core/channel.h"
+#include "server/core/sdk_mesh_runs.h"
 
 namespace odbs {
 

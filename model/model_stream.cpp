@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "lookup/instance_names.h"
 #include "model/materials.h"
 #include "model/mesh.h"
 #include "model/put.h"
 #include "model/rigid_bodies.h"
 #include "model/sections.h"
-#include "registry/instance_names.h"
-#include "server/entity_records.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/entity_records.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

@@ -7,7 +7,7 @@
 
 #include <odb_API.h>
 
-#include "server/record.h"
+#include "server/core/record.h"
 
 namespace odbs {
 

@@ -3,8 +3,8 @@
 #include "model/rigid_bodies.h"
 
 #include "model/put.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

@@ -12,7 +12,7 @@
 #include <odb_API.h>
 #include <odb_SectionTypes.h>
 
-#include "registry/category_names.h"
+#include "lookup/category_names.h"
 
 namespace odbs {
 

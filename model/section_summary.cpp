@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "lookup/instance_names.h"
+#include "lookup/section_elements.h"
 #include "model/put.h"
 #include "model/section_names.h"
-#include "registry/instance_names.h"
-#include "registry/section_elements.h"
-#include "server/entity_records.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/entity_records.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

@@ -7,8 +7,8 @@
 #include "base/text.h"
 #include "model/connectors.h"
 #include "model/put.h"
-#include "server/entity_records.h"
-#include "server/record.h"
+#include "server/core/entity_records.h"
+#include "server/core/record.h"
 
 namespace odbs {
 

@@ -7,12 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "lookup/instance_names.h"
 #include "model/model_stream.h"
 #include "model/put.h"
-#include "registry/instance_names.h"
-#include "server/entity_records.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/entity_records.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "regions/region_resolver.h"
-#include "server/record.h"
-#include "server/sdk_mesh_runs.h"
+#include "server/core/record.h"
+#include "server/core/sdk_mesh_runs.h"
 
 namespace odbs {
 

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "server/server_state.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <set>
 
-#include "registry/category_names.h"
-#include "registry/instance_names.h"
-#include "registry/section_elements.h"
-#include "registry/section_layups.h"
-#include "registry/section_materials.h"
-#include "server/label_set.h"
-#include "server/sdk_mesh_runs.h"
+#include "lookup/category_names.h"
+#include "lookup/instance_names.h"
+#include "lookup/section_elements.h"
+#include "lookup/section_layups.h"
+#include "lookup/section_materials.h"
+#include "server/core/label_set.h"
+#include "server/core/sdk_mesh_runs.h"
 
 namespace odbs {
 

@@ -10,7 +10,7 @@
 #include <map>
 #include <string>
 
-#include "server/sdk_adapter.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

@@ -10,7 +10,7 @@
 #include "registry/canonical_path.h"
 #include "registry/database_caches.h"
 #include "registry/upgrade_check.h"
-#include "server/allocation.h"
+#include "server/core/allocation.h"
 
 namespace odbs {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "server/sdk_adapter.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

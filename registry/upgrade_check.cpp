@@ -6,8 +6,8 @@
 #include <map>
 
 #include "port/port.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

@@ -4,8 +4,8 @@
 
 #include <stdexcept>
 
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

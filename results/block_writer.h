@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "results/value_records.h"
-#include "server/sdk_adapter.h"
-#include "server/sdk_value_slices.h"
-#include "server/server_state.h"
+#include "server/core/sdk_adapter.h"
+#include "server/core/sdk_value_slices.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

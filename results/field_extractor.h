@@ -4,7 +4,7 @@
 
 #include <odb_API.h>
 
-#include "server/server_state.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

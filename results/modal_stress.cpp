@@ -11,7 +11,7 @@
 
 #include "results/block_writer.h"
 #include "results/modal_kernel.h"
-#include "server/sdk_adapter.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

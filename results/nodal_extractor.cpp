@@ -8,11 +8,11 @@
 #include "results/block_writer.h"
 #include "results/failure_times.h"
 #include "results/value_records.h"
-#include "server/channel.h"
-#include "server/label_set.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
-#include "server/sdk_value_slices.h"
+#include "server/core/channel.h"
+#include "server/core/label_set.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
+#include "server/core/sdk_value_slices.h"
 
 namespace odbs {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "server/server_state.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "registry/section_layups.h"
+#include "lookup/section_layups.h"
 #include "results/block_writer.h"
 
 namespace odbs {

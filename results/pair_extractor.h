@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "server/server_state.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

@@ -12,7 +12,7 @@
 #include "results/field_extractor.h"
 #include "results/nodal_extractor.h"
 #include "results/pair_extractor.h"
-#include "server/server_state.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <string>
 
-#include "registry/label_table.h"
+#include "lookup/label_table.h"
 
 namespace odbs {
 

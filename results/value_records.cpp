@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "server/record.h"
+#include "server/core/record.h"
 
 namespace odbs {
 

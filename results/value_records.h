@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "base/bytes.h"
-#include "server/channel.h"
+#include "server/core/channel.h"
 
 namespace odbs {
 

@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "server/allocation.h"
+#include "server/core/allocation.h"
 
 namespace odbs {
 

@@ -13,11 +13,11 @@
 #include "model/section_summary.h"
 #include "model/sets_stream.h"
 #include "regions/region_queries.h"
-#include "registry/database_commands.h"
 #include "registry/open_database.h"
 #include "results/results_request.h"
-#include "server/sdk_adapter.h"
-#include "server/server_state.h"
+#include "server/core/sdk_adapter.h"
+#include "server/core/server_state.h"
+#include "server/registry_commands.h"
 
 namespace odbs {
 

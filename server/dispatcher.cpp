@@ -6,11 +6,11 @@
 #include <exception>
 #include <new>
 
-#include "server/allocation.h"
-#include "server/channel.h"
 #include "server/command_table.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
+#include "server/core/allocation.h"
+#include "server/core/channel.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

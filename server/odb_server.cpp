@@ -12,11 +12,11 @@
 #include "base/arguments.h"
 #include "base/text.h"
 #include "port/port.h"
-#include "server/allocation.h"
 #include "server/command_table.h"
+#include "server/core/allocation.h"
+#include "server/core/sdk_adapter.h"
 #include "server/dispatcher.h"
 #include "server/parent_watchdog.h"
-#include "server/sdk_adapter.h"
 
 namespace {
 

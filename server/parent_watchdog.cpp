@@ -3,8 +3,9 @@
 #include "server/parent_watchdog.h"
 
 #include "port/port.h"
-#include "server/sdk_adapter.h"
-#include "server/shutdown.h"
+#include "server/core/cache_guard.h"
+#include "server/core/process_end.h"
+#include "server/core/sdk_adapter.h"
 
 namespace odbs {
 

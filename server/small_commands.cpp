@@ -9,12 +9,13 @@
 #include <new>
 
 #include "port/port.h"
-#include "server/allocation.h"
-#include "server/field_scanner.h"
-#include "server/record.h"
-#include "server/sdk_adapter.h"
-#include "server/server_state.h"
-#include "server/shutdown.h"
+#include "server/core/allocation.h"
+#include "server/core/cache_guard.h"
+#include "server/core/field_scanner.h"
+#include "server/core/process_end.h"
+#include "server/core/record.h"
+#include "server/core/sdk_adapter.h"
+#include "server/core/server_state.h"
 
 namespace odbs {
 

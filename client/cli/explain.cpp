@@ -5,9 +5,9 @@
 #include <set>
 
 #include "base/text.h"
-#include "client/catalogue.h"
-#include "client/history.h"
+#include "client/histories.h"
 #include "client/model.h"
+#include "client/result_catalogue.h"
 #include "client/sets.h"
 
 namespace odbs::client {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Engine-private writing.
-#include "odb/src/database.h"
-#include "odb/src/entity_write.h"
-#include "odb/src/errors.h"
+#include "odb/src/model/database.h"
+#include "odb/src/model/entity_write.h"
+#include "odb/src/storage/errors.h"
 
 #include <odb_embedded.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Engine-private writing of constraints, interactions and other objects with named values, and the
 // names that the values of each known class have.
-#include "odb/src/database.h"
-#include "odb/src/errors.h"
+#include "odb/src/model/database.h"
+#include "odb/src/storage/errors.h"
 
 #include <odb_embedded.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // odb_Odb: getters and adding.
-#include "odb/src/database.h"
-#include "odb/src/errors.h"
-#include "odb/src/frame_match.h"
+#include "odb/src/model/database.h"
+#include "odb/src/model/frame_match.h"
+#include "odb/src/storage/errors.h"
 
 using namespace odbs::engine;
 

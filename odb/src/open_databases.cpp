@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The repository of open databases, and the functions that open, create and close.
-#include "odb/src/database.h"
-#include "odb/src/errors.h"
-#include "odb/src/old_layout.h"
+#include "odb/src/model/database.h"
+#include "odb/src/storage/errors.h"
+#include "odb/src/storage/old_layout.h"
 
 #include <mutex>
 

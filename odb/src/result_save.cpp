@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Writing fields into the tables of a database that is being saved.
-#include "odb/src/errors.h"
-#include "odb/src/history_data.h"
-#include "odb/src/result_rows.h"
+#include "odb/src/fields/result_rows.h"
+#include "odb/src/history/history_data.h"
+#include "odb/src/storage/errors.h"
 
 #include <unordered_map>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // odb_String and odb_Union.
-#include "odb/src/errors.h"
+#include "odb/src/storage/errors.h"
 
 #include <odb_Union.h>
 

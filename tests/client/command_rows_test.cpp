@@ -7,7 +7,7 @@
 #include <map>
 
 #include "base/text.h"
-#include "client/command_rules.h"
+#include "client/records/command_rules.h"
 #include "server/command_table.h"
 
 namespace odbs::client::test {

@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-#include "client/small_records.h"
+#include "client/records/small_records.h"
 #include "tests/client/built_server.h"
 
 namespace odbs::client::test {

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "client/describe.h"
-#include "client/errors.h"
+#include "client/records/errors.h"
 #include "tests/client/records.h"
 
 namespace odbs::client::test {

@@ -55,7 +55,8 @@ with tempfile.TemporaryDirectory() as folder:
     with_library = Path(folder, "with_library.cpp")
     with_library.write_text(block("cpp"), encoding="utf-8")
     libraries = [str(build / name) for name in
-                 ("client/libodbs_client.a", "port/libodbs_port.a", "base/libodbs_base.a")]
+                 ("client/libodbs_client.a", "client/records/libodbs_client_records.a",
+                  "port/libodbs_port.a", "base/libodbs_base.a")]
     run(["c++", "-std=c++17", *flags, f"-I{source}", str(with_library), *libraries, "-pthread",
          "-o", f"{folder}/with_library"])
     output = run([f"{folder}/with_library", f"{folder}/job.odb"])

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "client/command_rules.h"
+#include "client/records/command_rules.h"
 #include "tests/client/records.h"
 
 namespace odbs::client::test {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "client/errors.h"
-#include "client/record_stream.h"
+#include "client/records/errors.h"
+#include "client/records/record_stream.h"
 #include "tests/support/record_text.h"
 
 namespace odbs::client::test {

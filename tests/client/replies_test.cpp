@@ -5,11 +5,11 @@
 
 #include <sstream>
 
-#include "client/catalogue.h"
 #include "client/field_values.h"
-#include "client/history.h"
+#include "client/histories.h"
 #include "client/model.h"
 #include "client/nodal_results.h"
+#include "client/result_catalogue.h"
 #include "client/sets.h"
 #include "tests/client/records.h"
 

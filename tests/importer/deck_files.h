@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "importer/deck_reader.h"
+#include "importer/deck/deck_reader.h"
 #include "tests/support/temporary_folder.h"
 
 namespace odbs::importer {

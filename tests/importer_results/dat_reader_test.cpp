@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The reader of .dat files on one table of each shape that the solver prints, and on broken ones.
-#include "importer/dat_reader.h"
+#include "importer/results/dat_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The reader of .frd files on blocks of each format, and on files that break it.
-#include "importer/frd_index.h"
+#include "importer/results/frd_index.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Which database field each block of a result file becomes.
-#include "importer/result_fields.h"
+#include "importer/results/result_fields.h"
 
 #include <gtest/gtest.h>
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Matching result files with decks, shown by coordinates: the mean of the nodes that stand for a
 // node of the deck lies where that node lies.
-#include "importer/result_mesh.h"
+#include "importer/results/result_mesh.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
 
-#include "importer/deck_reader.h"
+#include "importer/deck/deck_reader.h"
 #include "tests/importer_results/result_text.h"
 
 namespace odbs::importer {

@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "importer/command_line.h"
-#include "importer/line_axes.h"
+#include "importer/results/line_axes.h"
 #include "tests/importer/deck_files.h"
 #include "tests/importer_results/result_text.h"
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A program as users write them: makes a database with a part, sets and sections.
+// A program as users write them: makes a database with a part, sets, sections and
+// a step with results.
 // Built with odb_main, which has the main function. Argument: the path to write.
 #include <odb_API.h>
 #include <odb_Enum.h>
@@ -83,6 +84,25 @@ static void addMesh(odb_Odb& odb) {
   instance1.assignSection(elementSet, sectionApi.sections()["Homogeneous Solid Section"]);
 }
 
+static void addResults(odb_Odb& odb) {
+  odb_Step& step1 = odb.Step("step-1", "the step", odb_Enum::TIME, 1.0);
+  odb_Instance& instance1 = odb.rootAssembly().instances()["part-1-1"];
+  const odb_SequenceNode& nodes = instance1.nodes();
+  odb_SequenceInt labels;
+  odb_SequenceSequenceFloat dispData;
+  for (int n = 0; n < nodes.size(); n++) {
+    labels.append(nodes[n].label());
+    odb_SequenceFloat disp(3);
+    for (int k = 0; k < 3; k++) disp.append((float)(n + k));
+    dispData.append(disp);
+  }
+  for (int increment = 0; increment < 3; increment++) {
+    odb_Frame frame = step1.Frame(increment, 0.5f * (float)increment, "a frame");
+    odb_FieldOutput& uField = frame.FieldOutput("U", "Displacements", odb_Enum::VECTOR);
+    uField.addData(odb_Enum::NODAL, instance1, labels, dispData);
+  }
+}
+
 int ABQmain(int argc, char** argv);
 
 int ABQmain(int argc, char** argv) {
@@ -91,6 +111,7 @@ int ABQmain(int argc, char** argv) {
       Odb("simpleModel", "ODB created with C++ API", "example illustrating the API", argv[1]);
   addMaterialAndSection(odb);
   addMesh(odb);
+  addResults(odb);
   odb.save();
   odb.close();
   std::cout << "written" << std::endl;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Damaged and foreign files: each ends in an exception of the library or in readable data, never in
 // anything else. Run with sanitizers as well.
-#include "odb/src/layout.h"
-#include "odb/src/storage.h"
+#include "odb/src/storage/layout.h"
+#include "odb/src/storage/storage.h"
 #include "tests/odb/read_everything.h"
 #include "tests/odb/sample_model.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Element types and shape functions against the textbook's closed forms.
-#include "odb/src/element_shape.h"
+#include "odb/src/numerics/element_shape.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Extrapolation of closed-form fields, on every element type that has a rule, on regular, skewed
 // and curved geometry.
-#include "odb/src/extrapolation.h"
+#include "odb/src/numerics/extrapolation.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Invariants and rotations against closed forms.
-#include "odb/src/tensor.h"
+#include "odb/src/numerics/tensor.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Sets of labels, and the selection made of them.
-#include "server/selection_set.h"
+#include "server/core/selection_set.h"
 
 #include <gtest/gtest.h>
 

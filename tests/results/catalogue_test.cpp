@@ -5,7 +5,7 @@
 #include <map>
 
 #include "catalogue/field_descriptor.h"
-#include "server/record.h"
+#include "server/core/record.h"
 #include "tests/results/result_fixture.h"
 #include "tests/support/failing_allocation.h"
 #include "tests/support/output_file.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // History overview and values.
 #include "catalogue/history.h"
-#include "server/record.h"
-#include "server/server_state.h"
+#include "server/core/record.h"
+#include "server/core/server_state.h"
 #include "tests/results/result_fixture.h"
 #include "tests/support/output_file.h"
 

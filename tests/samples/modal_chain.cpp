@@ -8,8 +8,8 @@
 #include <cmath>
 
 #include "importer/command_line.h"
-#include "importer/dat_reader.h"
-#include "importer/frd_reader.h"
+#include "importer/results/dat_reader.h"
+#include "importer/results/frd_reader.h"
 #include "samples/modal_covariance/command_line.h"
 
 namespace odbs::tests {

@@ -12,10 +12,10 @@
 #include <string>
 
 #include "port/port.h"
-#include "server/channel.h"
+#include "server/core/cache_guard.h"
+#include "server/core/channel.h"
+#include "server/core/sdk_adapter.h"
 #include "server/parent_watchdog.h"
-#include "server/sdk_adapter.h"
-#include "server/shutdown.h"
 #include "tests/support/output_file.h"
 
 namespace {

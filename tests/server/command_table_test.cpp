@@ -9,9 +9,9 @@
 #include <string>
 
 #include "base/text.h"
+#include "server/core/cache_guard.h"
+#include "server/core/server_state.h"
 #include "server/dispatcher.h"
-#include "server/server_state.h"
-#include "server/shutdown.h"
 #include "tests/support/output_file.h"
 #include "tests/support/server_process.h"
 

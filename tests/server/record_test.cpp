@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Records and the output buffer, seen from inside: what a record looks like, and when the buffer is
 // written out.
-#include "server/record.h"
+#include "server/core/record.h"
 
 #include <gtest/gtest.h>
 

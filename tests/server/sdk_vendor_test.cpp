@@ -2,7 +2,7 @@
 // The adapter's vendor variant, compiled and run against the embedded library, which offers the
 // documented names that it uses. What this cannot show is that the SDK has them too.
 #define ODBS_SDK 1
-#include "server/sdk_adapter.h"
+#include "server/core/sdk_adapter.h"
 
 #include <gtest/gtest.h>
 

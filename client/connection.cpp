@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "client/small_records.h"
+#include "client/records/small_records.h"
 
 namespace odbs::client {
 
@@ -55,7 +55,7 @@ std::string findServer(const std::string& given) {
     return given;
   }
   const std::string beside = besideRunningProgram();
-  if (!beside.empty() && port::fileStatus(beside).exists) return beside;
+  if (!beside.empty() && port::fileStatus(beside).isRegular) return beside;
   const char* named = std::getenv("ODB_SERVER");
   if (named != nullptr && *named != '\0') {
     if (port::fileStatus(named).exists) return named;

@@ -4,20 +4,20 @@
 # Installs what is missing, runs every check, then builds and tests each preset. A failing stage does
 # not stop the others; the summary at the end names it, and the exit status is 1.
 #
-#   ./test.sh            checks, release, asan, windows
-#   ./test.sh --quick    checks and release
+#   ./test.sh            checks, and release: the Linux build and its tests
+#   ./test.sh --all      also asan (sanitizers) and windows (cross-built, under Wine)
 #   ./test.sh PRESET...  checks and these presets
 
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
 
-setupOptions=()
-presets=(release asan windows)
+presets=(release)
 case "${1:-}" in
   "") ;;
-  --quick)
-    presets=(release)
-    setupOptions=(--native)
+  --all) presets=(release asan windows) ;;
+  -h | --help)
+    sed -n '7,9s/^# *//p' "$0"
+    exit 0
     ;;
   -*)
     sed -n '7,9s/^# *//p' "$0" >&2
@@ -25,6 +25,8 @@ case "${1:-}" in
     ;;
   *) presets=("$@") ;;
 esac
+setupOptions=(--native)
+case " ${presets[*]} " in *" windows "*) setupOptions=() ;; esac
 
 jobs=$(nproc)
 summary=()
@@ -43,7 +45,7 @@ stage() {
   [ "$outcome" = passed ]
 }
 
-stage "setup" scripts/setup.sh "${setupOptions[@]}" || {
+stage "setup" scripts/setup.sh ${setupOptions[@]+"${setupOptions[@]}"} || {
   echo "setup failed: nothing else can be tried" >&2
   exit 1
 }

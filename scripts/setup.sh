@@ -13,7 +13,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 . "$root/scripts/env.sh"
 
 native=(
-  g++ cmake ninja-build ccache
+  g++ cmake ninja-build ccache pkg-config
   libhdf5-dev zlib1g-dev googletest
   python3 python3-matplotlib clang-format git
 )

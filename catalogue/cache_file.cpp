@@ -15,6 +15,7 @@
 #include "base/text.h"
 #include "catalogue/cache_reader.h"
 #include "server/core/cache_guard.h"
+#include "server/core/entity_records.h"
 
 namespace odbs {
 
@@ -179,7 +180,7 @@ bool replayBody(CacheReader& reader, CatalogueListing listing, int outputFd) {
   std::string_view title;
   int number = 0;
   if (!reader.take(title)) return true;
-  sendTitle(outputFd, title);
+  sendAnalysisTitle(outputFd, title);
   if (!reader.take(number)) return true;
   sendAnalysisKind(outputFd, number);
   EntryReplay replay(reader, listing, outputFd);

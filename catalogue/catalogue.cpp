@@ -10,6 +10,7 @@
 #include "catalogue/cache_file.h"
 #include "catalogue/field_descriptor.h"
 #include "server/core/cache_guard.h"
+#include "server/core/entity_records.h"
 #include "server/core/server_state.h"
 
 namespace odbs {
@@ -142,8 +143,8 @@ void sendCatalogue(odb_Odb& odb, int outputFd, CatalogueListing listing) {
 
   CacheWriter cache(path, key);
   const std::string title = odb.analysisTitle().CStr();
-  const int analysisKind = static_cast<int>(odb.jobData().analysisCode()) - 1;
-  sendTitle(outputFd, title);
+  const int analysisKind = analysisKindOf(odb);
+  sendAnalysisTitle(outputFd, title);
   sendAnalysisKind(outputFd, analysisKind);
   cache.analysis(title, analysisKind);
   ListingWalk(odb, outputFd, listing, cache).run();

@@ -8,8 +8,6 @@ namespace odbs {
 
 namespace {
 
-constexpr unsigned char kTitleTag = 1;
-constexpr unsigned char kAnalysisTag = 2;
 constexpr unsigned char kStepTag = 12;
 constexpr unsigned char kProcedureTag = 13;
 constexpr unsigned char kFieldTag = 14;
@@ -31,24 +29,6 @@ std::string stepText(std::string_view name, std::string_view description) {
   text += '\x01';
   text += description.substr(0, kStepTextBytes - text.size());
   return text;
-}
-
-// Title record, direct.
-//   offset  size  content
-//   0       1     01
-//   1       4+n   text: analysis title
-void sendTitle(int outputFd, std::string_view title) {
-  sendText(outputFd, kTitleTag, title);
-}
-
-// Analysis record, direct.
-//   offset  size  content
-//   0       1     02
-//   1       4     analysis code less one
-void sendAnalysisKind(int outputFd, int analysisCodeLessOne) {
-  beginRecord(kAnalysisTag);
-  putI32(analysisCodeLessOne);
-  sendDirect(outputFd);
 }
 
 // Step record, direct.

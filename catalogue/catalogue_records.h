@@ -44,10 +44,8 @@ inline int classificationCount(CatalogueListing listing) {
 // Step name, the byte 01, step description: at most 199 bytes, cut at the end.
 std::string stepText(std::string_view name, std::string_view description);
 
-// The records of a listing. Each is written at once, past the output buffer: what a failed command
+// The records of an entry. Each is written at once, past the output buffer: what a failed command
 // left there waits for the next command that flushes.
-void sendTitle(int outputFd, std::string_view title);
-void sendAnalysisKind(int outputFd, int analysisCodeLessOne);
 void sendStep(int outputFd, const CatalogueEntry& entry);
 void sendProcedure(int outputFd, const CatalogueEntry& entry);
 void sendField(int outputFd, const CatalogueEntry& entry);

@@ -6,57 +6,25 @@
 #include <tuple>
 #include <utility>
 
+#include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 
 namespace odbs {
 
 namespace {
 
-// The API's data type codes as the protocol knows them.
-constexpr int kScalarType = 2;
-constexpr int kVectorType = 3;
-constexpr int kMatrixType = 4;
-constexpr int kFirstTensorType = 5;
-constexpr int kLastTensorType = 9;
-
-constexpr int kNodalPosition = 1;
-
-bool isTensor(int type) {
-  return type >= kFirstTensorType && type <= kLastTensorType;
-}
-
-// The two modal stress measures, which are matrices as stored and scalars as served.
-bool isModalMeasure(const std::string& name) {
-  return name == "MATRIX Sqq" || name == "MATRIX RSqq";
-}
-
-int positionBit(int position) {
-  switch (position) {
-    case 2:
+// The bit of a position in the masks of positions.
+int positionBit(int code) {
+  switch (code) {
+    case position::kElementNodal:
       return 8;
-    case 3:
+    case position::kIntegrationPoint:
       return 4;
-    case 4:
-    case 5:
+    case position::kCentroid:
+    case position::kElementFace:
       return 2;
-    case 8:
+    case position::kWholeElement:
       return 16;
-    default:
-      return 0;
-  }
-}
-
-// The kind of a tensor by its type code; types 7 to 9 differ by their number of components.
-int tensorKind(int type, int nComponents) {
-  if (type == 5) return 2;
-  if (type == 6) return 4;
-  switch (nComponents) {
-    case 4:
-      return 4;
-    case 3:
-      return 8;
-    case 6:
-      return 2;
     default:
       return 0;
   }
@@ -65,12 +33,12 @@ int tensorKind(int type, int nComponents) {
 int tensorKindMask(const odb_FieldOutput& field, int type, int nLabels) {
   const odb_SequenceFieldBulkData& blocks = field.bulkDataBlocks();
   const int nBlocks = blocks.size();
-  if (nBlocks < 2) return tensorKind(type, nLabels);
+  if (nBlocks < 2) return valueTypeFlag(type, nLabels);
   int mask = 0;
   for (int i = 0; i < nBlocks; ++i) {
     const odb_FieldBulkData& block = blocks[i];
     const int blockType = static_cast<int>(block.type());
-    if (isTensor(blockType)) mask |= tensorKind(blockType, block.width());
+    if (isTensor(blockType)) mask |= valueTypeFlag(blockType, block.width());
   }
   return mask;
 }
@@ -83,18 +51,18 @@ void describeLocations(const odb_FieldOutput& field, int type, FieldDescriptor& 
   bool layered = false;
   for (int i = 0; i < locations.size(); ++i) {
     const odb_FieldLocation& location = locations[i];
-    const int position = static_cast<int>(location.position());
-    nodal = nodal || position == kNodalPosition;
-    mask |= positionBit(position);
+    const int code = static_cast<int>(location.position());
+    nodal = nodal || code == position::kNodal;
+    mask |= positionBit(code);
     layered = layered || sdk::sectionPointsOf(location).size() > 1;
   }
-  if (nodal && type == kScalarType) d.nodalClass = 2;
-  if (nodal && type == kVectorType) d.nodalClass = 1;
-  if (type == kScalarType || type == kVectorType || isTensor(type)) {
+  if (nodal && type == data_type::kScalar) d.nodalClass = 2;
+  if (nodal && type == data_type::kVector) d.nodalClass = 1;
+  if (type == data_type::kScalar || type == data_type::kVector || isTensor(type)) {
     d.elementPositionMask = mask;
     d.hasSectionPoints = layered;
   }
-  if (type == kVectorType || isTensor(type)) d.vectorPositionMask = mask;
+  if (type == data_type::kVector || isTensor(type)) d.vectorPositionMask = mask;
 }
 
 int invariantMask(const odb_FieldOutput& field) {
@@ -108,8 +76,8 @@ int invariantMask(const odb_FieldOutput& field) {
 }
 
 std::string descriptionOf(const std::string& name, const odb_FieldOutput& field) {
-  if (name == "MATRIX Sqq") return "Mises equivalent stress";
-  if (name == "MATRIX RSqq") return "RMS of Mises equivalent stress";
+  if (name == kModalSquares) return "Mises equivalent stress";
+  if (name == kModalRoots) return "RMS of Mises equivalent stress";
   return field.description().CStr();
 }
 
@@ -172,13 +140,13 @@ FieldDescriptor describeField(const std::string& key, const odb_FieldOutput& fie
   const int type = static_cast<int>(field.type());
   describeLocations(field, type, d);
   d.invariantMask = invariantMask(field);
-  if (type == kScalarType) {
-    d.tensorKindMask = 1;
-  } else if (type == kVectorType) {
-    d.tensorKindMask = 16;
-  } else if (type == kMatrixType && isModalMeasure(d.name)) {
-    d.elementPositionMask = 8;
-    d.tensorKindMask = 1;
+  if (type == data_type::kScalar) {
+    d.tensorKindMask = value_type::kScalar;
+  } else if (type == data_type::kVector) {
+    d.tensorKindMask = value_type::kVector;
+  } else if (type == data_type::kMatrix && isModalMeasure(d.name)) {
+    d.elementPositionMask = positionBit(position::kElementNodal);
+    d.tensorKindMask = value_type::kScalar;
     d.hasSectionPoints = true;
   } else if (isTensor(type)) {
     d.tensorKindMask = tensorKindMask(field, type, static_cast<int>(d.componentLabels.size()));

@@ -8,6 +8,7 @@
 
 #include "server/core/channel.h"
 #include "server/core/record.h"
+#include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 #include "server/core/server_state.h"
 
@@ -45,16 +46,16 @@ PointNumbers pointNumbers(const odb_HistoryPoint& point) {
   const auto element = [&] { return point.element().label(); };
   PointNumbers numbers;
   switch (static_cast<int>(point.position())) {
-    case 1:
+    case position::kNodal:
       numbers.first = labelOrZero(node);
       break;
-    case 2:
+    case position::kElementNodal:
       numbers.first = labelOrZero(node);
       numbers.second = labelOrZero(element);
       break;
-    case 3:
-    case 5:
-    case 8:
+    case position::kIntegrationPoint:
+    case position::kElementFace:
+    case position::kWholeElement:
       numbers.first = labelOrZero(element);
       numbers.second = point.ipNumber();
       numbers.third = labelOrZero([&] { return point.sectionPoint().number(); });

@@ -20,8 +20,6 @@ namespace odbs {
 
 namespace {
 
-constexpr unsigned char kTitleTag = 0x01;
-constexpr unsigned char kAnalysisKindTag = 0x02;
 constexpr unsigned char kAnnotationLineTag = 0x15;
 constexpr const char* kAnnotationKey = "xml";
 
@@ -62,26 +60,8 @@ void sendInstance(const odb_Instance& instance, const ElementSections& sections,
 
 }  // namespace
 
-// Title record, direct.
-//   offset  size  content
-//   0       1     kTitleTag
-//   1       4+n   analysis title
-//
-// Analysis kind record, direct.
-//   offset  size  content
-//   0       1     kAnalysisKindTag
-//   1       4     analysis code minus one
-void sendTitle(odb_Odb& odb, int outputFd) {
-  beginRecord(kTitleTag);
-  putString(odb.analysisTitle());
-  sendDirect(outputFd);
-  beginRecord(kAnalysisKindTag);
-  putI32(static_cast<int>(odb.jobData().analysisCode()) - 1);
-  sendDirect(outputFd);
-}
-
 void sendModelStream(odb_Odb& odb, int outputFd, bool nodesOnly) {
-  sendTitle(odb, outputFd);
+  sendTitleAndKind(outputFd, odb);
   odb_Assembly& assembly = odb.rootAssembly();
   const std::vector<std::string> names = sortedInstanceNames(assembly);
   const bool isSingle = names.size() == 1;

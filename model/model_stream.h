@@ -12,7 +12,4 @@ namespace odbs {
 // records that were written before stay sent.
 void sendModelStream(odb_Odb& odb, int outputFd, bool nodesOnly);
 
-// Sends the first two records of every model reply, the title and the analysis kind, at once.
-void sendTitle(odb_Odb& odb, int outputFd);
-
 }  // namespace odbs

@@ -12,14 +12,13 @@
 #include "server/core/entity_records.h"
 #include "server/core/record.h"
 #include "server/core/sdk_adapter.h"
+#include "server/core/set_records.h"
 
 namespace odbs {
 
 namespace {
 
 constexpr unsigned char kSectionTag = '$';  // Contract: the tag of the full section record
-constexpr unsigned char kElementSetTag = 0x06;
-constexpr unsigned char kEndOfSetTag = 0x0B;
 
 // Contract: whatever has no row is reported as shell-like, homogeneous shells among them.
 std::uint32_t kindCode(const odb_Section& section) {
@@ -61,9 +60,9 @@ void sendShares(const std::vector<std::string>& sectionNames, const std::string*
     if (labels.empty()) continue;
     if (groupName && !hasSections) sendNameRecord(outputFd, *groupName);
     hasSections = true;
-    sendTextRecord(outputFd, kElementSetTag, sentSectionName(name));
+    sendSetHeader(outputFd, SetKind::kElements, sentSectionName(name));
     sendElementLabels(outputFd, labels.data(), static_cast<int>(labels.size()));
-    *reserveRecord(outputFd, 1) = kEndOfSetTag;
+    sendEndOfSet(outputFd);
   }
   if (groupName && hasSections) sendMarker(outputFd);
 }

@@ -3,29 +3,39 @@
 #include "model/sets_stream.h"
 
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lookup/instance_names.h"
-#include "model/model_stream.h"
 #include "model/put.h"
 #include "server/core/entity_records.h"
 #include "server/core/record.h"
 #include "server/core/sdk_adapter.h"
+#include "server/core/set_records.h"
 
 namespace odbs {
 
 namespace {
 
-constexpr unsigned char kNodeSetTag = 0x05;
-constexpr unsigned char kElementSetTag = 0x06;
-constexpr unsigned char kSurfaceTag = 0x07;
-constexpr unsigned char kEndOfSetTag = 0x0B;
 constexpr unsigned char kErrorTag = '|';
 
 constexpr std::string_view kBrokenSets = "Error in Sets definition";
 constexpr std::string_view kCouplingMark = "COUPLING_";
+
+std::optional<SetKind> kindOf(const odb_Set& set) {
+  switch (set.type()) {
+    case odb_Enum::NODE_SET:
+      return SetKind::kNodes;
+    case odb_Enum::ELEMENT_SET:
+      return SetKind::kElements;
+    case odb_Enum::SURFACE_SET:
+      return SetKind::kSurface;
+    default:
+      return std::nullopt;
+  }
+}
 
 class SetsWriter {
  public:
@@ -75,43 +85,28 @@ class SetsWriter {
            name.find(kCouplingMark) == std::string_view::npos;
   }
 
-  // Set header, buffered: 05 node set, 06 element set, 07 surface; a text record. Then the members
-  // that belong to the instance, and the end-of-set record, a tag alone. Contract: a set of another
-  // type is the end-of-set record alone.
+  // The set's header, the members that belong to the instance, and the end. Contract: a set of
+  // another type is the end-of-set record alone.
   void sendSet(const odb_Set& set, const odb_String& instance, bool named) {
-    unsigned char tag = 0;
-    switch (set.type()) {
-      case odb_Enum::NODE_SET:
-        tag = kNodeSetTag;
-        break;
-      case odb_Enum::ELEMENT_SET:
-        tag = kElementSetTag;
-        break;
-      case odb_Enum::SURFACE_SET:
-        tag = kSurfaceTag;
-        break;
-      default:
-        break;
-    }
-    if (tag != 0) {
+    if (const std::optional<SetKind> kind = kindOf(set)) {
       const odb_String name = set.name();
-      sendTextRecord(outputFd_, tag, viewOf(name));
+      sendSetHeader(outputFd_, *kind, viewOf(name));
       if (named) sendNameRecord(outputFd_, viewOf(instance));
       try {
-        sdk::guarded([&] { sendMembers(set, tag, instance); });
+        sdk::guarded([&] { sendMembers(set, *kind, instance); });
       } catch (const std::bad_alloc&) {
         throw;
       } catch (const std::exception&) {
         // Contract: members that cannot be read end the list, and the set is closed all the same.
       }
     }
-    *reserveRecord(outputFd_, 1) = kEndOfSetTag;
+    sendEndOfSet(outputFd_);
   }
 
-  void sendMembers(const odb_Set& set, unsigned char tag, const odb_String& instance) {
-    if (tag == kNodeSetTag) {
+  void sendMembers(const odb_Set& set, SetKind kind, const odb_String& instance) {
+    if (kind == SetKind::kNodes) {
       sendNodeLabels(outputFd_, set.nodes(instance));
-    } else if (tag == kElementSetTag) {
+    } else if (kind == SetKind::kElements) {
       sendElementLabels(outputFd_, set.elements(instance));
     } else {
       sendElementLabelPairs(outputFd_, set.elements(instance), set.faces(instance));
@@ -139,7 +134,7 @@ SetLookUps librarySets() {
 
 void sendSetsStream(odb_Odb& odb, int outputFd, bool withSurfaces, bool withCouplings,
                     const SetLookUps& lookUps) {
-  sendTitle(odb, outputFd);
+  sendTitleAndKind(outputFd, odb);
   outputBuffer.fill = 0;
   odb_Assembly& assembly = odb.rootAssembly();
   const std::vector<std::string> names = sortedInstanceNames(assembly);

@@ -9,15 +9,12 @@
 #include "regions/region_resolver.h"
 #include "server/core/record.h"
 #include "server/core/sdk_mesh_runs.h"
+#include "server/core/set_records.h"
 
 namespace odbs {
 
 namespace {
 
-constexpr unsigned char kNodeSetTag = 0x05;
-constexpr unsigned char kElementSetTag = 0x06;
-constexpr unsigned char kSurfaceTag = 0x07;
-constexpr unsigned char kEndOfSetTag = 0x0B;
 constexpr unsigned char kRegionTag = 'R';
 
 // Region record, buffered.
@@ -88,23 +85,23 @@ void addNodesOfAssemblyElements(odb_Assembly& assembly, SelectionSet& selection)
 
 void sendShare(const RegionRequest& request, const RegionShare& share, bool ofNodes, bool grouped,
                int outputFd) {
-  unsigned char tag = kElementSetTag;
-  if (request.kind == static_cast<int>(RegionKind::kSurface)) tag = kSurfaceTag;
+  SetKind kind = SetKind::kElements;
+  if (request.kind == static_cast<int>(RegionKind::kSurface)) kind = SetKind::kSurface;
   if (request.kind == static_cast<int>(RegionKind::kNodeSet) ||
       (ofNodes && share.elements.empty())) {
-    tag = kNodeSetTag;  // surfaces made of nodes, too, also where an owner has none of them
+    kind = SetKind::kNodes;  // surfaces made of nodes, too, also where an owner has none of them
   }
-  sendTextRecord(outputFd, tag, request.name);
+  sendSetHeader(outputFd, kind, request.name);
   if (grouped) sendNameRecord(outputFd, share.instance);
   const int nElements = static_cast<int>(share.elements.size());
-  if (tag == kNodeSetTag) {
+  if (kind == SetKind::kNodes) {
     sendNodeLabels(outputFd, share.nodes.data(), static_cast<int>(share.nodes.size()));
-  } else if (tag == kSurfaceTag) {
+  } else if (kind == SetKind::kSurface) {
     sendElementLabelPairs(outputFd, share.elements.data(), share.faces.data(), nElements);
   } else {
     sendElementLabels(outputFd, share.elements.data(), nElements);
   }
-  *reserveRecord(outputFd, 1) = kEndOfSetTag;
+  sendEndOfSet(outputFd);
   if (grouped) sendMarker(outputFd);
 }
 

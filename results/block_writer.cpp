@@ -5,16 +5,10 @@
 #include <stdexcept>
 
 #include "server/core/record.h"
+#include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 
 namespace odbs {
-
-namespace {
-
-// Contract: this position means the field as it is stored, without a subset.
-constexpr int kPositionAsStored = 3;
-
-}  // namespace
 
 void BlockWriter::sendHeaders(const odb_FieldBulkData& block) {
   headersPending_ = false;
@@ -110,7 +104,8 @@ bool findField(odb_Odb& odb, const Selection& selection, odb_FieldOutput& field)
 }
 
 odb_FieldOutput atPosition(const odb_FieldOutput& field, int position) {
-  if (position == kPositionAsStored) return field;
+  // Contract: this position means the field as it is stored, without a subset.
+  if (position == position::kIntegrationPoint) return field;
   if (!sdk::isResultPosition(position)) throw std::out_of_range("no such result position");
   return field.getSubset(static_cast<odb_Enum::odb_ResultPositionEnum>(position), true);
 }

@@ -5,7 +5,8 @@
 #include "results/block_writer.h"
 #include "results/modal_stress.h"
 #include "results/section_point_choice.h"
-#include "results/value_records.h"
+#include "server/core/entity_records.h"
+#include "server/core/result_codes.h"
 
 namespace odbs {
 
@@ -68,11 +69,10 @@ int sectionPointField(const FieldRequest& request, int sectionPoint) {
 }
 
 void extractField(odb_Odb& odb, int outputFd, const FieldRequest& request) {
-  sendResultTitle(outputFd, odb.analysisTitle().CStr(),
-                  static_cast<int>(odb.jobData().analysisCode()) - 1);
+  sendTitleAndKind(outputFd, odb);
   odb_FieldOutput field;
   if (!findField(odb, *request.selection, field)) return;
-  if (isModalStress(request.selection->variableName)) {
+  if (isModalMeasure(request.selection->variableName)) {
     extractModalStress(odb, outputFd, request, field);
     return;
   }

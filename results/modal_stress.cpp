@@ -11,14 +11,13 @@
 
 #include "results/block_writer.h"
 #include "results/modal_kernel.h"
+#include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 
 namespace odbs {
 
 namespace {
 
-constexpr const char* kSquares = "MATRIX Sqq";
-constexpr const char* kRoots = "MATRIX RSqq";
 constexpr const char* kStress = "S";
 constexpr const char* kFrequency = "*FREQUENCY";
 constexpr const char* kSlotLabels[6] = {"S11", "S22", "S33", "S12", "S13", "S23"};
@@ -130,7 +129,7 @@ class ModalStress {
   }
 
   void send(odb_Odb& odb, int outputFd, const std::vector<std::vector<float>>& cache) const {
-    const bool roots = request_.selection->variableName == kRoots;
+    const bool roots = request_.selection->variableName == kModalRoots;
     const PackedMatrix matrix{entries_.data(), order_};
     BlockWriter writer(odb, outputFd, false, false, request_.selected);
     std::vector<double> squares;
@@ -197,10 +196,6 @@ class ModalStress {
 };
 
 }  // namespace
-
-bool isModalStress(std::string_view variableName) {
-  return variableName == kSquares || variableName == kRoots;
-}
 
 void extractModalStress(odb_Odb& odb, int outputFd, const FieldRequest& request,
                         const odb_FieldOutput& matrix) {

@@ -5,22 +5,17 @@
 
 #include <odb_API.h>
 
-#include <string_view>
-
 #include "results/field_extractor.h"
 
 namespace odbs {
 
-// True for the names of the fields that hold such a matrix: "MATRIX Sqq", which asks for expected
-// squares of the von Mises stress, and "MATRIX RSqq", for their square roots.
-bool isModalStress(std::string_view variableName);
-
 // Sends the values, one number each, for the blocks of "S" without section points. `matrix` is the
-// field of one of these names. Nothing is sent when it holds no values, when no step before the
-// selected one has the procedure "*FREQUENCY", or when no mode of that step has "S". The modes'
-// stresses are gathered in the server state's cache first. Throws what the database library throws,
-// and std::runtime_error or std::out_of_range for modes and a matrix that do not fit each other, in
-// all cases before a value is sent; flushes the output buffer when it ends normally.
+// field of a modal measure (server/core/result_codes.h). Nothing is sent when it holds no values,
+// when no step before the selected one has the procedure "*FREQUENCY", or when no mode of that step
+// has "S". The modes' stresses are gathered in the server state's cache first. Throws what the
+// database library throws, and std::runtime_error or std::out_of_range for modes and a matrix that
+// do not fit each other, in all cases before a value is sent; flushes the output buffer when it
+// ends normally.
 void extractModalStress(odb_Odb& odb, int outputFd, const FieldRequest& request,
                         const odb_FieldOutput& matrix);
 

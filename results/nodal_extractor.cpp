@@ -7,10 +7,10 @@
 
 #include "results/block_writer.h"
 #include "results/failure_times.h"
-#include "results/value_records.h"
 #include "server/core/channel.h"
+#include "server/core/entity_records.h"
 #include "server/core/label_set.h"
-#include "server/core/record.h"
+#include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 #include "server/core/sdk_value_slices.h"
 
@@ -32,7 +32,6 @@ constexpr struct {
 } kRotations[] = {{"UR", {19, 20}}, {"UR1", {38, 40}}, {"UR2", {57, 60}}, {"UR3", {76, 80}}};
 
 constexpr unsigned char kFailedElementTag = '"';
-constexpr int kCentroid = 4;
 constexpr int kMostNumbers = static_cast<int>((kMaxPayload - 5) / 4);
 
 constexpr std::string_view kContactNames[] = {"COPEN", "CPRESS", "CDPRESS", "CSHEAR",  "CDSHEAR",
@@ -204,8 +203,7 @@ const std::string* findContactKey(const std::vector<std::string>& keys, std::str
 }
 
 void extractNodal(odb_Odb& odb, int outputFd, const Selection& selection, const LabelList& labels) {
-  sendResultTitle(outputFd, odb.analysisTitle().CStr(),
-                  static_cast<int>(odb.jobData().analysisCode()) - 1);
+  sendTitleAndKind(outputFd, odb);
   if (selection.stepNumber < 1) return;
   const int stepIndex = selection.stepNumber - 1;
   const odb_Step& step = stepAt(odb, stepIndex);
@@ -218,7 +216,7 @@ void extractNodal(odb_Odb& odb, int outputFd, const Selection& selection, const 
   walk.sendField(fields.get(key.c_str()), kNodalTags);
   if (selection.variableName == "U" || selection.variableName == "UT") {
     if (fields.isMember("STATUS")) walk.sendStatus(fields.get("STATUS"));
-    if (!fields.isMember("CFAILST") && selection.position == kCentroid) {
+    if (!fields.isMember("CFAILST") && selection.position == position::kCentroid) {
       const double now =
           static_cast<double>(frame.frameValue()) + static_cast<double>(step.totalTime());
       walk.sendFailedUntil(failedElementsOf(odb, stepIndex), now);

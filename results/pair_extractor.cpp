@@ -8,6 +8,7 @@
 
 #include "lookup/section_layups.h"
 #include "results/block_writer.h"
+#include "server/core/entity_records.h"
 
 namespace odbs {
 
@@ -128,8 +129,7 @@ class PairWalk {
 }  // namespace
 
 void extractPair(odb_Odb& odb, int outputFd, const PairExtraction& request) {
-  sendResultTitle(outputFd, odb.analysisTitle().CStr(),
-                  static_cast<int>(odb.jobData().analysisCode()) - 1);
+  sendTitleAndKind(outputFd, odb);
   odb_FieldOutput field;
   if (!findField(odb, *request.selection, field)) return;
   PairWalk walk(odb, outputFd, request, field.isComplex());

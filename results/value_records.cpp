@@ -5,14 +5,10 @@
 #include <cmath>
 #include <cstring>
 
-#include "server/core/record.h"
-
 namespace odbs {
 
 namespace {
 
-constexpr unsigned char kTitleTag = 0x01;
-constexpr unsigned char kAnalysisTag = 0x02;
 constexpr unsigned char kValueTypeTag = '%';
 constexpr unsigned char kBlockTag = 0x1E;
 constexpr unsigned char kDirectionsTag = '\'';
@@ -20,35 +16,6 @@ constexpr unsigned char kDirectionsTag = '\'';
 constexpr std::size_t kTypeBytes = 8;
 
 }  // namespace
-
-void sendResultTitle(int outputFd, std::string_view title, int analysisCodeLessOne) {
-  beginRecord(kTitleTag);
-  putText(title);
-  sendDirect(outputFd);
-  beginRecord(kAnalysisTag);
-  putI32(analysisCodeLessOne);
-  sendDirect(outputFd);
-}
-
-int valueTypeFlag(int dataType, int nComponents) {
-  switch (dataType) {
-    case 2:
-    case 4:
-      return 1;
-    case 3:
-      return 16;
-    case 5:
-      return 2;
-    case 6:
-      return 4;
-    case 7:
-    case 8:
-    case 9:
-      return nComponents == 4 ? 4 : nComponents == 3 ? 8 : nComponents == 6 ? 2 : 0;
-    default:
-      return 0;
-  }
-}
 
 // Value-type record.
 //   offset  size  content

@@ -20,12 +20,7 @@ struct ValueKey {
   int thirdLabel = std::numeric_limits<int>::max();  // node, or face, or -1
 };
 
-// Title and analysis kind, direct: the first two records of every results reply.
-void sendResultTitle(int outputFd, std::string_view title, int analysisCodeLessOne);
-
-// The value-type flag of a block, from its data type code and its number of components.
-int valueTypeFlag(int dataType, int nComponents);
-
+// The value type of the blocks that follow, one of `value_type`.
 void sendValueType(int outputFd, int flag);
 
 // A block's header. The type is padded with blanks to 8 characters, or cut at 8.

@@ -14,6 +14,7 @@
 #include "server/core/field_scanner.h"
 #include "server/core/process_end.h"
 #include "server/core/record.h"
+#include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 #include "server/core/server_state.h"
 
@@ -37,11 +38,11 @@ void reportTotal(std::uint32_t total) {
 int positionCode(int sent) {
   switch (sent) {
     case 0:
-      return 4;
+      return position::kCentroid;
     case 1:
-      return 2;
+      return position::kElementNodal;
     case 2:
-      return 3;
+      return position::kIntegrationPoint;
     default:
       return sent;
   }

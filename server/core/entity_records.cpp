@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The shared records that are made from the database API's own objects.
+// Shared records that are made from the database API's own objects.
 #include "server/core/entity_records.h"
 
 #include <algorithm>
@@ -9,6 +9,9 @@
 namespace odbs {
 
 namespace {
+
+constexpr unsigned char kTitleTag = 0x01;
+constexpr unsigned char kAnalysisKindTag = 0x02;
 
 template <typename Numbers>
 void sendPairs(int outputFd, const odb_SequenceElement& elements, const Numbers& numbers) {
@@ -21,6 +24,36 @@ void sendPairs(int outputFd, const odb_SequenceElement& elements, const Numbers&
 }
 
 }  // namespace
+
+void sendTitleAndKind(int outputFd, odb_Odb& odb) {
+  const odb_String title = odb.analysisTitle();
+  sendAnalysisTitle(outputFd, {title.CStr(), static_cast<std::size_t>(title.Length())});
+  sendAnalysisKind(outputFd, analysisKindOf(odb));
+}
+
+// Title record, direct.
+//   offset  size  content
+//   0       1     01
+//   1       4+n   text: analysis title
+void sendAnalysisTitle(int outputFd, std::string_view title) {
+  beginRecord(kTitleTag);
+  putText(title);
+  sendDirect(outputFd);
+}
+
+// Analysis kind record, direct.
+//   offset  size  content
+//   0       1     02
+//   1       4     analysis code less one
+void sendAnalysisKind(int outputFd, int kind) {
+  beginRecord(kAnalysisKindTag);
+  putI32(kind);
+  sendDirect(outputFd);
+}
+
+int analysisKindOf(odb_Odb& odb) {
+  return static_cast<int>(odb.jobData().analysisCode()) - 1;
+}
 
 void sendEntityName(int outputFd, const odb_DiscreteEntity& entity) {
   const odb_String name = entity.name();

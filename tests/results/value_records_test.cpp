@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
+
+#include "server/core/result_codes.h"
 
 namespace odbs {
 namespace {
@@ -59,6 +62,30 @@ TEST_F(ValueRecords, WideValuesAreCutToOneRecord) {
   ASSERT_EQ(1u, sent.size());
   EXPECT_LE(sent[0].size(), kMaxPayload);
   EXPECT_EQ(1u, (sent[0].size() - 13) / 4 % 2 + 1) << "as many conjugate numbers as real ones";
+}
+
+TEST_F(ValueRecords, ABlocksHeadersSayItsValueTypeAndEightCharactersOfItsElementType) {
+  const struct {
+    int dataType, nComponents, flag;
+  } rows[] = {{2, 1, 1}, {3, 3, 16}, {4, 3, 1}, {5, 6, 2}, {6, 4, 4}, {7, 3, 8},
+              {8, 4, 4}, {9, 6, 2},  {7, 5, 0}, {0, 1, 0}, {1, 1, 0}, {10, 3, 0}};
+  for (const auto& row : rows)
+    sendValueType(kNowhere, valueTypeFlag(row.dataType, row.nComponents));
+  sendBlockHeader(kNowhere, "S4R", 1, -1);
+  sendBlockHeader(kNowhere, "SURFACE10", 2, 30);
+  const auto sent = records();
+  ASSERT_EQ(std::size(rows) + 2, sent.size());
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    ASSERT_EQ(5u, sent[i].size());
+    EXPECT_EQ('%', sent[i][0]);
+    EXPECT_EQ(rows[i].flag, getI32(&sent[i][1])) << "data type " << rows[i].dataType;
+  }
+  const auto textOf = [](const std::vector<unsigned char>& record) {
+    return std::string(record.begin(), record.end());
+  };
+  using namespace std::string_literals;
+  EXPECT_EQ("\x1ES4R     \x01\0\0\0\xFF\xFF\xFF\xFF"s, textOf(sent[std::size(rows)]));
+  EXPECT_EQ("\x1ESURFACE1\x02\0\0\0\x1E\0\0\0"s, textOf(sent.back()));
 }
 
 }  // namespace

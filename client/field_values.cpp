@@ -88,16 +88,6 @@ std::string valueTypeName(std::uint32_t flag) {
 void FieldValuesBuilder::add(const Record& record) {
   if (valueLayout(record.tag) != nullptr) return addValue(record);
   switch (record.tag) {
-    case kTitleTag:
-      values_.title = decodeTitle(record);
-      hasTitle_ = true;
-      return;
-    case kAnalysisKindTag:
-      values_.analysisKind = decodeAnalysisKind(record);
-      return;
-    case kMessageTag:
-      values_.messages.push_back(decodeMessage(record));
-      return;
     case kNameTag:
       instance_ = decodeName(record);
       return;
@@ -124,8 +114,7 @@ void FieldValuesBuilder::add(const Record& record) {
       return;
     }
     default:
-      throw MalformedRecord(record.offset,
-                            "a record of tag " + std::to_string(record.tag) + " among values");
+      if (!takeHead(record, values_)) failUnexpected(record, "among values");
   }
 }
 
@@ -201,12 +190,7 @@ FieldValues readFieldValues(Connection& server, const std::string& path,
   if (!request.regions.empty() && !selectAny(server, path, request, nothing)) return nothing;
   server.send(select);
   server.send(line);
-  FieldValuesBuilder builder;
-  for (Record record; server.next(record);) builder.add(record);
-  const bool isOpen = builder.hasTitle();
-  FieldValues values = builder.finish();
-  if (!isOpen) throw DatabaseNotOpened(path, values.messages);
-  return values;
+  return requireOpened(path, readReply(server, FieldValuesBuilder()));
 }
 
 }  // namespace odbs::client

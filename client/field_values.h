@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "client/connection.h"
+#include "client/read_reply.h"
 #include "client/regions.h"
 
 namespace odbs::client {
@@ -66,10 +66,7 @@ struct ValueBlock {
 };
 
 // The values of all blocks, as arrays.
-struct FieldValues {
-  std::string title;
-  std::int32_t analysisKind = -1;
-  std::vector<std::string> messages;
+struct FieldValues : ReplyHead {
   std::vector<ValueBlock> blocks;
   std::vector<std::int32_t> elementLabels;      // one for each value
   std::vector<std::int32_t> thirdLabels;        //
@@ -82,7 +79,6 @@ class FieldValuesBuilder {
  public:
   // Throws MalformedRecord for a record that does not fit its kind or its place.
   void add(const Record& record);
-  bool hasTitle() const { return hasTitle_; }
   FieldValues finish();
 
  private:
@@ -92,7 +88,6 @@ class FieldValuesBuilder {
   ValueView last_;
   std::string instance_;
   std::uint32_t valueType_ = 0;
-  bool hasTitle_ = false;
 };
 
 struct ValuesRequest {

@@ -71,8 +71,7 @@ void HistoryBuilder::add(const Record& record) {
              !history_.steps.back().regions.empty()) {
     history_.steps.back().regions.back().outputs.push_back(decodeHistoryOutput(record));
   } else {
-    throw MalformedRecord(record.offset, "a record of tag " + std::to_string(record.tag) +
-                                             " out of place in a history");
+    failUnexpected(record, "out of place in a history");
   }
 }
 
@@ -98,19 +97,9 @@ History HistoryBuilder::finish() {
   return history;
 }
 
-namespace {
-
-History readReply(Connection& server) {
-  HistoryBuilder builder;
-  for (Record record; server.next(record);) builder.add(record);
-  return builder.finish();
-}
-
-}  // namespace
-
 History readHistoryOverview(Connection& server, const std::string& path) {
   server.send("hi " + path);
-  return readReply(server);
+  return readReply(server, HistoryBuilder());
 }
 
 History readHistory(Connection& server, const std::string& path, std::int32_t stepNumber,
@@ -118,7 +107,7 @@ History readHistory(Connection& server, const std::string& path, std::int32_t st
   server.send("ho " + std::to_string(regions.size()));
   for (const std::string& region : regions) server.send("hb " + region);
   server.send("hr " + std::to_string(stepNumber) + " " + path);
-  return readReply(server);
+  return readReply(server, HistoryBuilder());
 }
 
 }  // namespace odbs::client

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "client/connection.h"
+#include "client/read_reply.h"
 
 namespace odbs::client {
 

@@ -1,24 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "client/model.h"
 
-#include "client/database_file.h"
 #include "client/records/small_records.h"
 
 namespace odbs::client {
-
-namespace {
-
-std::string notOpenedText(const std::string& path, const std::vector<std::string>& messages) {
-  std::string what = "the server could not open " + path;
-  for (const std::string& message : messages) what += " (it said: " + message + ")";
-  return what + ": " + whyNotOpened(path);
-}
-
-}  // namespace
-
-DatabaseNotOpened::DatabaseNotOpened(const std::string& path,
-                                     const std::vector<std::string>& messages)
-    : Error(notOpenedText(path, messages)), path_(path) {}
 
 void ModelBuilder::add(const Record& record) {
   switch (record.tag) {
@@ -28,18 +13,8 @@ void ModelBuilder::add(const Record& record) {
       return addElement(record);
     case kNameTag:
       return addName(record);
-    case kTitleTag:
-      model_.title = decodeTitle(record);
-      hasTitle_ = true;
-      return;
-    case kAnalysisKindTag:
-      model_.analysisKind = decodeAnalysisKind(record);
-      return;
     case kAnnotationTag:
       model_.annotation += decodeAnnotation(record);
-      return;
-    case kMessageTag:
-      model_.messages.push_back(decodeMessage(record));
       return;
     case kSectionTag:
       model_.sections.push_back(decodeSection(record));
@@ -62,8 +37,7 @@ void ModelBuilder::add(const Record& record) {
       openInstance().rigidBodies.push_back(decodeRigidBody(record));
       return;
     default:
-      throw MalformedRecord(record.offset,
-                            "a record of tag " + std::to_string(record.tag) + " in a model stream");
+      if (!takeHead(record, model_)) failUnexpected(record, "in a model stream");
   }
 }
 
@@ -137,12 +111,7 @@ Model ModelBuilder::finish() {
 
 Model readModel(Connection& server, const std::string& path, ModelScope scope) {
   server.send((scope == ModelScope::kWhole ? "g " : "G ") + path);
-  ModelBuilder builder;
-  for (Record record; server.next(record);) builder.add(record);
-  const bool isOpen = builder.hasTitle();
-  Model model = builder.finish();
-  if (!isOpen) throw DatabaseNotOpened(path, model.messages);
-  return model;
+  return requireOpened(path, readReply(server, ModelBuilder()));
 }
 
 }  // namespace odbs::client

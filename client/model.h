@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "client/connection.h"
+#include "client/read_reply.h"
 #include "client/records/model_records.h"
 
 namespace odbs::client {
@@ -32,11 +32,8 @@ struct Instance {
       rigidBodies;  // of the last instance: the root assembly's come after its own
 };
 
-struct Model {
-  std::string title;
-  std::int32_t analysisKind = -1;
-  std::string annotation;             // all its lines, empty when there is none
-  std::vector<std::string> messages;  // what the server said while opening
+struct Model : ReplyHead {
+  std::string annotation;  // all its lines, empty when there is none
   std::vector<Section> sections;
   std::vector<Material> materials;
   std::vector<Instance> instances;        // in the order of their names; the root assembly last
@@ -49,9 +46,6 @@ class ModelBuilder {
   // Throws MalformedRecord for a record that does not fit its kind or its place.
   void add(const Record& record);
 
-  // True once a title has come, without which the database was not opened.
-  bool hasTitle() const { return hasTitle_; }
-
   // Ends the model and hands it over; the builder is then empty.
   Model finish();
 
@@ -63,7 +57,6 @@ class ModelBuilder {
   Instance& openInstance();
 
   Model model_;
-  bool hasTitle_ = false;
   bool hasNames_ = false;    // more than one instance: names announce them
   std::string pendingName_;  // a name whose next record decides what it names
   bool namePending_ = false;

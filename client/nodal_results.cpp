@@ -53,31 +53,20 @@ std::int32_t decodeFailedElement(const Record& record) {
 void NodalResultsBuilder::add(const Record& record) {
   if (const NodalTag* tag = nodalTag(record.tag)) return addValue(record, *tag);
   switch (record.tag) {
-    case kTitleTag:
-      results_.title = decodeTitle(record);
-      hasTitle_ = true;
-      return;
-    case kAnalysisKindTag:
-      results_.analysisKind = decodeAnalysisKind(record);
-      return;
-    case kMessageTag:
-      results_.messages.push_back(decodeMessage(record));
-      return;
     case kNameTag:
       instance_ = decodeName(record);
       return;
     case kFailedElementTag:
       return addFailed(record);
     default:
-      throw MalformedRecord(
-          record.offset, "a record of tag " + std::to_string(record.tag) + " among nodal results");
+      if (!takeHead(record, results_)) failUnexpected(record, "among nodal results");
   }
 }
 
 // Nothing in the stream says where a block of the database ends, so a value that differs in kind
 // from the one before begins a block of its own.
 void NodalResultsBuilder::addValue(const Record& record, const NodalTag& tag) {
-  if (!hasTitle_) throw MalformedRecord(record.offset, "a nodal value ahead of the title");
+  if (!results_.hasTitle) throw MalformedRecord(record.offset, "a nodal value ahead of the title");
   const NodalView value = decodeNodalValue(record);
   const std::string_view rotation = tag.rotation;
   const std::string_view quantity = rotation.empty() ? std::string_view(variable_) : rotation;
@@ -104,7 +93,8 @@ void NodalResultsBuilder::addValue(const Record& record, const NodalTag& tag) {
 }
 
 void NodalResultsBuilder::addFailed(const Record& record) {
-  if (!hasTitle_) throw MalformedRecord(record.offset, "a failed element ahead of the title");
+  if (!results_.hasTitle)
+    throw MalformedRecord(record.offset, "a failed element ahead of the title");
   const std::int32_t label = decodeFailedElement(record);
   std::vector<FailedElements>& failed = results_.failed;
   auto at = std::find_if(failed.begin(), failed.end(),
@@ -149,13 +139,9 @@ NodalResults readNodalResults(Connection& server, const std::string& path,
   sendLabels(server, request.labels);  // none: what others left there is dropped
   server.send(select);
   server.send("rd " + path);
-  NodalResultsBuilder builder(request.field);
-  for (Record record; server.next(record);) builder.add(record);
+  NodalResults results = readReply(server, NodalResultsBuilder(request.field));
   if (!request.labels.empty()) sendLabels(server, {});
-  const bool isOpen = builder.hasTitle();
-  NodalResults results = builder.finish();
-  if (!isOpen) throw DatabaseNotOpened(path, results.messages);
-  return results;
+  return requireOpened(path, std::move(results));
 }
 
 }  // namespace odbs::client

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "client/connection.h"
+#include "client/read_reply.h"
 
 namespace odbs::client {
 
@@ -56,10 +56,7 @@ struct FailedElements {
 };
 
 // A whole reply, the values of all blocks as arrays.
-struct NodalResults {
-  std::string title;
-  std::int32_t analysisKind = -1;
-  std::vector<std::string> messages;
+struct NodalResults : ReplyHead {
   std::vector<NodalBlock> blocks;        // in the order of the stream
   std::vector<std::int32_t> nodeLabels;  // one for each value
   std::vector<float> components;         // of each value in turn
@@ -73,7 +70,6 @@ class NodalResultsBuilder {
   explicit NodalResultsBuilder(std::string variable) : variable_(std::move(variable)) {}
   // Throws MalformedRecord for a record that does not fit its kind or its place.
   void add(const Record& record);
-  bool hasTitle() const { return hasTitle_; }
   NodalResults finish();
 
  private:
@@ -83,7 +79,6 @@ class NodalResultsBuilder {
   std::string variable_;
   NodalResults results_;
   std::string instance_;
-  bool hasTitle_ = false;
 };
 
 struct NodalRequest {

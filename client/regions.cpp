@@ -111,10 +111,8 @@ RegionsReply readRegions(Connection& server, const std::string& path,
                          const std::vector<RegionQuery>& queries) {
   sendQueries(server, queries);
   server.send("irs 0 " + path);  // keeps the queries for irf
-  SetsBuilder builder;
-  for (Record record; server.next(record);) builder.add(record);
   RegionsReply reply;
-  reply.members = builder.finish();
+  reply.members = readReply(server, SetsBuilder());
   reply.counts = readCounts(server, path, reply.members.messages);
   if (reply.counts.size() < queries.size()) {
     throw DatabaseNotOpened(path, reply.members.messages);

@@ -2,7 +2,6 @@
 #include "client/result_catalogue.h"
 
 #include "client/records/cursor.h"
-#include "client/records/small_records.h"
 
 namespace odbs::client {
 
@@ -99,16 +98,6 @@ CatalogueEntry decodeFrame(const Record& record, bool isNodal) {
 
 void CatalogueBuilder::add(const Record& record) {
   switch (record.tag) {
-    case kTitleTag:
-      catalogue_.title = decodeTitle(record);
-      hasTitle_ = true;
-      return;
-    case kAnalysisKindTag:
-      catalogue_.analysisKind = decodeAnalysisKind(record);
-      return;
-    case kMessageTag:
-      catalogue_.messages.push_back(decodeMessage(record));
-      return;
     case kStepTag:
       step_ = decodeStep(record);
       hasStep_ = true;
@@ -126,8 +115,7 @@ void CatalogueBuilder::add(const Record& record) {
     case kFrameTag:
       return addFrame(record);
     default:
-      throw MalformedRecord(record.offset,
-                            "a record of tag " + std::to_string(record.tag) + " in a catalogue");
+      if (!takeHead(record, catalogue_)) failUnexpected(record, "in a catalogue");
   }
 }
 
@@ -157,12 +145,8 @@ Catalogue readCatalogue(Connection& server, const std::string& path,
   const char letter = kLetters[static_cast<int>(request.listing)][request.everyFrame ? 1 : 0];
   if (!request.cachePath.empty()) server.command("T " + request.cachePath);
   server.send(std::string("f") + letter + " " + path);
-  CatalogueBuilder builder(request.listing == Listing::kNodal);
-  for (Record record; server.next(record);) builder.add(record);
-  const bool isOpen = builder.hasTitle();
-  Catalogue catalogue = builder.finish();
-  if (!isOpen) throw DatabaseNotOpened(path, catalogue.messages);
-  return catalogue;
+  const CatalogueBuilder builder(request.listing == Listing::kNodal);
+  return requireOpened(path, readReply(server, builder));
 }
 
 }  // namespace odbs::client

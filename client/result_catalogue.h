@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "client/connection.h"
+#include "client/read_reply.h"
 
 namespace odbs::client {
 
@@ -48,10 +48,7 @@ struct CatalogueEntry {
   std::string frameDescription;
 };
 
-struct Catalogue {
-  std::string title;
-  std::int32_t analysisKind = -1;
-  std::vector<std::string> messages;
+struct Catalogue : ReplyHead {
   std::vector<CatalogueStep> steps;    // each once
   std::vector<CatalogueField> fields;  // each combination of texts once
   std::vector<CatalogueEntry> entries;
@@ -69,7 +66,6 @@ class CatalogueBuilder {
   explicit CatalogueBuilder(bool isNodal) : isNodal_(isNodal) {}
   // Throws MalformedRecord for a record that does not fit its kind or its place.
   void add(const Record& record);
-  bool hasTitle() const { return hasTitle_; }
   Catalogue finish();
 
  private:
@@ -77,7 +73,6 @@ class CatalogueBuilder {
 
   Catalogue catalogue_;
   bool isNodal_;
-  bool hasTitle_ = false;
   bool hasStep_ = false, hasField_ = false;  // of the entry in progress
   CatalogueStep step_;
   CatalogueField field_;

@@ -74,18 +74,12 @@ SectionSummary decodeSectionSummary(const Record& record) {
 
 void SetsBuilder::add(const Record& record) {
   lastOffset_ = record.offset;
+  if (takeHead(record, reply_)) {
+    // "Error in Sets definition" may come in the middle of a set.
+    if (record.tag == kMessageTag) isOpen_ = false;
+    return;
+  }
   switch (record.tag) {
-    case kTitleTag:
-      reply_.title = decodeTitle(record);
-      hasTitle_ = true;
-      return;
-    case kAnalysisKindTag:
-      reply_.analysisKind = decodeAnalysisKind(record);
-      return;
-    case kMessageTag:
-      reply_.messages.push_back(decodeMessage(record));
-      isOpen_ = false;  // "Error in Sets definition" may come in the middle of a set
-      return;
     case kSectionSummaryTag:
       reply_.sections.push_back(decodeSectionSummary(record));
       return;
@@ -130,8 +124,7 @@ void SetsBuilder::open(const Record& record, SetKind kind) {
 
 void SetsBuilder::addMembers(const Record& record) {
   if (!isOpen_ || record.tag != memberTag(reply_.sets.back().kind)) {
-    throw MalformedRecord(record.offset,
-                          "a record of tag " + std::to_string(record.tag) + " in a stream of sets");
+    failUnexpected(record, "in a stream of sets");
   }
   decodeMembers(record, reply_.sets.back().labels, reply_.sets.back().faces);
 }
@@ -148,19 +141,12 @@ SetsReply readSets(Connection& server, const std::string& path, const SetsReques
   line += request.perDatabase ? "1 " : "0 ";
   line += request.couplingSets ? "1 " : "0 ";
   server.send(line + path);
-  SetsBuilder builder;
-  for (Record record; server.next(record);) builder.add(record);
-  const bool isOpen = builder.hasTitle();
-  SetsReply reply = builder.finish();
-  if (!isOpen) throw DatabaseNotOpened(path, reply.messages);
-  return reply;
+  return requireOpened(path, readReply(server, SetsBuilder()));
 }
 
 SetsReply readSectionSummary(Connection& server, const std::string& path) {
   server.send("is   " + path);  // the path's column is 5
-  SetsBuilder builder;
-  for (Record record; server.next(record);) builder.add(record);
-  return builder.finish();
+  return readReply(server, SetsBuilder());
 }
 
 }  // namespace odbs::client

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "client/connection.h"
+#include "client/read_reply.h"
 
 namespace odbs::client {
 
@@ -54,11 +54,8 @@ void decodeMembers(const Record& record, std::vector<std::int32_t>& labels,
 
 SectionSummary decodeSectionSummary(const Record& record);
 
-// What S, s and is answer.
-struct SetsReply {
-  std::string title;               // S and s only
-  std::int32_t analysisKind = -1;  // S and s only
-  std::vector<std::string> messages;
+// What S, s and is answer; `is` sends no title and no analysis kind.
+struct SetsReply : ReplyHead {
   std::vector<NamedSet> sets;  // in the order of the stream; for `is` the elements of each section
   std::vector<SectionSummary> sections;  // `is` only
 };
@@ -67,7 +64,6 @@ class SetsBuilder {
  public:
   // Throws MalformedRecord for a record that does not fit its kind or its place.
   void add(const Record& record);
-  bool hasTitle() const { return hasTitle_; }
   // Throws MalformedRecord when a set has not been ended.
   SetsReply finish();
 
@@ -77,8 +73,7 @@ class SetsBuilder {
 
   SetsReply reply_;
   std::string instance_;  // of the group in progress
-  bool hasTitle_ = false;
-  bool isOpen_ = false;  // the last set has not been ended
+  bool isOpen_ = false;   // the last set has not been ended
   std::uint64_t lastOffset_ = 0;
 };
 

@@ -225,12 +225,28 @@ struct Material {
   Table acousticMedium;  // rows: bulk modulus
 };
 
+struct CoordinateSystem {
+  std::array<double, 3> origin{}, xAxis{1, 0, 0}, yAxis{0, 1, 0}, zAxis{0, 0, 1};
+};
+
 struct Orientation {
   std::string name;
   std::string system = "RECTANGULAR";  // or CYLINDRICAL, SPHERICAL
-  std::array<double, 3> origin{}, xAxis{1, 0, 0}, yAxis{0, 1, 0}, zAxis{0, 0, 1};
+  bool zFirst = false;                 // the first point is on the third axis
+  CoordinateSystem axes;               // of all elements without a system in `elementSystems`
+  std::string distribution;            // the *DISTRIBUTION that gives the axes; empty: none
+  // After finish(): the different systems of the distribution, and by element label the index of
+  // the one it has.
+  std::vector<CoordinateSystem> systems;
+  std::unordered_map<std::int32_t, std::size_t> elementSystems;
   int rotationAxis = 0;      // 1 to 3; 0: no further rotation
   double rotationAngle = 0;  // degrees
+  Place place = 0;
+
+  const CoordinateSystem& axesOf(std::int32_t element) const {
+    const auto found = elementSystems.find(element);
+    return found == elementSystems.end() ? axes : systems[found->second];
+  }
 };
 
 // A node or set named by other keywords: "12", "SET", "INSTANCE.12", "INSTANCE.SET".
@@ -239,6 +255,18 @@ struct Reference {
   std::int32_t label = 0;  // 0: a set
   std::string setName;
   bool given() const { return label != 0 || !setName.empty(); }
+};
+
+// Numbers of elements, as *DISTRIBUTION gives them. Later rows replace earlier ones.
+struct Distribution {
+  static constexpr std::size_t kMaxNumbers = 9;  // three points
+  struct Row {
+    Reference elements;
+    std::size_t numbers = 0;  // index in `different`
+  };
+  std::optional<std::vector<double>> standard;  // of the elements without a row
+  std::vector<std::vector<double>> different;   // without repetitions, for rows are many
+  std::vector<Row> rows;
 };
 
 struct RigidBody {
@@ -282,6 +310,7 @@ struct Scope {
   std::vector<RigidBody> rigidBodies;
   std::vector<NamedObject> objects;  // constraints and interactions
   std::map<std::string, Orientation> orientations;
+  std::map<std::string, Distribution> distributions;
   std::vector<std::string> transformedSets;  // of nodes, with a *TRANSFORM
 
   bool hasMesh() const { return nodes.size() + elements.size() > 0; }

@@ -60,6 +60,8 @@ const DeckParser::KeywordRow DeckParser::kKeywords[] = {
     {"FLUIDSECTION", &DeckParser::readOtherSection},
     {"SURFACESECTION", &DeckParser::readOtherSection},
     {"ORIENTATION", &DeckParser::readOrientation},
+    {"DISTRIBUTION", &DeckParser::readDistribution},
+    {"DISTRIBUTIONTABLE", &DeckParser::readDistributionTable},
     {"TRANSFORM", &DeckParser::readTransform},
     {"NODEPRINT", &DeckParser::readNodePrint},
     {"ELFILE", &DeckParser::readElementFile},

@@ -93,7 +93,14 @@ class DeckParser {
   void readAnalyticSurface(const Keyword&);
   void combineSurfaces(const Keyword&, Surface& surface);
 
-  // ---- Sections and orientations (read_sections.cpp) ----
+  // ---- Orientations (read_orientations.cpp) ----
+  void readOrientation(const Keyword&);
+  void readDistribution(const Keyword&);
+  void readDistributionTable(const Keyword&);
+  void finishOrientations(Scope& content);
+  bool takeDistribution(const Distribution& distribution, Orientation& orientation);
+
+  // ---- Sections (read_sections.cpp) ----
   void readSolidSection(const Keyword&);
   void readShellSection(const Keyword&);
   void readShellGeneralSection(const Keyword&);
@@ -105,7 +112,6 @@ class DeckParser {
   void readMass(const Keyword&);
   void readRotaryInertia(const Keyword&);
   void readOtherSection(const Keyword&);
-  void readOrientation(const Keyword&);
   void readTransform(const Keyword&);
   void readNodePrint(const Keyword&);
   void readElementFile(const Keyword& keyword);

@@ -86,6 +86,7 @@ void DeckParser::finish() {
 void DeckParser::finishUses(Scope& content, const Scope& home) {
   checkConnectivity(content);
   finishSurfaces(content, home);
+  finishOrientations(content);
   finishSections(content, home);
   finishRigidBodies(content);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Section keywords and *ORIENTATION.
+// Section keywords, and those that say how values are printed.
 #include <algorithm>
 #include <array>
 
@@ -219,62 +219,6 @@ void DeckParser::readOtherSection(const Keyword& keyword) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
   });
   scope().sections.push_back(startSection(keyword, SectionKind::other, word));
-}
-
-// Two points and an optional origin. Rectangular: a on the first axis, b in the plane of the first
-// two. Cylindrical and spherical: the polar axis runs from a to b.
-void DeckParser::readOrientation(const Keyword& keyword) {
-  Orientation orientation;
-  orientation.name = required(keyword, "NAME");
-  const std::string& system = keyword.value("SYSTEM");
-  if (startsWith(system, "C")) orientation.system = "CYLINDRICAL";
-  if (startsWith(system, "S")) orientation.system = "SPHERICAL";
-  const bool zFirst = startsWith(system, "Z");
-  const std::string& definition = keyword.value("DEFINITION");
-  std::string_view line;
-  bool byPoints = definition.empty() || definition == "COORDINATES";
-  const bool any = lines_.dataLine(line);
-  // In place of points the name of a table may stand that gives each element its own.
-  std::string_view first;
-  if (any && byPoints && Fields(line).next(first) && !first.empty() && !numberOf(first)) {
-    byPoints = false;
-  }
-  if (byPoints && any) {
-    auto v = realsOf(line, 9);
-    v.resize(9, 0.0);
-    const Vec3 a{v[0], v[1], v[2]}, b{v[3], v[4], v[5]}, c{v[6], v[7], v[8]};
-    const bool polar = orientation.system != "RECTANGULAR";
-    orientation.origin = polar ? a : c;
-    Vec3 x = polar ? Vec3{1, 0, 0} : a - c;
-    Vec3 z = polar ? b - a : cross(a - c, b - c);
-    if (zFirst) {  // a on the third axis, b in the plane of the first and the third
-      z = a - c;
-      x = b - c;
-    }
-    if (norm(z) > 0 && norm(x) > 0) {
-      z = (1 / norm(z)) * z;
-      x = x - dot(x, z) * z;
-      if (norm(x) < 1e-12) x = cross(Vec3{0, 1, 0}, z);
-      if (norm(x) < 1e-12) x = Vec3{1, 0, 0};
-      x = (1 / norm(x)) * x;
-      orientation.xAxis = x;
-      orientation.zAxis = z;
-      orientation.yAxis = cross(z, x);
-    } else {
-      warn(keyword.place, "the points of orientation " + orientation.name + " span no system");
-    }
-  } else if (!byPoints) {
-    warn(keyword.place, "orientation " + orientation.name +
-                            " is taken as global: its axes depend on the elements");
-  }
-  if (any && lines_.dataLine(line)) {
-    const auto values = realsOf(line, 2);
-    if (values.size() == 2 && values[0] >= 1 && values[0] <= 3) {
-      orientation.rotationAxis = static_cast<int>(values[0]);
-      orientation.rotationAngle = values[1];
-    }
-  }
-  scope().orientations[orientation.name] = orientation;
 }
 
 // The systems themselves have no place; which nodes have one tells how printed values are meant.

@@ -43,7 +43,8 @@ std::optional<Axes> LocalSystems::axesOf(const std::string& name, const ElementB
   if (found == mesh_.orientations.end() || family != Family::solid) return std::nullopt;
   const Orientation& orientation = found->second;
   if (orientation.system != "RECTANGULAR" || orientation.rotationAxis != 0) return std::nullopt;
-  return Axes{orientation.xAxis, orientation.yAxis, orientation.zAxis};
+  const CoordinateSystem& axes = orientation.axesOf(block.labels[at]);
+  return Axes{axes.xAxis, axes.yAxis, axes.zAxis};
 }
 
 std::optional<Axes> LocalSystems::shellAxes(const ElementBlock& block, std::size_t at) const {

@@ -89,7 +89,8 @@ class ModelWriter {
   void assignSections(odb_PartEntity& entity, const Scope& content);
   void assignAssemblySections();
   const Orientation* findOrientation(const Scope& content, const std::string& name) const;
-  odb_DatumCsys csysOf(const Orientation& orientation);
+  odb_DatumCsys csysOf(const Orientation& orientation, const CoordinateSystem& axes);
+  void orient(odb_PartEntity& entity, const odb_Set& region, const Orientation& orientation);
 
   // ---- write_rigid_bodies.cpp ----
   // `partEntity` is `entity` as a part or instance, null for the assembly.
@@ -115,8 +116,9 @@ class ModelWriter {
   std::map<std::string, const Section*> sectionsByName_;
   std::vector<std::string> categories_;  // names, by the index that elements carry
   std::map<const Section*, std::int32_t> categoryOf_;
-  std::map<std::string, const Orientation*> csysNames_;
-  const Scope* sharedFacesOf_ = nullptr;  // mesh whose inner faces these are
+  std::map<const CoordinateSystem*, std::string> csysOf_;  // names of the datum systems
+  std::map<std::string, int> nCsyses_;                     // by the name of the orientation
+  const Scope* sharedFacesOf_ = nullptr;                   // mesh whose inner faces these are
   std::unordered_set<FaceNodes, FaceHash> sharedFaces_;
   std::set<std::pair<NamedObject::Kind, std::string>> objectNames_;
   std::map<const Scope*, odb_Part> partOf_;  // by the scope that was written as a part

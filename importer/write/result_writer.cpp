@@ -36,10 +36,14 @@ void place(const Instance& instance, Scope& mesh) {
     const Vector3 axis = turned(instance.axes, section.beamAxis.data());
     section.beamAxis.assign(axis.begin(), axis.end());
   }
-  for (auto& [name, orientation] : mesh.orientations) {
-    for (Vector3* const axis : {&orientation.xAxis, &orientation.yAxis, &orientation.zAxis}) {
+  const auto turn = [&](CoordinateSystem& system) {
+    for (Vector3* const axis : {&system.xAxis, &system.yAxis, &system.zAxis}) {
       *axis = turned(instance.axes, axis->data());
     }
+  };
+  for (auto& [name, orientation] : mesh.orientations) {
+    turn(orientation.axes);
+    for (CoordinateSystem& system : orientation.systems) turn(system);
   }
 }
 

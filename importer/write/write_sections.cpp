@@ -14,6 +14,8 @@ namespace odbs::importer {
 
 namespace {
 
+constexpr std::size_t kMaxSystems = 1000;  // of one orientation on one section
+
 odb_SequenceSequenceDouble rowsOf(const Table& table) {
   odb_SequenceSequenceDouble rows;
   for (const auto& values : table.rows) {
@@ -247,27 +249,27 @@ const Orientation* ModelWriter::findOrientation(const Scope& content,
   return nullptr;
 }
 
-// The datum system of an orientation, made on first use. Systems of the same name get numbers.
-odb_DatumCsys ModelWriter::csysOf(const Orientation& orientation) {
-  std::string name = orientation.name;
-  for (int n = 2;; ++n) {
-    const auto taken = csysNames_.find(name);
-    if (taken == csysNames_.end()) break;
-    if (taken->second == &orientation) return odb_.rootAssembly().datumCsyses()[text(name)];
-    name = orientation.name + "-" + std::to_string(n);
-  }
-  csysNames_.emplace(name, &orientation);
+// The datum system with those axes of an orientation, made on first use. Systems of the same name
+// get numbers.
+odb_DatumCsys ModelWriter::csysOf(const Orientation& orientation, const CoordinateSystem& axes) {
+  const auto known = csysOf_.find(&axes);
+  if (known != csysOf_.end()) return odb_.rootAssembly().datumCsyses()[text(known->second)];
+  int& n = nCsyses_[orientation.name];
+  std::string name;
+  do {
+    name = ++n == 1 ? orientation.name : orientation.name + "-" + std::to_string(n);
+  } while (odb_.rootAssembly().datumCsyses().isMember(text(name)));
+  csysOf_.emplace(&axes, name);
   const auto type = orientation.system == "CYLINDRICAL" ? odb_Enum::CYLINDRICAL
                     : orientation.system == "SPHERICAL" ? odb_Enum::SPHERICAL
                                                         : odb_Enum::CARTESIAN;
   const auto plus = [&](const std::array<double, 3>& axis) {
     std::array<double, 3> point{};
-    for (std::size_t i = 0; i < 3; ++i) point[i] = orientation.origin[i] + axis[i];
+    for (std::size_t i = 0; i < 3; ++i) point[i] = axes.origin[i] + axis[i];
     return floats(point);
   };
-  return odb_.rootAssembly().DatumCsysByThreePoints(text(name), type, floats(orientation.origin),
-                                                    plus(orientation.xAxis),
-                                                    plus(orientation.yAxis));
+  return odb_.rootAssembly().DatumCsysByThreePoints(text(name), type, floats(axes.origin),
+                                                    plus(axes.xAxis), plus(axes.yAxis));
 }
 
 void ModelWriter::assignSections(odb_PartEntity& entity, const Scope& content) {
@@ -290,10 +292,44 @@ void ModelWriter::assignSections(odb_PartEntity& entity, const Scope& content) {
       warn("orientation " + section.orientation + " of section " + named.name + " is not defined");
       continue;
     }
-    const int axis = std::max(orientation->rotationAxis, 1);
-    entity.assignMaterialOrientation(region, csysOf(*orientation),
-                                     static_cast<odb_Enum::odb_AxisEnum>(axis),
-                                     static_cast<float>(orientation->rotationAngle));
+    orient(entity, region, *orientation);
+  }
+}
+
+// Elements of one system are one region. Where the orientation has systems of single elements, each
+// region is an internal element set.
+void ModelWriter::orient(odb_PartEntity& entity, const odb_Set& region,
+                         const Orientation& orientation) {
+  const auto assign = [&](const odb_Set& elements, const CoordinateSystem& axes) {
+    entity.assignMaterialOrientation(
+        elements, csysOf(orientation, axes),
+        static_cast<odb_Enum::odb_AxisEnum>(std::max(orientation.rotationAxis, 1)),
+        static_cast<float>(orientation.rotationAngle));
+  };
+  if (orientation.elementSystems.empty()) return assign(region, orientation.axes);
+  std::map<std::size_t, std::vector<std::int32_t>> groups;  // by system, 0: that of the rest
+  const odb_SequenceElement& elements = region.elements();
+  for (int i = 0; i < elements.size(); ++i) {
+    const std::int32_t label = elements[i].label();
+    const auto found = orientation.elementSystems.find(label);
+    groups[found == orientation.elementSystems.end() ? 0 : found->second + 1].push_back(label);
+  }
+  if (groups.size() > kMaxSystems) {
+    warn("orientation " + orientation.name + " has more than " + std::to_string(kMaxSystems) +
+         " different systems: it is not assigned to the elements; values keep their systems");
+    return;
+  }
+  for (const auto& [system, labels] : groups) {
+    const CoordinateSystem& axes = orientation.axesOf(labels.front());
+    if (groups.size() == 1) return assign(region, axes);
+    const odb_DatumCsys csys = csysOf(orientation, axes);
+    const std::string base = "_" + std::string(region.name().CStr()) + "_" + csys.name().CStr();
+    std::string name = base;
+    for (int n = 2; entity.elementSets().isMember(text(name)); ++n) {
+      name = base + "-" + std::to_string(n);
+    }
+    assign(entity.ElementSet(text(name), sequence(labels)), axes);
+    ++summary_.nSets;
   }
 }
 
@@ -303,7 +339,7 @@ void ModelWriter::assignAssemblySections() {
   const auto orient = [&](const odb_Set& region, const Section& section, const Scope& content) {
     const auto system = [&](const std::string& name, const Orientation*& orientation) {
       orientation = name.empty() ? nullptr : findOrientation(content, name);
-      if (orientation) return csysOf(*orientation);
+      if (orientation) return csysOf(*orientation, orientation->axes);
       if (!name.empty()) warn("orientation " + name + " of a connector is not defined");
       return odb_DatumCsys();
     };

@@ -141,19 +141,33 @@ TEST_F(DeckTest, WhatStandsOutsideOfPartsIsNoPart) {
   EXPECT_EQ(1U, deck.instances[0].part);
 }
 
-TEST_F(DeckTest, OrientationsAreAxesByPointsOrGlobal) {
+TEST_F(DeckTest, OrientationsAreAxesByPointsElementByElementOrGlobal) {
   const Deck deck = read(kCube +
                          "*ORIENTATION, NAME=R\n0,2,0, -1,0,0, 0,0,0\n3, 30.\n"
                          "*ORIENTATION, NAME=C, SYSTEM=CYLINDRICAL\n1,0,0, 1,0,5\n"
-                         "*ORIENTATION, NAME=T\nTable-1\n3, 0.\n");
+                         "*ORIENTATION, NAME=T\nTable-1\n3, 0.\n"
+                         "*ELEMENT, TYPE=C3D8\n2,1,2,3,4,5,6,7,8\n3,1,2,3,4,5,6,7,8\n"
+                         "*ORIENTATION, NAME=D, SYSTEM=Z RECTANGULAR\nEach\n"
+                         "*DISTRIBUTION TABLE, NAME=Points\nCOORD3D, COORD3D\n"
+                         "*DISTRIBUTION, NAME=Each, LOCATION=ELEMENT, TABLE=Points\n"
+                         ", 0,0,2, 3,0,0\n2, 2,0,0, 0,1,0\nPair, 0,5,0, 0,0,1\n"
+                         "*ELSET, ELSET=Pair\n3, 9\n"
+                         "*DISTRIBUTION, NAME=Other\n, 7850.\n");
   const auto& orientations = mesh(deck).orientations;
-  EXPECT_EQ((std::array<double, 3>{0, 1, 0}), orientations.at("R").xAxis);
-  EXPECT_EQ((std::array<double, 3>{0, 0, 1}), orientations.at("R").zAxis);
+  EXPECT_EQ((std::array<double, 3>{0, 1, 0}), orientations.at("R").axes.xAxis);
+  EXPECT_EQ((std::array<double, 3>{0, 0, 1}), orientations.at("R").axes.zAxis);
   EXPECT_EQ(30, orientations.at("R").rotationAngle);
-  EXPECT_EQ((std::array<double, 3>{1, 0, 0}), orientations.at("C").origin);
+  EXPECT_EQ((std::array<double, 3>{1, 0, 0}), orientations.at("C").axes.origin);
   EXPECT_EQ("CYLINDRICAL", orientations.at("C").system);
-  EXPECT_EQ((std::array<double, 3>{1, 0, 0}), orientations.at("T").xAxis);
-  EXPECT_EQ(1U, deck.warnings.size());
+  EXPECT_EQ((std::array<double, 3>{1, 0, 0}), orientations.at("T").axes.xAxis);
+  const Orientation& each = orientations.at("D");
+  const std::array<double, 3> x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1};
+  EXPECT_EQ(std::pair(x, z), std::pair(each.axesOf(1).xAxis, each.axesOf(1).zAxis));
+  EXPECT_EQ(std::pair(y, x), std::pair(each.axesOf(2).xAxis, each.axesOf(2).zAxis));
+  EXPECT_EQ(std::pair(z, y), std::pair(each.axesOf(3).xAxis, each.axesOf(3).zAxis));
+  ASSERT_EQ(1U, deck.warnings.size()) << deck.warnings[1];
+  EXPECT_NE(std::string::npos, deck.warnings[0].find("its distribution TABLE-1 is not defined"));
+  EXPECT_EQ(1, deck.ignoredKeywords.at("*DISTRIBUTION")) << "the one that no orientation names";
 }
 
 TEST_F(DeckTest, SetsOfTheAssemblyGatherNodesOfInstancesAndItsOwn) {

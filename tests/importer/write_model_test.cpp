@@ -122,6 +122,19 @@ TEST_F(ImportTest, MaterialsArriveWithAllTheirTables) {
   EXPECT_EQ(5, api.materials()["B"].elastic().failStrain().table()[0][4]);
 }
 
+TEST_F(ImportTest, ElementsWithAxesOfTheirOwnGetMaterialOrientations) {
+  import(kSolidAndPlate +
+         "*DISTRIBUTION, NAME=D\n, 1,0,0, 0,1,0\n3, 0,1,0, -1,0,0\n*ORIENTATION, NAME=O\nD\n"
+         "*SHELL SECTION, ELSET=PLATE, MATERIAL=M, ORIENTATION=O\n.1\n");
+  const auto& orientations = instance("PART-1-1").materialOrientations();
+  ASSERT_EQ(2, orientations.size());
+  EXPECT_EQ((Ints{2}), labelsOf(odb_Set(orientations[0].region()).elements()));
+  EXPECT_NEAR(1, orientations[0].csys().xAxis()[0], 1e-6);
+  EXPECT_EQ((Ints{3}), labelsOf(odb_Set(orientations[1].region()).elements()));
+  EXPECT_STREQ("_PLATE_O-2", orientations[1].region().name().CStr());
+  EXPECT_NEAR(1, orientations[1].csys().xAxis()[1], 1e-6);
+}
+
 TEST_F(ImportTest, SurfacesNameFacesBySolidOrShell) {
   import(kSolidAndPlate +
          "*SURFACE, NAME=A\nEALL, S4\nPLATE, SNEG\n1, s3\n*SURFACE, NAME=N, TYPE=NODE\nNALL, 1.\n"

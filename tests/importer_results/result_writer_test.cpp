@@ -230,7 +230,8 @@ TEST_F(ResultWriter, StoresStrainsWithEngineeringShear) {
 
 TEST_F(ResultWriter, KeepsLocalSystemsWithTheirValues) {
   const std::string systems =
-      "*ORIENTATION,NAME=OR1\n0.,1.,0.,-1.,0.,0.\n*NSET,NSET=LOW\n1,2,3,4\n*TRANSFORM,NSET=LOW\n"
+      "*ORIENTATION,NAME=OR1\nD\n*DISTRIBUTION,NAME=D\n,1.,0.,0.,0.,1.,0.\n"
+      "1,0.,1.,0.,-1.,0.,0.\n*NSET,NSET=LOW\n1,2,3,4\n*TRANSFORM,NSET=LOW\n"
       "0.,1.,0.,-1.,0.,0.\n*STEP\n*STATIC\n1.,1.\n*NODE PRINT,NSET=LOW\nU\n*END STEP\n";
   const std::string dat =
       " displacements (vx,vy,vz) for set N and time  0.1000000E+01\n\n  1  1. 2. 3.\n  5  1. 2. "

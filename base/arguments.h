@@ -55,7 +55,7 @@ struct Arguments {
   std::vector<std::string> values(std::string_view name) const;
 };
 
-// Reads a command line without the program's name. Options may stand anywhere, as "--name value",
+// Reads a command line without the program's name. Options may be anywhere, as "--name value",
 // "--name=value" or by their letter; --help, -h and --version are always understood; after "--"
 // nothing is an option. Throws UsageError.
 Arguments parseArguments(const std::vector<std::string>& texts,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A server process of one's own and the two pipes to it: start it, send command lines, read the
+// A server process and the two pipes to it: start it, send command lines, read the
 // records of each reply, end it.
 //
 //     client::Connection server({});              // finds and starts odb_server
@@ -33,7 +33,8 @@ std::string findServer(const std::string& given);
 class Connection {
  public:
   // Starts the server. Writing to a server that is gone must not end the parent, so the process is
-  // told to ignore broken pipes; on Linux the reply pipe is asked to hold 1 MiB. Throws StartError.
+  // set to ignore broken pipes; on Linux the reply pipe's capacity is set to 1 MiB. Throws
+  // StartError.
   explicit Connection(const StartOptions& options);
 
   // Ends the server when `end` or `quit` has not: closes the pipes, waits two seconds, then kills.
@@ -46,7 +47,7 @@ class Connection {
   // NUL, more than 4094 characters), ServerEnded.
   void send(std::string_view line);
 
-  // Sends bytes as they are, for those who test servers; `rule` says which reply to expect.
+  // Sends bytes as they are, to test servers; `rule`: the reply to expect.
   void sendBytes(std::string_view bytes, const ReplyRule& rule);
 
   // The next record of the reply, or false at its end; unframed bytes ahead of it are skipped. The
@@ -70,7 +71,7 @@ class Connection {
   // Sends the line and drops its reply.
   void command(std::string_view line);
 
-  // Asks the server for its process id, which shows that it lives and answers.
+  // Returns the server's process id, which shows that it lives and answers.
   std::int32_t ping();
 
   // Ends the server by its command for that and returns its exit status. Throws TimedOut.
@@ -88,7 +89,7 @@ class Connection {
   // The server's process id as the system gave it; 0 once it has been waited for.
   int processId() const { return child_.id; }
 
-  // The family of the reply in progress, which tells what its tags mean.
+  // The family of the reply in progress, which decides what its tags mean.
   RecordFamily family() const { return rule_.family; }
 
   // All bytes taken so far, frames included.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// One row of the tables behind `describe`: what a tag means in the replies of one family.
+// One row of the tables of `describe`: what a tag means in the replies of one family.
 #pragma once
 
 #include <vector>

@@ -16,7 +16,7 @@ constexpr unsigned char kValueTypeTag = '%';
 constexpr unsigned char kBlockTag = 0x1E;
 constexpr unsigned char kDirectionsTag = '\'';
 
-// Which labels a value record carries, as its tag says, in this order.
+// Which labels a value record has, by its tag, in this order.
 struct ValueLayout {
   bool hasElement = false;
   bool hasThird = false;
@@ -77,7 +77,7 @@ struct FieldValues : ReplyHead {
 
 class FieldValuesBuilder {
  public:
-  // Throws MalformedRecord for a record that does not fit its kind or its place.
+  // Throws MalformedRecord for a record that is malformed or out of order.
   void add(const Record& record);
   FieldValues finish();
 
@@ -93,7 +93,7 @@ class FieldValuesBuilder {
 struct ValuesRequest {
   std::int32_t step = 1;      // from 1
   std::int32_t frame = 0;     // from 0
-  std::string field;          // at most 199 characters; blanks are taken care of
+  std::string field;          // at most 199 characters; blanks are escaped
   std::int32_t position = 2;  // 0 centroids, 1 element nodes, 2 as stored (integration points)
   char letter = 's';          // s l m v t b n g, upper case: with local directions
   std::int32_t picks[2] = {-1, -1};  // section points, letter l only

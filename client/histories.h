@@ -52,7 +52,7 @@ float decodeHistoryValue(const Record& record);
 
 class HistoryBuilder {
  public:
-  // Throws MalformedRecord for a record that does not fit its kind or its place.
+  // Throws MalformedRecord for a record that is malformed or out of order.
   void add(const Record& record);
   // Throws MalformedRecord when the last output ends in the middle of a point.
   History finish();

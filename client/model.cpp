@@ -41,7 +41,7 @@ void ModelBuilder::add(const Record& record) {
   }
 }
 
-// A name opens either a section's group or an instance; only the record after it tells. Two names
+// A name opens either a section's group or an instance; the record after it decides. Two names
 // in a row: the first is an instance without nodes.
 void ModelBuilder::addName(const Record& record) {
   const std::string_view name = decodeName(record);

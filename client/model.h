@@ -28,8 +28,7 @@ struct Instance {
   std::vector<std::int32_t> connectivity;        // node labels of this instance
 
   std::vector<AnalyticSurface> analyticSurfaces;
-  std::vector<RigidBody>
-      rigidBodies;  // of the last instance: the root assembly's come after its own
+  std::vector<RigidBody> rigidBodies;  // of the last instance: the root assembly's follow its own
 };
 
 struct Model : ReplyHead {
@@ -43,7 +42,7 @@ struct Model : ReplyHead {
 // Takes the records of one reply in their order.
 class ModelBuilder {
  public:
-  // Throws MalformedRecord for a record that does not fit its kind or its place.
+  // Throws MalformedRecord for a record that is malformed or out of order.
   void add(const Record& record);
 
   // Ends the model and hands it over; the builder is then empty.

@@ -63,8 +63,8 @@ void NodalResultsBuilder::add(const Record& record) {
   }
 }
 
-// Nothing in the stream says where a block of the database ends, so a value that differs in kind
-// from the one before begins a block of its own.
+// The stream does not mark where a block of the database ends, so a value that differs in kind from
+// the one before begins a new block.
 void NodalResultsBuilder::addValue(const Record& record, const NodalTag& tag) {
   if (!results_.hasTitle) throw MalformedRecord(record.offset, "a nodal value ahead of the title");
   const NodalView value = decodeNodalValue(record);

@@ -12,7 +12,7 @@ namespace odbs::client {
 
 constexpr unsigned char kFailedElementTag = '"';
 
-// What a value record's tag says.
+// What a value record's tag means.
 struct NodalTag {
   unsigned char tag;
   const char* rotation;  // "UR", "UR1", "UR2", "UR3"; empty for the variable that was asked for
@@ -26,7 +26,7 @@ const NodalTag* nodalTag(unsigned char tag);
 struct NodalView {
   std::int32_t nodeLabel = 0;
   std::uint32_t nComponents = 0;              // without the conjugate ones
-  const unsigned char* components = nullptr;  // and the conjugate ones behind them
+  const unsigned char* components = nullptr;  // and the conjugate ones after them
   const unsigned char* conjugates = nullptr;  // null for a real value
   float component(std::uint32_t i) const { return getF32(components + 4 * i); }
   float conjugate(std::uint32_t i) const { return getF32(conjugates + 4 * i); }
@@ -39,7 +39,7 @@ std::int32_t decodeFailedElement(const Record& record);
 
 // Consecutive values of one instance and one quantity that are alike in their components.
 struct NodalBlock {
-  std::string quantity;           // the variable, or "UR", "UR1", "UR2", "UR3" behind it
+  std::string quantity;           // the variable, or "UR", "UR1", "UR2", "UR3" after it
   std::string instance;           // empty in a model of one instance
   bool isComplex = false;         //
   std::uint32_t nComponents = 0;  // per value, conjugate ones not counted
@@ -68,7 +68,7 @@ class NodalResultsBuilder {
  public:
   // `variable`: the name for the blocks of what was asked for.
   explicit NodalResultsBuilder(std::string variable) : variable_(std::move(variable)) {}
-  // Throws MalformedRecord for a record that does not fit its kind or its place.
+  // Throws MalformedRecord for a record that is malformed or out of order.
   void add(const Record& record);
   NodalResults finish();
 
@@ -84,16 +84,16 @@ class NodalResultsBuilder {
 struct NodalRequest {
   std::int32_t step = 1;   // from 1
   std::int32_t frame = 0;  // from 0
-  std::string field;       // at most 199 characters; blanks are taken care of
-  // With displacements, 0 (or 4, the database's own code for it) asks for the elements that failed
-  // in earlier frames too; any other position for those whose status in this frame says so.
+  std::string field;       // at most 199 characters; blanks are escaped
+  // With displacements, 0 (or 4, the database's own code for it) also gives the elements that
+  // failed in earlier frames; any other position only those whose status in this frame is 0.
   std::int32_t position = 0;
   std::vector<std::int32_t> labels;  // restrict the failed elements; none: all
 };
 
 // Selects and asks. A field that the frame lacks gives no blocks; the name of a contact variable
-// need not match to the last blank (docs/protocol.md). The server's label list is the request's
-// meanwhile and empty afterwards. Throws DatabaseNotOpened, std::invalid_argument for a request
+// need not match to the last blank (docs/protocol.md). The server's label list is empty
+// afterwards. Throws DatabaseNotOpened, std::invalid_argument for a request
 // that cannot be written, and what Connection and the decoders throw.
 NodalResults readNodalResults(Connection& server, const std::string& path,
                               const NodalRequest& request);

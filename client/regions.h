@@ -25,7 +25,7 @@ struct RegionQuery {
 std::string regionKindName(std::int32_t kind);
 
 // Reads "elements=NAME", "section:3=NAME", and so on: one of elements, nodes, surface, instance,
-// section, material, type, layer; the value behind a colon. Throws std::invalid_argument.
+// section, material, type, layer; the value after a colon. Throws std::invalid_argument.
 RegionQuery parseRegionQuery(const std::string& text);
 
 // How much of the model a query means.

@@ -20,7 +20,7 @@ struct CatalogueStep {
   double totalTime = 0;     // at the step's start
   std::string name;
   std::string description;
-  std::string procedure;  // comes in a record of its own
+  std::string procedure;  // comes in a separate record
 };
 
 struct CatalogueField {
@@ -29,7 +29,7 @@ struct CatalogueField {
   std::vector<std::string> components;  // element listings only
 };
 
-// One field in one frame. The numbers from `positions` on come in element listings only.
+// One field in one frame. The numbers from `positions` on are in element listings only.
 struct CatalogueEntry {
   std::size_t step = 0;   // position in Catalogue::steps
   std::size_t field = 0;  // position in Catalogue::fields
@@ -58,13 +58,13 @@ CatalogueStep decodeStep(const Record& record);
 std::string decodeProcedure(const Record& record);
 CatalogueField decodeField(const Record& record);  // without its components
 std::vector<std::string> decodeComponents(const Record& record);
-// `isNodal` says of which listing the record is; step and field are left at 0.
+// `isNodal`: the record is of the listing at nodes; step and field are left at 0.
 CatalogueEntry decodeFrame(const Record& record, bool isNodal);
 
 class CatalogueBuilder {
  public:
   explicit CatalogueBuilder(bool isNodal) : isNodal_(isNodal) {}
-  // Throws MalformedRecord for a record that does not fit its kind or its place.
+  // Throws MalformedRecord for a record that is malformed or out of order.
   void add(const Record& record);
   Catalogue finish();
 
@@ -82,9 +82,9 @@ enum class Listing { kNodal, kElement, kTensor };
 
 struct CatalogueRequest {
   Listing listing = Listing::kElement;
-  bool everyFrame = false;  // else the last frame's fields stand for all of a step
-  // Empty: no cache file is named. Each database and each listing needs a file of its own; the
-  // server does not notice when it is given another's.
+  bool everyFrame = false;  // else the last frame's fields are listed for every frame of a step
+  // Empty: no cache file is named. Use a separate file for each database and each
+  // listing; the server does not check which of them a file is for.
   std::string cachePath;
 };
 

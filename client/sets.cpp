@@ -103,7 +103,7 @@ void SetsBuilder::add(const Record& record) {
       instance_.clear();
       return;
     case kEndOfSetTag:
-      // Without a header it stands for a set of a kind that is not sent.
+      // Without a header: a set of a kind that is not sent.
       Cursor(record, "end-of-set record").expectEnd();
       isOpen_ = false;
       return;

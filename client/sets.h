@@ -29,7 +29,8 @@ struct NamedSet {
   SetKind kind = SetKind::kNodes;
   std::string name;
   std::string instance;  // empty in a model of one instance, whose name is not sent
-  // True for a set of the assembly; false also in a model of one instance, where it can't be told.
+  // True for a set of the assembly; false also in a model of one instance, where the stream does
+  // not show it.
   bool isOfAssembly = false;
   std::vector<std::int32_t> labels;  // of nodes or elements
   std::vector<std::int32_t> faces;   // of a surface: one for each element
@@ -62,7 +63,7 @@ struct SetsReply : ReplyHead {
 
 class SetsBuilder {
  public:
-  // Throws MalformedRecord for a record that does not fit its kind or its place.
+  // Throws MalformedRecord for a record that is malformed or out of order.
   void add(const Record& record);
   // Throws MalformedRecord when a set has not been ended.
   SetsReply finish();
@@ -88,7 +89,7 @@ struct SetsRequest {
 SetsReply readSets(Connection& server, const std::string& path, const SetsRequest& request);
 
 // Asks for the section summary. A database that does not open gives an empty one: the protocol does
-// not tell the two apart.
+// not distinguish the two.
 SetsReply readSectionSummary(Connection& server, const std::string& path);
 
 }  // namespace odbs::client

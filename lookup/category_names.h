@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// What the texts of section categories and section points say: the section that a category leads
+// What the texts of section categories and section points mean: the section that a category leads
 // to, the shortened name of a section that is sent, the layer of a section point.
 #pragma once
 
@@ -15,7 +15,7 @@ std::string_view sentSectionName(std::string_view name);
 // True when `name` is the section's full name or the one that is sent.
 bool isSectionNamed(std::string_view section, std::string_view name);
 
-// The full section name that a category such as "solid < elset = PLATE >" stands for:
+// The full section name that a category such as "solid < elset = PLATE >" means:
 // "Section-PLATE", or "PLATE" alone when the category name starts with "connector". Nothing when
 // the category names no element set.
 std::optional<std::string> sectionNameOfCategory(std::string_view categoryName);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Which elements of an instance have a section, as the section assignments say.
+// Which elements of an instance have a section, by the section assignments.
 #pragma once
 
 #include <odb_API.h>

@@ -15,7 +15,7 @@ namespace odbs {
 
 namespace {
 
-// The layer of that number, added when it is new; `places` says where the known ones are.
+// The layer of that number, added when it is new; `places` has the positions of the known ones.
 LayupLayer& layerOf(SectionLayup& layup, std::map<int, std::size_t>& places, int number,
                     const SectionMaterials& materials) {
   const auto [place, isNew] = places.try_emplace(number, layup.layers.size());

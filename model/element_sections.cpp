@@ -20,7 +20,7 @@ ElementSections::ElementSections(int nElements)
 void ElementSections::enter(const odb_SequenceElement& elements, std::int32_t number) {
   const int n = elements.size();
   if (n == 0) return;
-  // Labels mostly ascend, so that the ends tell the range; a label beyond it is merely slower.
+  // Labels mostly ascend, so that the ends give the range; a label beyond it is merely slower.
   const int largest = std::max(elements[0].label(), elements[n - 1].label());
   const std::size_t nProportion = std::max(nElements_, static_cast<std::size_t>(n));
   const std::size_t nWanted = static_cast<std::size_t>(std::max(largest, -1) + std::int64_t{1});

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Which section an element has: tables from element label to section number, and the way round by
-// the section category for elements that are in no table.
+// Which section an element has: tables from element label to section number, and indirectly,
+// through the section category for elements that are in no table.
 #pragma once
 
 #include <cstddef>
@@ -42,7 +42,7 @@ class ElementSections {
   std::unordered_map<int, std::int32_t> sparse_;
 };
 
-// Everything that the section block leaves behind for the element records.
+// What the section block prepares for the element records.
 struct SectionTables {
   SectionNumbers numbers;                             // by full section name
   std::map<std::string, ElementSections> byInstance;  // instances that claim a section

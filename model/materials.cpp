@@ -20,7 +20,7 @@ constexpr int kElasticValues = 6;
 constexpr int kFailStrainValues = 5;
 constexpr int kFailStressValues = 7;
 
-// What the elastic type may need: cut to nothing it would say that there is no elastic behaviour.
+// What the elastic type may need: an empty text would mean that there is no elastic behaviour.
 constexpr std::size_t kTypeRoom = 64;
 // What follows the elastic type, to the end of the record.
 constexpr std::size_t kLongestElastic =

@@ -43,7 +43,7 @@ void sendNodeRun(int n, const int* labels, const float* coordinates, int outputF
   }
 }
 
-// Section numbers of the elements of one run: the instance's table first, then the way round by
+// Section numbers of the elements of one run: the instance's table first, then indirectly, through
 // the category, which is the same for all of them and asked for when first needed.
 class RunSections {
  public:

@@ -16,7 +16,7 @@ inline std::string_view viewOf(const odb_String& text) {
   return {text.CStr(), static_cast<std::size_t>(text.Length())};
 }
 
-// A text: byte count and bytes, cut so that `reserved` bytes behind it stay free.
+// A text: byte count and bytes, cut so that `reserved` bytes after it stay free.
 inline void putString(const odb_String& text, std::size_t reserved = 0) {
   putText(viewOf(text), reserved);
 }

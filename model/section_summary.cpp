@@ -78,7 +78,7 @@ void sendRegions(odb_Assembly& assembly, const std::vector<std::string>& section
     };
     sendShares(sectionNames, grouped ? &instanceName : nullptr, own, outputFd);
   }
-  // As in the model: what the assembly has of its own belongs to models of several instances.
+  // As in the model: the assembly's own elements are sent only in models of several instances.
   if (!grouped) return;
   const std::string assemblyName = assembly.name().CStr();
   const auto own = [&](const std::string& section) { return elementsOfSection(assembly, section); };

@@ -136,7 +136,7 @@ bool syncFile(const std::string& path) {
 int createClaimed(const std::string& path) {
   const int fd = openNew(path);
   if (fd < 0 || ::flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return fd;
-  ::close(fd);  // somebody took it for left behind, in the moment before it was locked
+  ::close(fd);  // another process deleted it before it was locked
   errno = EEXIST;
   return -1;
 }
@@ -160,7 +160,8 @@ bool isNameOf(const std::string& path, int fd) {
 
 int renameClaimed(int fd, const std::string& from, const std::string& to) {
   int error = isNameOf(from, fd) ? renameFile(from, to) : ENOENT;
-  // Whoever deletes files without asking may have let another writer in since the look at the name.
+  // If somebody deleted the file since its name was checked, another writer may have made a new
+  // one.
   if (error == 0 && !isNameOf(to, fd)) {
     removeFile(to);
     error = ENOENT;

@@ -103,7 +103,7 @@ int errnoOf(DWORD error) {
   }
 }
 
-// A place for a transfer of a handle that is not overlapped.
+// The file offset of a transfer on a handle that is not overlapped.
 OVERLAPPED at(std::int64_t place) {
   OVERLAPPED where{};
   where.Offset = static_cast<DWORD>(place & 0xFFFFFFFF);

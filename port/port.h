@@ -53,7 +53,7 @@ bool isTerminal(int fd);
 
 // ---- Files ----
 
-// What is compared to tell whether a file changed.
+// What is compared to detect that a file changed.
 struct FileStatus {
   bool exists = false;                // false: everything else is 0
   bool isRegular = false;             // an ordinary file: no folder, pipe or device
@@ -96,11 +96,11 @@ int openExisting(const std::string& path, bool writable);
 // The status of the open file.
 FileStatus descriptorStatus(int fd);
 
-// Reads at a place, counted in bytes from the start. Returns the bytes read, fewer than `size` only
+// Reads at an offset in bytes. Returns the bytes read, fewer than `size` only
 // at the end of the file, or -1 with errno.
 long long readAt(int fd, std::int64_t place, void* buffer, std::size_t size);
 
-// Writes at a place, all of it. Returns false with errno set.
+// Writes everything at an offset. Returns false with errno set.
 bool writeAt(int fd, std::int64_t place, const void* buffer, std::size_t size);
 
 // Cuts the file to `size` bytes, or fills it up with zeros. Returns false with errno set.
@@ -139,8 +139,8 @@ class UnfinishedFile {
 // inherited, or -1.
 int createClaimed(const std::string& path);
 
-// Deletes an ordinary file that its writer left behind. Returns false, and touches nothing, when a
-// process still has it claimed or the name is taken by something else.
+// Deletes an ordinary file that its writer did not delete. Returns false, and touches nothing, when
+// a process still has it claimed or the name is taken by something else.
 bool removeUnclaimed(const std::string& path);
 
 // True when `path` is a name of this open file, not of another one and not of a link to it.
@@ -166,7 +166,7 @@ bool syncFile(const std::string& path);
 // True where a file that is open can be replaced by renaming another one over it.
 bool openFilesCanBeReplaced();
 
-// The path as libraries want it that take UTF-8 on every platform.
+// The path for libraries that take UTF-8 on every platform.
 std::string libraryPath(const std::string& path);
 
 // The network ("universal") name of a path on a mapped drive. Returns an empty text when there is
@@ -218,12 +218,12 @@ Child startWithPipes(const std::string& program, const std::vector<std::string>&
 // a second call returns -1.
 int waitForChild(Child& child, int timeoutMs);
 
-// Ends a process at once, without any clean-up of its own.
+// Ends a process at once, without any clean-up.
 void killProcess(const Child& child);
 
 // ---- Threads, memory ----
 
-// Starts a thread that nobody waits for, with a stack of `stackBytes` (raised to the system's
+// Starts a detached thread, with a stack of `stackBytes` (raised to the system's
 // minimum). Returns false when it could not be started.
 bool startThread(void (*function)(void*), void* argument, std::size_t stackBytes);
 

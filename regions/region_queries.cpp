@@ -138,7 +138,7 @@ void sendRegionsAsSets(odb_Odb& odb, int outputFd, const std::vector<RegionReque
     const bool ofNodes = std::any_of(region.shares.begin(), region.shares.end(),
                                      [](const RegionShare& share) { return !share.nodes.empty(); });
     for (const RegionShare& share : region.shares) {
-      // As in the model: what the assembly has of its own belongs to models of several instances.
+      // As in the model: the assembly's own members are sent only in models of several instances.
       const bool isThere = grouped && !(share.elements.empty() && share.nodes.empty());
       if (!share.ofAssembly || isThere) {
         sendShare(request, share, ofNodes, grouped, outputFd);

@@ -18,7 +18,7 @@ void answerRegionRequests(odb_Odb& odb, int outputFd, const std::vector<RegionRe
 
 // Answers each request as a set: for each instance in question, also where nothing of the region is
 // in it, the set's header, with several instances the instance's name, the members, the end of the
-// set, and with several instances a marker. What the assembly has of its own comes behind the
+// set, and with several instances a marker. The assembly's own members come after the
 // instances, where there are several of them and something of the region is in it.
 void sendRegionsAsSets(odb_Odb& odb, int outputFd, const std::vector<RegionRequest>& requests);
 

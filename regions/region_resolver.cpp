@@ -100,7 +100,7 @@ class Resolver {
     }
   }
 
-  // The assembly's set of that name, as far as it lies in the instance, and the instance's own.
+  // The assembly's set of that name, restricted to the instance, and the instance's own.
   bool takeSets(const odb_SetRepository& ofAssembly, const odb_SetRepository& ofOwner,
                 const std::string& name, RegionShare& share) {
     bool found = false;
@@ -190,7 +190,7 @@ class Resolver {
     }
   }
 
-  // Full names of the sections that the name, of a section or of a material, stands for.
+  // Full names of the sections that the name, of a section or of a material, means.
   std::vector<std::string> sectionsOf(const std::string& name) {
     std::set<std::string> sections;
     if (kind_ == RegionKind::kMaterial) {

@@ -23,7 +23,7 @@ enum class RegionKind {
   kLayer = 8,
 };
 
-// A region's share of one instance, or of what the assembly has of its own.
+// A region's share of one instance, or of the assembly's own elements and nodes.
 struct RegionShare {
   std::string instance;  // or the assembly's name
   bool ofAssembly = false;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Caches by database: what an exporter worked out about an open database and wants to find again
+// Caches by database: what an exporter computed about an open database and needs again
 // at the next command. All of them forget a database when it is closed or reopened.
 //
 //   DatabaseCache<SectionNumbers> sectionNumbers;  // at namespace scope

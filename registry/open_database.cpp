@@ -28,7 +28,7 @@ struct OpenFile {
 std::map<std::string, OpenFile> openFiles;
 std::uint32_t stampCounter = 1;
 
-// As fine as the file system tells: what is open must not outlive its file by a second.
+// At the file system's full resolution: a change within the same second must be noticed.
 bool sameFileState(const port::FileStatus& a, const port::FileStatus& b) {
   return a.modificationTime == b.modificationTime && a.size == b.size;
 }
@@ -81,7 +81,7 @@ odb_Odb& touch(sdk::Repository& repository, const std::string& key) {
   return sdk::database(repository, key);
 }
 
-// The path that stands for `path`: itself, or its upgraded copy, which is made if need be.
+// The path to open for `path`: itself, or its upgraded copy, which is made if need be.
 std::string currentRelease(sdk::Repository& repository, const std::string& path, int outputFd) {
   if (!upgradeRequired(path)) return path;
   const std::string copy = upgradedCopyOf(path);

@@ -18,7 +18,7 @@ class OpenError : public std::runtime_error {
 
 // The open database at `path`, opened read-only when it is not open yet under this path or an
 // equivalent one. A file of an older release is replaced by its upgraded copy, which is made when
-// it is missing or stale; direct message records on `outputFd` say so. A database whose file has
+// it is missing or stale; direct message records on `outputFd` report it. A database whose file has
 // changed is closed and opened again. Opening a fourth database closes the least recently used one.
 // The reference is valid until the database is closed, at the latest by the next call of this.
 // Throws OpenError on any failure but bad_alloc, which passes; messages already sent stay sent.

@@ -20,8 +20,8 @@ std::string upgradedCopyOf(const std::string& path);
 // True when the upgraded copy of `path` is missing or older than the file itself.
 bool upgradedCopyIsStale(const std::string& path);
 
-// Tells the parent, directly, whether the upgraded copy of `path` is found or has yet to be made,
-// as `upgradedCopyIsStale` says. Returns what that says.
+// Sends the parent, directly, whether the upgraded copy of `path` is found or has yet to be made.
+// Returns the answer of `upgradedCopyIsStale`.
 bool announceUpgradedCopy(const std::string& path, int outputFd);
 
 }  // namespace odbs

@@ -108,7 +108,7 @@ void testFramedThroughput(Call& call) {
   FieldScanner fields(call.arguments);
   const int nRecords = fields.nextInt(0);
   const int nIntegers = fields.nextInt(0);
-  outputBuffer.fill = 0;  // contract: what a failed command left behind is dropped
+  outputBuffer.fill = 0;  // contract: leftovers of a failed command are dropped
   for (int i = 0; i < nRecords; ++i) {
     beginRecord(kThroughputTag);
     putI32(i);

@@ -140,7 +140,7 @@ void runCatalogue(const Call& call) {
   CatalogueRequest request;
   request.everyFrame = call.choice("--frames", "last|every") == "every";
   request.cachePath = call.option("--cache");
-  // A cache file holds one listing and does not say which.
+  // A cache file holds one listing and does not record which.
   if (!request.cachePath.empty() && wanted.size() > 1) {
     throw UsageError("--cache wants one listing: give --listing nodal, element or tensor");
   }

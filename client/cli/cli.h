@@ -47,14 +47,14 @@ struct Subcommand {
   const char* mainTable;             // of its tables, the one that csv prints by default
   std::size_t leastWords;            // after the subcommand's name
   std::size_t mostWords;             //
-  std::vector<const char*> options;  // names of its own options, each of which takes a value
+  std::vector<const char*> options;  // names of its options, each of which takes a value
   void (*run)(const Call& call);     // throws to fail
 };
 
 // Runs one command line (without the program's name) and returns the exit status.
 int runClient(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 
-// The subcommands, each in a file of its own.
+// The subcommands, each in a separate file.
 void runPing(const Call& call);
 void runModel(const Call& call);
 void runSend(const Call& call);
@@ -72,7 +72,7 @@ RegionQuery regionOf(const std::string& text);
 // A table of sets, with --members yes their labels too.
 void reportSets(const SetsReply& reply, bool showMembers, Report& report);
 
-// The table of what the server said while opening.
+// The table of the messages that the server sent while opening.
 void reportMessages(const std::vector<std::string>& messages, Report& report);
 
 }  // namespace odbs::client

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Why an answer is empty. The server reports no wrong argument, so that a step that does not exist
-// and a misspelled field look alike; these functions ask it what there is and throw an Error that
+// and a misspelled field look alike; these functions query what there is and throw an Error that
 // names what is wrong and what exists.
 #pragma once
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// odb_client: asks a server that it starts itself, and prints the answers.
+// odb_client: starts a server, sends it commands and prints the replies.
 #include <iostream>
 
 #include "client/cli/cli.h"

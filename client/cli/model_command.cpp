@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// odb_client model: what a person wants to know about a database's model.
+// odb_client model: prints a summary of a database's model.
 #include <algorithm>
 #include <map>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Named tables on a text stream, in one of three formats, so that each subcommand says what it
+// Named tables on a text stream, in one of three formats, so that each subcommand defines what it
 // found once:
 //   table  aligned columns for people
 //   csv    RFC 4180: one table with a header row; a list has a column for each of its items

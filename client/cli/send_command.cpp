@@ -103,7 +103,7 @@ void runSend(const Call& call) {
       for (; server->next(record); ++nRecords) printer.print(record, server->family());
       printer.endLine(endText(record, replyRule(line).end));
     } catch (...) {
-      printer.endLine("(cut short)");  // what came before the failure is what one wants to see
+      printer.endLine("(cut short)");  // print what came before the failure
       throw;
     }
   }

@@ -43,7 +43,7 @@ ValuesRequest requestOf(const Call& call) {
   return request;
 }
 
-// Where a value stands.
+// The location of a value.
 struct Place {
   const ValueBlock* block = nullptr;
   std::size_t value = 0;  // position in the label arrays
@@ -86,7 +86,7 @@ void widen(Range& range, const FieldValues& values, const ValueBlock& block,
   }
 }
 
-// Blocks of values at nodes name no element type; the node's label stands in the element's place.
+// Blocks of values at nodes have no element type; the node's label is in the element column.
 bool isNodal(const ValueBlock& block) {
   return block.head.elementType.empty();
 }
@@ -157,7 +157,7 @@ std::vector<std::string> allComponentNames(const std::string& field, const Field
   return all;
 }
 
-// Where the components of a block stand among the columns of csv; elsewhere they are as they come.
+// The csv columns of a block's components; in other formats they keep the order of the block.
 std::vector<std::size_t> columnsOf(const std::string& field, const ValueBlock& block,
                                    const std::vector<std::string>& columns) {
   std::vector<std::size_t> places;

@@ -43,7 +43,7 @@ ReplyRule replyRule(std::string_view line);
 
 // The line that selects a result for the next request of values: step from 1, frame from 0,
 // position as the protocol counts it (0 centroids, 1 element nodes, 2 as stored). `letter` is d, or
-// D to have the selection set obeyed. Blanks in the field's name are taken care of. Throws
+// D to apply the selection set. Blanks in the field's name are escaped. Throws
 // std::invalid_argument for a name that no line can carry: an empty one, one of more than 199
 // characters, or with other white space or "^" in it.
 std::string selectLine(char letter, std::int32_t step, std::int32_t frame, std::int32_t position,

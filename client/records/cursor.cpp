@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The less travelled half of the cursor: texts, counts and errors.
+// The slow paths of the cursor: texts, counts and errors.
 #include "client/records/cursor.h"
 
 namespace odbs::client {

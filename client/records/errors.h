@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What can go wrong between a parent and its server, one class each, so that an application can
-// tell a dead server from a database that does not open.
+// distinguish a dead server from a database that does not open.
 #pragma once
 
 #include <cstdint>
@@ -34,7 +34,7 @@ class ServerEnded : public Error {
 };
 
 // The server sent nothing for longer than the time-out. The server is still running; the
-// connection is out of step and good for nothing but closing.
+// connection is out of step and can only be closed.
 class TimedOut : public Error {
  public:
   using Error::Error;
@@ -52,12 +52,12 @@ class MalformedRecord : public Error {
   std::uint64_t offset_;
 };
 
-// The server answered a command on a database with the acknowledgement alone, which is its way to
-// say that the database could not be opened.
+// The server answered a command on a database with the acknowledgement alone, which means that the
+// database could not be opened.
 class DatabaseNotOpened : public Error {
  public:
   // `messages`: texts that the server sent before it gave up, such as those about upgrades. The
-  // server does not say why; what is looked up here is in whyNotOpened's words.
+  // server sends no reason; whyNotOpened looks for one.
   DatabaseNotOpened(const std::string& path, const std::vector<std::string>& messages);
   const std::string& path() const { return path_; }
 

@@ -29,7 +29,7 @@ bool holdsBlank(const unsigned char* bytes, std::size_t n) {
   return false;
 }
 
-// The bytes that the type name takes; the header tells the rule. `size` is at least 16.
+// The bytes that the type name takes; the header describes the rule. `size` is at least 16.
 std::size_t nameLength(const unsigned char* body, std::size_t size) {
   if (holdsBlank(body, kNameField)) return kNameField;
   const std::size_t shortest = kNameField + size % 4;
@@ -57,7 +57,7 @@ std::array<float, n> readReals(Cursor& cursor) {
 }
 
 void readConnector(Cursor& cursor, Section& section) {
-  // Without an orientation one empty text stands for the three: two integers are left then.
+  // Without an orientation there is one empty text, so that two integers are left.
   section.hasOrientation = cursor.left() > 8;
   section.region = cursor.text();
   if (!section.hasOrientation) {

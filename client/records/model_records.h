@@ -21,7 +21,7 @@ constexpr unsigned char kSectionTag = '$';
 constexpr unsigned char kAnalyticSurfaceTag = 'L';
 constexpr unsigned char kRigidBodyTag = 'M';
 
-// A node. The record carries no count: its length says how many coordinates there are.
+// A node. The record has no count: the number of coordinates follows from its length.
 struct NodeView {
   std::int32_t label = 0;
   std::uint32_t nCoordinates = 0;
@@ -119,7 +119,7 @@ struct RigidBody {
   std::string surface;             // name of its analytic surface
 };
 
-// Each decoder wants a record of its tag and throws MalformedRecord when the body does not fit.
+// Each decoder takes a record of its tag and throws MalformedRecord when the body does not fit.
 NodeView decodeNode(const Record& record);
 Section decodeSection(const Record& record);
 Material decodeMaterial(const Record& record);

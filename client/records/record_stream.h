@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The bytes that come from the server, cut into records without copying them: a large buffer that
-// is filled by big reads and walked in place. It does no input of its own, so tests feed it bytes.
+// is filled by big reads and walked in place. It does no input, so tests feed it bytes.
 #pragma once
 
 #include <cstddef>
@@ -57,10 +57,10 @@ class RecordStream {
   // the front when needed, which invalidates the records taken before.
   unsigned char* space(std::size_t* size);
 
-  // Says that `n` bytes were put there.
+  // Call it when `n` bytes have been written to `space`.
   void filled(std::size_t n) { end_ += n; }
 
-  // Bytes received but not yet taken; of a record cut short by the end of the stream, say.
+  // Bytes received but not yet taken, for example of a record cut short by the end of the stream.
   std::size_t pending() const { return end_ - begin_; }
 
   // Stream position of the next byte to be taken.

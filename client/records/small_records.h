@@ -18,8 +18,8 @@ constexpr unsigned char kMessageTag = '|';
 constexpr unsigned char kProcessIdTag = '}';
 constexpr unsigned char kThroughputTag = '"';
 
-// Each decoder wants a record of its tag (the caller looked at it) and throws MalformedRecord when
-// the body is not what the kind prescribes.
+// Each decoder takes a record whose tag the caller has checked, and throws MalformedRecord when the
+// body does not fit.
 
 std::string decodeTitle(const Record& record);
 

@@ -34,7 +34,7 @@ template <class Real>
 class BlockSlices {
  public:
   explicit BlockSlices(const odb_FieldBulkData& block) : block_(block) {}
-  // The next piece, or null behind the last one.
+  // The next piece, or null after the last one.
   const BlockSlice<Real>* next();
 
  private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Constraints: the base, its repository, and the classes that are known by name. A repository gives
-// odb_Constraint; odb_isA asks for the class, odb_dynamicCast gives the object as that class. Texts
+// odb_Constraint; odb_isA tests for a class, odb_dynamicCast gives the object as that class. Texts
 // are the symbols of the analysis, such as COMPUTED or SPECIFIED; sets that were not given are
 // absent (their name is empty), numbers then are 0.
 #pragma once

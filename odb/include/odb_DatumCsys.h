@@ -16,7 +16,7 @@ struct CsysData;
 class odb_DatumCsys : public odbs::Handle<odbs::engine::CsysData> {
  public:
   using Handle::Handle;
-  // Empty for a default-constructed object, which stands for "none".
+  // Empty for a default-constructed object, which means "none".
   const odb_String& name() const;
   odb_Enum::odb_DatumCsysTypeEnum type() const;
   // Unit vectors of the axes and the origin, 3 numbers each.

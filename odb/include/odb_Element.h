@@ -26,12 +26,12 @@ class odb_Element {
     return table_->connectivity + b.connectivity +
            static_cast<std::int64_t>(index_ - b.first) * b.nNodes;
   }
-  // The same as a list of its own.
+  // The same as a new list.
   odb_SequenceInt connectivity() const;
   // The category of the element's section; one with an empty name when it has none. Elements of one
   // category give the same object.
   const odb_SectionCategory& sectionCategory() const { return *block().category; }
-  // Place in the elements() of its instance, part or assembly, counted from 0.
+  // Index in the elements() of its instance, part or assembly, counted from 0.
   int index() const { return index_; }
   // Name of the instance (or part) that has the element; empty for an element of the assembly.
   const odb_String& instanceName() const;

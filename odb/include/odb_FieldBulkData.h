@@ -30,7 +30,7 @@ class odb_FieldBulkData {
   // Type of this block's values, which may differ from the field's: in a field of stress tensors
   // shells have planar ones.
   odb_Enum::odb_DataTypeEnum type() const;
-  // Says which data accessors may be called.
+  // Determines which data accessors may be called.
   odb_Enum::odb_PrecisionEnum precision() const;
   // Number of values, and components per value.
   int length() const;

@@ -44,7 +44,7 @@ class odb_FieldOutput {
   const odb_SequenceString& componentLabels() const;
   // The element types that have values, each once.
   const odb_SequenceString& baseElementTypes() const;
-  // One per position and section category; values without a section point have one of their own.
+  // One per position and section category; values without a section point have a separate one.
   // The subsets of a field at its locations make up the whole of it. Integration points come first.
   const odb_SequenceFieldLocation& locations() const;
   const odb_FieldLocation& locations(int i) const;
@@ -83,7 +83,7 @@ class odb_FieldOutput {
   // By position: blocks of that position as they are. ELEMENT_NODAL and CENTROID are computed from
   // integration points for elements that have no such values, with the polynomial that the points
   // determine (linear fields come back exact where there are enough points), when a block's arrays
-  // are first asked for. Computed values stay out of the database, whatever `readOnly` says.
+  // are first needed. Computed values are never written to the database, whatever `readOnly` is.
   odb_FieldOutput getSubset(odb_Enum::odb_ResultPositionEnum position, bool readOnly = false) const;
   // A node set selects by node (nodal and element-nodal values), an element set by element (of
   // nodal values those at the elements' nodes), a surface by element and face. Instance: whole

@@ -26,7 +26,7 @@ class odb_FieldValue {
   const odb_SectionPoint& sectionPoint() const;
   const odb_String& baseElementType() const;
 
-  // Components: pointers into the block, with their number in `n`, or lists of their own. Each
+  // Components: pointers into the block, with their number in `n`, or new lists. Each
   // throws odb_Exception on a value of the other precision. The conjugate part is null or empty
   // when the field is not complex.
   const float* data(int& n) const;

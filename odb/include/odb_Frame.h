@@ -25,7 +25,7 @@ class odb_Frame : public odbs::Handle<odbs::engine::FrameData> {
   // Number of the eigenmode; 0 outside modal steps.
   int mode() const;
   int cyclicModeNumber() const;
-  // Place in its step, counted from 0.
+  // Index in its step, counted from 0.
   int frameIndex() const;
   // Number that identifies the frame in its step.
   int frameId() const;

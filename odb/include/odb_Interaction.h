@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Interactions and interaction properties: the bases, their repositories, and the contact classes.
-// Repositories give the bases; odb_isA asks for the class, odb_dynamicCast gives the object as that
+// Repositories give the bases; odb_isA tests for a class, odb_dynamicCast gives the object as that
 // class. Texts are the symbols of the analysis, such as FINITE or SMALL; sets that were not given
 // are absent (their name is empty), numbers then are 0.
 #pragma once

@@ -13,7 +13,7 @@ struct LoadCaseData;
 class odb_LoadCase : public odbs::Handle<odbs::engine::LoadCaseData> {
  public:
   using Handle::Handle;
-  // Empty for a default-constructed object, which stands for "no load case".
+  // Empty for a default-constructed object, which means "no load case".
   const odb_String& name() const;
 };
 

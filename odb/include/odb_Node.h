@@ -17,14 +17,14 @@ class odb_Node {
 
   // The user's number of the node, unique within its instance; not an index.
   int label() const { return table_->labels[index_]; }
-  // Three coordinates, also in planar models (the third is 0). An instance's nodes are placed:
+  // Three coordinates, also in planar models (the third is 0). An instance's nodes are transformed:
   // rotated, then translated. The array belongs to the database.
   const float* coordinates() const {
     return table_->coordinates + 3 * static_cast<std::ptrdiff_t>(index_);
   }
-  // The same as a list of its own, of 2 numbers in planar and axisymmetric models, else 3.
+  // The same as a new list, of 2 numbers in planar and axisymmetric models, else 3.
   odb_SequenceFloat coordinate() const;
-  // Place in the nodes() of its instance, part or assembly, counted from 0.
+  // Index in the nodes() of its instance, part or assembly, counted from 0.
   int index() const { return index_; }
   // Name of the instance (or part) that has the node; empty for a node of the assembly.
   const odb_String& instanceName() const;

@@ -48,7 +48,7 @@ class odb_Odb {
   // none matches.
   odb_Frame getFrame(double value, odb_Enum::odb_MatchEnum match = odb_Enum::CLOSEST) const;
 
-  // Writes everything beside the target file, flushes it, and puts it in the target's place: the
+  // Writes everything beside the target file, flushes it, and renames it over the target: the
   // old file stays whole until then. Throws odb_Exception when opened read-only or when writing
   // fails; the old file is then untouched.
   void save();

@@ -20,8 +20,8 @@ class odb_OdbRepository {
   void engineLeave(odb_Odb& odb);
 };
 
-// Walks the keys in bytewise order. Databases may be opened and closed meanwhile, the current one
-// too: next() goes to the first key behind the current one.
+// Walks the keys in bytewise order. Databases may be opened and closed during it, the current one
+// too: next() goes to the first key after the current one.
 class odb_OdbRepositoryIT {
  public:
   explicit odb_OdbRepositoryIT(const odb_OdbRepository&) { first(); }

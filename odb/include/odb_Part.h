@@ -17,7 +17,7 @@ class odb_DiscreteEntity : public odbs::Handle<odbs::engine::EntityData> {
   odb_Enum::odb_DimensionEnum embeddedSpace() const;
 
   // Nodes and elements in stored order; the arrays are read from the database at first use. An
-  // instance gives those of its part, its nodes placed in the assembly.
+  // instance gives those of its part, its nodes transformed into the assembly.
   odb_SequenceNode& nodes() const;
   odb_Node nodes(int i) const;
   odb_SequenceElement& elements() const;
@@ -94,7 +94,7 @@ class odb_PartEntity : public odb_DiscreteEntity {
                               odb_Enum::odb_AxisEnum axis = odb_Enum::AXIS_1, float angle = 0);
 
   // The analytic surface, one per part or instance. The planar
-  // form wants a two-dimensional part, the others a three-dimensional one; odb_Exception otherwise.
+  // form needs a two-dimensional part, the others a three-dimensional one; odb_Exception otherwise.
   // `profile` starts with the START point.
   void AnalyticRigidSurf2DPlanar(const odb_String& name,
                                  const odb_SequenceAnalyticSurfaceSegment& profile,

@@ -36,12 +36,12 @@ class odb_AnalyticSurface : public odbs::Handle<odbs::engine::SurfaceData> {
   // SEGMENTS, CYLINDER or REVOLUTION.
   const odb_String& type() const;
   double filletRadius() const;
-  // Rows of coordinates that place the profile; empty when it lies in the part's own system.
+  // Rows of coordinates that position the profile; empty when it is in the part's system.
   const odb_SequenceSequenceFloat& localCoordData() const;
   const odb_SequenceAnalyticSurfaceSegment& segments() const;
 };
 
-// Where the reference node of a rigid body lies: the enumerator, or its name as a text.
+// Where the reference node of a rigid body is: the enumerator, or its name as a text.
 class odb_ReferencePosition {
  public:
   explicit odb_ReferencePosition(odb_Enum::odb_PositionEnum position) : position_(position) {}

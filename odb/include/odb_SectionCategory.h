@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Section categories group the elements that share a set of section points; section points are the
-// places through the thickness of shells, beams and layered solids at which results are given.
+// points through the thickness of shells, beams and layered solids at which results are given.
 #pragma once
 
 #include <odb_Sequences.h>
@@ -19,7 +19,7 @@ struct SectionPointData;
 class odb_SectionPoint : public odbs::Handle<odbs::engine::SectionPointData> {
  public:
   using Handle::Handle;
-  // The point's number; -1 for a default-constructed object, which stands for "no section point".
+  // The point's number; -1 for a default-constructed object, which means "no section point".
   int number() const;
   // Composite points carry text such as "fraction = -0.57, Layer = 2".
   const odb_String& description() const;

@@ -48,7 +48,7 @@ class odb_Step : public odbs::Handle<odbs::engine::StepData> {
   float timePeriod() const;
   // Time that the steps before this one took.
   float totalTime() const;
-  // Place in the analysis, counted from 1.
+  // Index in the analysis, counted from 1.
   int number() const;
   bool nlgeom() const;
 
@@ -99,7 +99,7 @@ class odb_Step : public odbs::Handle<odbs::engine::StepData> {
   void setDefaultDeformedField(const odb_FieldOutput& field);
 };
 
-// The steps by place.
+// The steps by index.
 class odb_StepList {
  public:
   explicit odb_StepList(const odbs::RepositoryOf<odb_Step>& steps) : items_(steps.engineShared()) {}

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// odb_Union: a number, a truth value or a text, told apart by its type.
+// odb_Union: a number, a truth value or a text, distinguished by its type.
 #pragma once
 
 #include <odb_String.h>

@@ -25,8 +25,8 @@ struct FieldValues {
   int width = 0;
   // Where large data come in several calls that all add to one block (an instance, position,
   // element type, section point): rows of all calls, so that values go to the file as they come.
-  // Every call says the same. 0: not known. A wrong number costs memory or space in the file,
-  // nothing else.
+  // Every call gives the same number. 0: not known. A wrong number costs memory or space in the
+  // file, nothing else.
   int nRowsInAll = 0;
   const Real* conjugate = nullptr;    // nRows x width, or null
   const Real* quaternions = nullptr;  // nRows x 4 as odb_FieldBulkData gives them, or null
@@ -48,8 +48,8 @@ void addConjugateData(odb_HistoryOutput& output, const odb_SequenceSequenceFloat
 void addFailureTimes(odb_Step& step, const odb_Instance& instance,
                      const std::vector<int>& elementLabels, const std::vector<float>& times);
 
-// Drops the arrays that a block has read or computed; they come back when asked for. Pointers that
-// were got from the block become invalid.
+// Drops the arrays that a block has read or computed; they are read or computed again when needed.
+// Pointers that were got from the block become invalid.
 void releaseArrays(const odb_FieldBulkData& block);
 
 }  // namespace odb_embedded

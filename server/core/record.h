@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Reply records in two ranks. The primitives build one record in the staging area and send it,
 // buffered or direct. The calls below them send the records that several exporters share.
-// Exporters own the tags of their own records. Loops over millions of items use `reserveRecord`
+// Exporters own the tags of their records. Loops over millions of items use `reserveRecord`
 // (server/core/channel.h) and put the payload themselves.
 #pragma once
 
@@ -20,7 +20,7 @@ void beginRecord(unsigned char tag);
 
 // Append to the staging area. What does not fit its 10240 bytes is left out: a number as a whole,
 // bytes and texts by their end. A text is its byte count (u32, of what is kept) and its bytes,
-// without a NUL; `reserved` bytes behind it stay free for what the record must bring after the
+// without a NUL; `reserved` bytes after it stay free for what the record must bring after the
 // text. Numbers that do not fit return false.
 bool putU32(std::uint32_t value);
 bool putI32(std::int32_t value);

@@ -60,7 +60,7 @@ class RecordSequence {
   Record get(int i) const { return (*this)[i]; }
   Record constGet(int i) const { return (*this)[i]; }
 
-  // Adds a record at the end; a view becomes a list of its own first.
+  // Adds a record at the end; a view becomes an independent list first.
   void append(const Record& record) {
     if (table_) {
       std::deque<Record> list;

@@ -72,7 +72,7 @@ class RepositoryOf {
   RepositoryOf() : items_(std::make_shared<RepositoryItems<T>>()) {}
   explicit RepositoryOf(std::shared_ptr<RepositoryItems<T>> items) : items_(std::move(items)) {}
 
-  // The object of that name. Throws odb_Exception when there is none: ask isMember first.
+  // The object of that name. Throws odb_Exception when there is none: call isMember first.
   T& operator[](const odb_String& key) { return need(key); }
   const T& operator[](const odb_String& key) const { return need(key); }
   T& operator[](const char* key) { return need(key); }
@@ -81,7 +81,7 @@ class RepositoryOf {
   const T& get(const odb_String& key) const { return need(key); }
   const T& constGet(const odb_String& key) const { return need(key); }
 
-  // The object at a place of the iteration order, counted from 0. Throws odb_Exception outside.
+  // The object at an index of the iteration order, counted from 0. Throws odb_Exception outside.
   T& operator[](int i) { return items_->at(i).value; }
   const T& operator[](int i) const { return items_->at(i).value; }
 

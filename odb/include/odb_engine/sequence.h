@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// SequenceOf: the growing list behind the sequences that hold their items themselves. Indices count
+// SequenceOf: the growing list of the sequences that hold their items themselves. Indices count
 // from 0; an index outside the list throws odb_Exception. Copies are independent lists (of handles,
 // where items are handles).
 #pragma once

@@ -28,7 +28,7 @@ struct NodeTable {
 struct ElementBlock {
   int first = 0;                  // index of its first element
   int nNodes = 0;                 // nodes per element
-  std::int64_t connectivity = 0;  // place of its first element's nodes
+  std::int64_t connectivity = 0;  // index of its first element's nodes
   const odb_String* type = nullptr;
   const odb_SectionCategory* category = nullptr;
 };

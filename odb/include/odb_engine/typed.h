@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Exact subtypes: sections, profiles, interactions and constraints know their class by a type
-// identifier. odb_isA asks for it, odb_dynamicCast gives the object as that class.
+// Exact subtypes: sections, profiles, interactions and constraints record their class as a type
+// identifier. odb_isA compares it, odb_dynamicCast gives the object as that class.
 #pragma once
 
 #include <odb_engine/handle.h>

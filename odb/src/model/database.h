@@ -52,7 +52,7 @@ class Database {
   bool changed_ = false;
 };
 
-// Model tables to and from files (load_model.cpp, save_model.cpp).
+// Model tables to and from files (model_store.cpp).
 std::unique_ptr<Model> newModel(Database& database);
 std::unique_ptr<Model> loadModel(Database& database, FileReader& reader, int file);
 void saveModel(Model& model, Saver& saver);

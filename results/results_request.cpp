@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Parsing and routing of results requests.
+// Parsing of results requests, and the calls of the extractors.
 #include "results/results_request.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 
 #include "base/text.h"
 #include "registry/open_database.h"
 #include "results/block_writer.h"
-#include "results/field_extractor.h"
 #include "results/nodal_extractor.h"
-#include "results/pair_extractor.h"
+#include "server/core/field_scanner.h"
 #include "server/core/server_state.h"
 
 namespace odbs {
@@ -36,25 +34,17 @@ int absoluteInt(std::string_view text) {
   return value < 0 ? -(value + (value == INT32_MIN ? 1 : 0)) : value;
 }
 
-// The first blank-free word of `text`.
-std::string_view firstWord(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\n\v\f\r";
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_first_of(kBlanks, begin) - begin);
-}
-
-// The forms whose only argument is the path.
-constexpr struct {
-  char letter;
-  Extraction extraction;
-} kPlainForms[] = {
-    {'s', Extraction::kPicked}, {'m', Extraction::kAsStored}, {'v', Extraction::kEveryPoint},
-    {'t', Extraction::kTop},    {'b', Extraction::kBottom},
-};
-
 odb_Odb& open(const std::string& path, int outputFd) {
   return openDatabase(sdk::openDatabases(), path, outputFd);
+}
+
+// The selected result, restricted as selected.
+FieldRequest fieldRequest(bool withDirections) {
+  FieldRequest request;
+  request.selection = &serverState.selection;
+  request.sendOrientations = withDirections;
+  request.selected = appliedSelection(serverState);
+  return request;
 }
 
 }  // namespace
@@ -82,7 +72,7 @@ PairItem parsePairItem(std::string_view item, bool byName) {
 
 PairRequest parsePairRequest(const char* arguments, bool byName) {
   PairRequest request;
-  const std::string_view word = firstWord(arguments);
+  const std::string_view word = FieldScanner(arguments).nextWord();
   const std::size_t colon1 = word.find(':');
   if (colon1 == std::string_view::npos) return request;
   const std::size_t colon2 = word.find(':', colon1 + 1);
@@ -99,54 +89,45 @@ PickRequest parsePickRequest(const char* arguments) {
   const std::string_view text = arguments;
   const std::size_t comma = text.find(',');
   if (comma == std::string_view::npos) return request;
-  std::sscanf(arguments, "%d %d", &request.pick1, &request.pick2);
+  FieldScanner picks(text);
+  request.pick1 = picks.nextInt(request.pick1);
+  request.pick2 = picks.nextInt(request.pick2);
   request.path = text.substr(comma + 1);
   request.valid = true;
   return request;
 }
 
-void runResultsRequest(const char* line, int outputFd) {
-  const std::string_view text = line;
-  const char letter = text.size() > 1 ? text[1] : '\0';
-  const bool upperCase = letter >= 'A' && letter <= 'Z';
-  const char lower = upperCase ? static_cast<char>(letter - 'A' + 'a') : letter;
-  const char* const arguments = text.size() > 3 ? line + 3 : "";
+void sendFieldValues(const std::string& path, int outputFd, Extraction extraction,
+                     bool withDirections) {
+  FieldRequest request = fieldRequest(withDirections);
+  request.extraction = extraction;
+  extractField(open(path, outputFd), outputFd, request);
+}
 
-  if (lower == 'n' || lower == 'g') {
-    const PairRequest pair = parsePairRequest(arguments, lower == 'n');
-    if (!pair.valid) return;
-    PairExtraction extraction;
-    extraction.selection = &serverState.selection;
-    extraction.first = pair.first;
-    extraction.second = pair.second;
-    extraction.byName = lower == 'n';
-    extraction.sendOrientations = upperCase;
-    extraction.selected = appliedSelection(serverState);
-    extractPair(open(pair.path, outputFd), outputFd, extraction);
-    return;
-  }
-  FieldRequest request;
-  request.selection = &serverState.selection;
-  request.sendOrientations = upperCase;
-  request.selected = appliedSelection(serverState);
-  if (lower == 'l') {
-    const PickRequest picks = parsePickRequest(text.size() > 2 ? line + 2 : "");
-    if (!picks.valid) return;
-    request.pick1 = picks.pick1;
-    request.pick2 = picks.pick2;
-    extractField(open(picks.path, outputFd), outputFd, request);
-    return;
-  }
-  odb_Odb& odb = open(arguments, outputFd);
-  if (letter == 'd') {  // Contract: in lower case only.
-    extractNodal(odb, outputFd, serverState.selection, serverState.labelList);
-    return;
-  }
-  for (const auto& form : kPlainForms) {
-    if (form.letter != lower) continue;
-    request.extraction = form.extraction;
-    extractField(odb, outputFd, request);
-  }
+void sendPickedValues(const char* arguments, int outputFd, bool withDirections) {
+  const PickRequest picks = parsePickRequest(arguments);
+  if (!picks.valid) return;
+  FieldRequest request = fieldRequest(withDirections);
+  request.pick1 = picks.pick1;
+  request.pick2 = picks.pick2;
+  extractField(open(picks.path, outputFd), outputFd, request);
+}
+
+void sendPairValues(const char* arguments, int outputFd, bool byName, bool withDirections) {
+  const PairRequest pair = parsePairRequest(arguments, byName);
+  if (!pair.valid) return;
+  PairExtraction extraction;
+  extraction.selection = &serverState.selection;
+  extraction.first = pair.first;
+  extraction.second = pair.second;
+  extraction.byName = byName;
+  extraction.sendOrientations = withDirections;
+  extraction.selected = appliedSelection(serverState);
+  extractPair(open(pair.path, outputFd), outputFd, extraction);
+}
+
+void sendNodalValues(const std::string& path, int outputFd) {
+  extractNodal(open(path, outputFd), outputFd, serverState.selection, serverState.labelList);
 }
 
 }  // namespace odbs

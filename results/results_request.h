@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The command `r`: which extraction its second letter asks for, its section-point picks and items,
-// and the way to the extractor.
+// The forms of the command `r`: their section-point picks and items, and the extractor of each.
 #pragma once
 
 #include <string>
 #include <string_view>
 
+#include "results/field_extractor.h"
 #include "results/pair_extractor.h"
 
 namespace odbs {
@@ -30,9 +30,19 @@ struct PickRequest {
 };
 PickRequest parsePickRequest(const char* arguments);
 
-// Runs a results request. `line` is the whole command line, NUL-terminated. Reads the selection of
-// the server state. Opens the database in every case. Throws what opening and the database library
-// throw.
-void runResultsRequest(const char* line, int outputFd);
+// The forms of `r`, each for the selected result (see Selection in server/core/server_state.h) and
+// the database of the path. Local directions precede the values that have them if `withDirections`.
+// They throw what opening and the database library throw.
+void sendFieldValues(const std::string& path, int outputFd, Extraction extraction,
+                     bool withDirections);
+
+// Those at two section points: "pick1 pick2,path". Nothing is opened or sent without a comma.
+void sendPickedValues(const char* arguments, int outputFd, bool withDirections);
+
+// Those at two places of layers: "item1:item2:path". Nothing is opened or sent without two colons.
+void sendPairValues(const char* arguments, int outputFd, bool byName, bool withDirections);
+
+// Those at nodes.
+void sendNodalValues(const std::string& path, int outputFd);
 
 }  // namespace odbs

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <string>
 
-#include "base/text.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/history.h"
 #include "model/model_stream.h"
@@ -15,6 +14,7 @@
 #include "regions/region_queries.h"
 #include "registry/open_database.h"
 #include "results/results_request.h"
+#include "server/core/field_scanner.h"
 #include "server/core/sdk_adapter.h"
 #include "server/core/server_state.h"
 #include "server/registry_commands.h"
@@ -45,6 +45,27 @@ void sendSets(Call& call, bool withSurfaces) {
   sendSetsStream(odb, call.outputFd, withSurfaces, isSet(call.at(4)));
 }
 
+// True for a capital second letter, which asks `f` for every frame, `r` for local directions.
+bool hasCapital(const Call& call) {
+  return call.at(1) >= 'A' && call.at(1) <= 'Z';
+}
+
+odb_Odb& openForListing(const Call& call) {
+  odb_Odb& odb = open(call);
+  serverState.catalogueMode =
+      hasCapital(call) ? CatalogueMode::kEveryFrame : CatalogueMode::kLastFrame;
+  return odb;
+}
+
+void list(const Call& call, CatalogueListing listing) {
+  sendCatalogue(openForListing(call), call.outputFd, listing);
+}
+
+void sendValues(Call& call, Extraction extraction) {
+  call.allocationLine = kResultsAllocationLine;
+  sendFieldValues(call.arguments, call.outputFd, extraction, hasCapital(call));
+}
+
 }  // namespace
 
 void sendNodesOnly(Call& call) {
@@ -67,18 +88,20 @@ void closeOne(Call& call) {
   closeCommand(sdk::openDatabases(), call.arguments, call.outputFd);
 }
 
-// The second letter names the listing, its capital form lists every frame. The database is opened,
-// and the mode is set, whether or not a listing follows.
-void listResults(Call& call) {
-  odb_Odb& odb = open(call);
-  const char letter = call.at(1);
-  const bool everyFrame = letter >= 'A' && letter <= 'Z';
-  const char lower = everyFrame ? static_cast<char>(letter - 'A' + 'a') : letter;
-  if (lower == '\0' || !std::strchr("dsvn", lower)) return;
-  serverState.catalogueMode = everyFrame ? CatalogueMode::kEveryFrame : CatalogueMode::kLastFrame;
-  if (lower == 'd') sendCatalogue(odb, call.outputFd, CatalogueListing::kNodal);
-  if (lower == 's') sendCatalogue(odb, call.outputFd, CatalogueListing::kElement);
-  if (lower == 'v') sendCatalogue(odb, call.outputFd, CatalogueListing::kVectorTensor);
+void listNodal(Call& call) {
+  list(call, CatalogueListing::kNodal);
+}
+
+void listElement(Call& call) {
+  list(call, CatalogueListing::kElement);
+}
+
+void listVectorTensor(Call& call) {
+  list(call, CatalogueListing::kVectorTensor);
+}
+
+void listNothing(Call& call) {
+  openForListing(call);
 }
 
 void listHistory(Call& call) {
@@ -88,7 +111,8 @@ void listHistory(Call& call) {
 void sendHistoryValues(Call& call) {
   const char* blank = std::strchr(call.arguments, ' ');
   if (!blank) return;
-  exportHistoryValues(open(call, blank + 1), call.outputFd, toIntOrZero(call.arguments));
+  exportHistoryValues(open(call, blank + 1), call.outputFd,
+                      FieldScanner(call.arguments).nextInt(0));
 }
 
 void resolveRegions(Call& call) {
@@ -116,9 +140,49 @@ void openOne(Call& call) {
   open(call);
 }
 
-void sendResults(Call& call) {
+void sendValuesWithoutPoint(Call& call) {
+  sendValues(call, Extraction::kPicked);
+}
+
+void sendValuesAtPicks(Call& call) {
   call.allocationLine = kResultsAllocationLine;
-  runResultsRequest(call.line.data(), call.outputFd);
+  sendPickedValues(call.arguments, call.outputFd, hasCapital(call));
+}
+
+void sendValuesAtEveryPoint(Call& call) {
+  sendValues(call, Extraction::kEveryPoint);
+}
+
+void sendValuesAtTop(Call& call) {
+  sendValues(call, Extraction::kTop);
+}
+
+void sendValuesAtBottom(Call& call) {
+  sendValues(call, Extraction::kBottom);
+}
+
+void sendValuesAsStored(Call& call) {
+  sendValues(call, Extraction::kAsStored);
+}
+
+void sendValuesOfLayers(Call& call) {
+  call.allocationLine = kResultsAllocationLine;
+  sendPairValues(call.arguments, call.outputFd, false, hasCapital(call));
+}
+
+void sendValuesOfNamedLayers(Call& call) {
+  call.allocationLine = kResultsAllocationLine;
+  sendPairValues(call.arguments, call.outputFd, true, hasCapital(call));
+}
+
+void sendValuesAtNodes(Call& call) {
+  call.allocationLine = kResultsAllocationLine;
+  sendNodalValues(call.arguments, call.outputFd);
+}
+
+void openForResults(Call& call) {
+  call.allocationLine = kResultsAllocationLine;
+  open(call);
 }
 
 void checkUpgradeOf(Call& call) {

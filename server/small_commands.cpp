@@ -152,7 +152,7 @@ void appendLabels(Call& call) {
 
 void createHistoryNames(Call& call) {
   serverState.historyNames = {};
-  serverState.historyNames.capacity = std::max(0, toIntOrZero(call.arguments));
+  serverState.historyNames.capacity = std::max(0, FieldScanner(call.arguments).nextInt(0));
 }
 
 void appendHistoryName(Call& call) {
@@ -194,7 +194,7 @@ void quitServer(Call&) {
 }
 
 void setVerbosity(Call& call) {
-  serverState.verbosity = toIntOrZero(call.arguments) < 1 ? -1 : 1;
+  serverState.verbosity = FieldScanner(call.arguments).nextInt(0) < 1 ? -1 : 1;
 }
 
 }  // namespace odbs

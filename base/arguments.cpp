@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Reading options, and the texts for help, versions and wrong command lines.
 #include "base/arguments.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Escapes for control characters and bytes that are not UTF-8.
 #include "base/printable.h"
 
 namespace odbs {

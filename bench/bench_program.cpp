@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Reading the common options, and the frame of main.
 #include "bench/bench_program.h"
 
 #include <climits>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Finding and starting the server, time-outs, and the ways to end it.
 #include "client/connection.h"
 
 #include <cerrno>

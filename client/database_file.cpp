@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The signature, version and announced size in the first bytes of an HDF5 file.
 #include "client/database_file.h"
 
 #include <array>

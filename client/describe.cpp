@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The tables of tags for the model, sets and regions, and the text of one record.
 #include "client/describe.h"
 
 #include "client/describe_rows.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Decoders for the records of field values, their builder, and the request.
 #include "client/field_values.h"
 
 #include "base/text.h"

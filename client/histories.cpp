@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Decoders for the records of histories, their builder, and the requests.
 #include "client/histories.h"
 
 #include "client/records/cursor.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The builder that sorts the records of a model stream into instances.
 #include "client/model.h"
 
 #include "client/records/small_records.h"

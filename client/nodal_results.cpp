@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Decoders for the records of nodal results, their builder, and the request.
 #include "client/nodal_results.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The request lines, the text form of queries, and the two replies.
 #include "client/regions.h"
 
 #include "base/text.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Decoders for the records of a catalogue, and the builder that stores repeats once.
 #include "client/result_catalogue.h"
 
 #include "client/records/cursor.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Decoders for the records of sets, and the builder that handles both uses of a name.
 #include "client/sets.h"
 
 #include "client/records/cursor.h"

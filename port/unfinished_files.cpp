@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// A fixed table of names, without locks, that a signal handler can read.
 #include "port/unfinished_files.h"
 
 #include <array>

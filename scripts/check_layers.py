@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
-"""Checks what each folder includes, licence lines and file lengths.
+"""Checks what each folder includes, licence lines, opening comments and file lengths.
 
 The table below is the project's architecture as data. A violation is printed with file, line, the
 offending text and what would be allowed there; the exit status is 1 then, 0 otherwise.
@@ -133,6 +133,7 @@ class Checker:
                 nFiles += 1
                 self.checkLicence(path, lines)
             if path.endswith(CODE):
+                self.checkOpening(path, lines)
                 self.checkIncludes(path, text)
                 if len(lines) - 1 > MAX_LINES:
                     self.report(path, MAX_LINES, f"{len(lines) - 1} lines",
@@ -144,6 +145,12 @@ class Checker:
         if not any(LICENCE in line for line in head):
             self.report(path, 1, lines[0].strip() or "(empty)",
                         f"the first line must be a comment with {LICENCE}")
+
+    def checkOpening(self, path, lines):
+        second = lines[1].strip() if len(lines) > 1 else ""
+        if not second.startswith("// "):
+            self.report(path, 2, second or "(empty)",
+                        "the licence line must be followed by a comment on what the file owns")
 
     def checkIncludes(self, path, text):
         folder = folderOf(path)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The table of subcommands, the help texts, and running one of them.
 #include "client/cli/cli.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The queries that find out why a selection has no values.
 #include "client/cli/explain.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Tables as aligned text, csv and JSON lines.
 #include "client/cli/report.h"
 
 #include <algorithm>

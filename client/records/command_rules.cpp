@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// One row for each command whose reply is special, and the selection line.
 #include "client/records/command_rules.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Decoders for elements without a name length, sections, materials and surfaces.
 #include "client/records/model_records.h"
 
 #include "base/text.h"

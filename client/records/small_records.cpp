@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Decoders for records of one text or one number.
 #include "client/records/small_records.h"
 
 #include "client/records/cursor.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Writes the models of written_model.h through the API.
 #include "tests/client/written_model.h"
 
 #include <odb_API.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// One function for each kind of object that is written as text.
 #include "tests/odb/read_everything.h"
 
 #include <odb_MaterialTypes.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Builds the model part by part, with sections, sets and steps.
 #include "tests/odb/sample_model.h"
 
 namespace odbs::test {

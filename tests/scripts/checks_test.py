@@ -13,6 +13,7 @@ import unittest
 
 ROOT = sys.argv.pop(1)
 LICENCE = "// SPDX-License-Identifier: BSD-3-Clause\n"
+OPENING = LICENCE + "// What the file owns.\n"
 
 
 def runScript(name, *arguments):
@@ -21,18 +22,18 @@ def runScript(name, *arguments):
     return done.returncode, done.stdout
 
 
-def write(tree, files, licence=LICENCE):
-    """Writes the files, C++ ones below a licence line."""
+def write(tree, files, opening=OPENING):
+    """Writes the files, C++ ones below a licence line and a comment."""
     for path, text in files.items():
         full = os.path.join(tree, path)
         os.makedirs(os.path.dirname(full), exist_ok=True)
         with open(full, "w", encoding="utf-8") as file:
-            file.write((licence if path.endswith((".h", ".cpp")) else "") + text)
+            file.write((opening if path.endswith((".h", ".cpp")) else "") + text)
 
 
-def checkLayers(files, licence=LICENCE):
+def checkLayers(files, opening=OPENING):
     with tempfile.TemporaryDirectory() as tree:
-        write(tree, files, licence)
+        write(tree, files, opening)
         return runScript("check_layers.py", tree)
 
 
@@ -58,29 +59,29 @@ ALLOWED = {
 
 # path, text, line of the fault, words of the message
 FAULTS = [
-    ("base/text.cpp", '#include "port/port.h"\n', 2, "base must not include port; allowed: base"),
-    ("port/port.h", "\n#include <windows.h>\n", 3, "platform headers"),
-    ("odb/include/odb_Set.h", "#include <hdf5.h>\n", 2, "HDF5"),
-    ("results/field.cpp", "#include <odb_engine/handle.h>\n", 2, "is included by files"),
-    ("server/core/sdk_vendor.h", "#include <odb_embedded.h>\n", 2, "is included by files"),
-    ("registry/opening.cpp", "#include <odb_embedded.h>\n", 2, "odb_embedded.h is included by"),
-    ("results/field.cpp", "#include <H5Fpublic.h>\n", 2, "HDF5"),
-    ("odb/src/model/entity.cpp", "#include <hdf5.h>\n", 2, "HDF5"),
-    ("odb/src/storage/file.cpp", '#include "odb/src/model/entity.h"\n', 2, "must not include odb/src/model"),
-    ("registry/opening.cpp", '#include "lookup/names.h"\n', 2, "registry must not include lookup"),
-    ("client/records/cursor.cpp", '#include "client/model.h"\n', 2, "must not include client;"),
-    ("importer/results/frd.cpp", "#include <odb_API.h>\n", 2, "must not include odb/include"),
-    ("catalogue/history.cpp", "#include <zlib.h>\n", 2, "zlib"),
-    ("server/core/record.cpp", '#include "registry/registry.h"\n', 2, "must not include registry"),
-    ("server/core/channel.h", '#include "server/command_table.h"\n', 2, "must not include server;"),
-    ("model/stream.cpp", '#include "results/field.h"\n', 2, "model must not include results"),
-    ("regions/request.cpp", '#  include "catalogue/cache.h"\n', 2, "must not include catalogue"),
-    ("client/decoder.cpp", "#include <odb_API.h>\n", 2, "client must not include odb/include"),
-    ("base/text.cpp", '#include "tests/support.h"\n', 2, "base must not include tests"),
-    ("base/text.cpp", '#include "bytes.h"\n', 2, "from the repository's root"),
-    ("model/stream.cpp", '#include "../results/field.h"\n', 2, "without .."),
-    ("model/stream.cpp", "#include HEADER\n", 2, "a literal file name"),
-    ("server/core/record.cpp", "#include <gtest/gtest.h>\n", 2, "GoogleTest"),
+    ("base/text.cpp", '#include "port/port.h"\n', 3, "base must not include port; allowed: base"),
+    ("port/port.h", "\n#include <windows.h>\n", 4, "platform headers"),
+    ("odb/include/odb_Set.h", "#include <hdf5.h>\n", 3, "HDF5"),
+    ("results/field.cpp", "#include <odb_engine/handle.h>\n", 3, "is included by files"),
+    ("server/core/sdk_vendor.h", "#include <odb_embedded.h>\n", 3, "is included by files"),
+    ("registry/opening.cpp", "#include <odb_embedded.h>\n", 3, "odb_embedded.h is included by"),
+    ("results/field.cpp", "#include <H5Fpublic.h>\n", 3, "HDF5"),
+    ("odb/src/model/entity.cpp", "#include <hdf5.h>\n", 3, "HDF5"),
+    ("odb/src/storage/file.cpp", '#include "odb/src/model/entity.h"\n', 3, "must not include odb/src/model"),
+    ("registry/opening.cpp", '#include "lookup/names.h"\n', 3, "registry must not include lookup"),
+    ("client/records/cursor.cpp", '#include "client/model.h"\n', 3, "must not include client;"),
+    ("importer/results/frd.cpp", "#include <odb_API.h>\n", 3, "must not include odb/include"),
+    ("catalogue/history.cpp", "#include <zlib.h>\n", 3, "zlib"),
+    ("server/core/record.cpp", '#include "registry/registry.h"\n', 3, "must not include registry"),
+    ("server/core/channel.h", '#include "server/command_table.h"\n', 3, "must not include server;"),
+    ("model/stream.cpp", '#include "results/field.h"\n', 3, "model must not include results"),
+    ("regions/request.cpp", '#  include "catalogue/cache.h"\n', 3, "must not include catalogue"),
+    ("client/decoder.cpp", "#include <odb_API.h>\n", 3, "client must not include odb/include"),
+    ("base/text.cpp", '#include "tests/support.h"\n', 3, "base must not include tests"),
+    ("base/text.cpp", '#include "bytes.h"\n', 3, "from the repository's root"),
+    ("model/stream.cpp", '#include "../results/field.h"\n', 3, "without .."),
+    ("model/stream.cpp", "#include HEADER\n", 3, "a literal file name"),
+    ("server/core/record.cpp", "#include <gtest/gtest.h>\n", 3, "GoogleTest"),
     ("extras/new.cpp", "\n", 1, "not in the table"),
     ("model/stream.cpp", "\n" * 500, 500, "split the file"),
     ("scripts/tool.py", "#!/usr/bin/env python3\nprint(1)\n", 1, "SPDX"),
@@ -103,9 +104,14 @@ class Checks(unittest.TestCase):
             self.assertIn(" 1 problems", output)
 
     def testASourceWithoutItsLicenceLineIsFound(self):
-        status, output = checkLayers({"base/a.cpp": "int a;\n"}, licence="")
+        status, output = checkLayers({"base/a.cpp": "int a;\n"}, opening="")
         self.assertEqual(1, status)
         self.assertIn("base/a.cpp:1: int a;", output)
+
+    def testASourceWithoutItsOpeningCommentIsFound(self):
+        status, output = checkLayers({"base/a.cpp": "int a;\n"}, opening=LICENCE)
+        self.assertEqual(1, status)
+        self.assertIn("base/a.cpp:2: int a;", output)
 
     def testATreeWithoutSourcesIsAFailure(self):
         self.assertEqual(1, checkLayers({})[0])
@@ -118,7 +124,7 @@ class Checks(unittest.TestCase):
             write(tree, {"base/good.h": "int good();\n", "base/bad.cpp": "int   bad( ) ;\n"})
             status, output = runScript("check_format.sh", tree)
             self.assertEqual(1, status, output)
-            self.assertIn("base/bad.cpp:2", output)
+            self.assertIn("base/bad.cpp:3", output)
             self.assertNotIn("good.h", output)
             self.assertEqual(0, runScript("check_format.sh", "--fix", tree)[0])
             status, output = runScript("check_format.sh", tree)

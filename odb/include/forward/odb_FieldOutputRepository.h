@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Forwards to the header that declares odb_FieldOutputRepository.
 #pragma once
 
 #include <odb_FieldOutput.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Building the index, and the choice between the three ways to search.
 #include "odb/src/model/label_index.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The driver's functions that HDF5 calls, and the first failure that they keep.
 #include "odb/src/storage/disk_file.h"
 
 #include "odb/src/storage/errors.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The checks of what a file holds, and the calls to HDF5.
 #include "odb/src/storage/hdf5_file.h"
 
 #include "odb/src/storage/errors.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// Reading and writing release 1: its texts, its columns and its arrays.
 #include "odb/src/storage/old_layout.h"
 
 #include "odb/src/storage/errors.h"

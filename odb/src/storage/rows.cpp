@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+// The checks of the numbers in a row, and the messages that name table, row and column.
 #include "odb/src/storage/rows.h"
 
 #include "odb/src/storage/errors.h"

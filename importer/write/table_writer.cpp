@@ -118,9 +118,7 @@ void TableWriter::finish() {
     odb_Step& step = frames_.step(region.step);
     odb_HistoryRegion& made = step.HistoryRegion(name.c_str(), "", point);
     for (auto& [key, series] : outputs) {
-      const std::size_t split = key.find('\n');
-      odb_HistoryOutput& output =
-          made.HistoryOutput(key.substr(0, split).c_str(), key.substr(split + 1).c_str());
+      odb_HistoryOutput& output = made.HistoryOutput(key.name.c_str(), key.description.c_str());
       const auto rows = [](const std::vector<double>& x, const std::vector<double>& values) {
         odb_SequenceSequenceFloat pairs(static_cast<int>(x.size()));
         for (std::size_t i = 0; i < x.size(); ++i) {
@@ -159,7 +157,7 @@ void TableWriter::takeModes(const DatTable& table) {
     const int diameter = nKeys == 2 ? table.keys[row * nKeys] : nodalDiameter_;
     const Region region{step, PointKind::assembly, 0, {}, diameter};
     for (std::size_t i = 0; i < nColumns; ++i) {
-      addValue(region, outputName(table, i), mode, table.values[row * nColumns + i], false);
+      addValue(region, outputOf(table, i), mode, table.values[row * nColumns + i], false);
     }
     if (table.quantity == kDatBuckling) frequency = 0;
     const bool values = table.quantity == kDatEigenvalues || table.quantity == kDatBuckling;
@@ -180,8 +178,8 @@ void TableWriter::takeTurning(const DatTable& table) {
     const std::string& direction = table.notes[row];
     if (direction != "F" && direction != "B") continue;
     const Region region{step, PointKind::assembly, 0, {}, table.keys[2 * row]};
-    addValue(region, "TURN\nTurning direction (1 forward, -1 backward)", table.keys[2 * row + 1],
-             direction == "F" ? 1 : -1, false);
+    addValue(region, {"TURN", "Turning direction (1 forward, -1 backward)"},
+             table.keys[2 * row + 1], direction == "F" ? 1 : -1, false);
   }
 }
 
@@ -227,8 +225,7 @@ void TableWriter::place(const Moment& moment, DatTable& real, const DatTable* im
   }
 }
 
-// Name and description of a column's output, with a line feed between.
-std::string TableWriter::outputName(const DatTable& table, std::size_t column) const {
+TableWriter::Output TableWriter::outputOf(const DatTable& table, std::size_t column) const {
   const HistoryName* const known = historyName(table.quantity);
   std::string name(known != nullptr ? known->name : std::string_view(table.quantity));
   const std::string& component = table.columns[column];
@@ -243,7 +240,7 @@ std::string TableWriter::outputName(const DatTable& table, std::size_t column) c
   } else if (table.quantity != kDatBuckling) {
     name += component;
   }
-  return name + "\n" + (known != nullptr ? std::string(known->description) : table.title);
+  return {name, known != nullptr ? std::string(known->description) : table.title};
 }
 
 // Contact at the faces of elements. The solver prints the points of a face that are in contact,
@@ -266,8 +263,10 @@ void TableWriter::addFaces(const Moment& moment, const DatTable& table, bool ima
     const Region region{moment.step, PointKind::face, element, std::to_string(face),
                         moment.nodalDiameter};
     for (std::size_t i = 0; i < nColumns; ++i) {
-      addValue(region, outputName(table, i) + (adds ? "" : ", mean over the face"), moment.x,
-               adds ? sums[i] : sums[i] / static_cast<double>(next - row), imaginary);
+      Output output = outputOf(table, i);
+      if (!adds) output.description += ", mean over the face";
+      addValue(region, output, moment.x, adds ? sums[i] : sums[i] / static_cast<double>(next - row),
+               imaginary);
     }
   }
 }
@@ -312,13 +311,14 @@ void TableWriter::addHistory(const Moment& moment, const DatTable& table, bool i
     const bool local =
         region.kind == PointKind::node && nColumns == 3 && transformed_.count(region.label) != 0;
     for (std::size_t i = 0; i < nColumns; ++i) {
-      addValue(region, outputName(table, i) + (local ? " in the system of *TRANSFORM" : ""),
-               moment.x, table.values[row * nColumns + i], imaginary);
+      Output output = outputOf(table, i);
+      if (local) output.description += " in the system of *TRANSFORM";
+      addValue(region, output, moment.x, table.values[row * nColumns + i], imaginary);
     }
   }
 }
 
-void TableWriter::addValue(const Region& region, const std::string& output, double x, double value,
+void TableWriter::addValue(const Region& region, const Output& output, double x, double value,
                            bool imaginary) {
   Series& series = histories_[region][output];
   std::vector<double>& at = imaginary ? series.imaginaryX : series.x;

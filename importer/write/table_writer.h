@@ -68,7 +68,13 @@ class TableWriter {
     std::vector<double> x, values;
     std::vector<double> imaginaryX, imaginary;
   };
-  using Outputs = std::map<std::string, Series>;
+  struct Output {
+    std::string name, description;
+    bool operator<(const Output& other) const {
+      return std::tie(name, description) < std::tie(other.name, other.description);
+    }
+  };
+  using Outputs = std::map<Output, Series>;
 
   // The elements of one type, section category and kind of local system in a table, with the rows
   // of each.
@@ -102,9 +108,8 @@ class TableWriter {
   void takeSet(const DatTable& table, Region& region) const;
   void addFaces(const Moment& moment, const DatTable& table, bool imaginary);
   void addHistory(const Moment& moment, const DatTable& table, bool imaginary);
-  void addValue(const Region& region, const std::string& output, double x, double value,
-                bool imaginary);
-  std::string outputName(const DatTable& table, std::size_t column) const;
+  void addValue(const Region& region, const Output& output, double x, double value, bool imaginary);
+  Output outputOf(const DatTable& table, std::size_t column) const;
   odb_HistoryPoint pointOf(const Region& region, std::string& name);
   struct Part {
     explicit Part(const Target& target, bool userNormals)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Measures how much memory results add to an import, as a ratio to the largest block of the result
-// file, and how long the import takes. The importer runs in processes of their own, because a
+// file, and how long the import takes. The importer runs in separate processes, because a
 // process knows only the largest memory that it ever had: with the deck alone, with the results of
 // one frame, and with those of all frames. What results add must not grow with their number.
 #include <algorithm>

@@ -61,7 +61,7 @@ void measureKernel(const Options& options) {
                       expectedMisesSquaresByProduct({matrix.data(), order}, modes, product.data());
                     }));
   }
-  // The plain form wants the modes of its own values behind one another.
+  // The plain form needs the modes of its values one after another.
   const int nPart = std::max(1, nValues / 20);
   std::vector<float> part;
   for (std::size_t m = 0; m < n; ++m) {

@@ -90,7 +90,7 @@ class EntryReplay {
     CatalogueEntry entry;             // what they say
   };
 
-  // The field whose lines come next, if it is the one behind the last one or the first of a frame.
+  // The field whose lines come next, if it is the one after the last one or the first of a frame.
   // Its lines are taken then.
   Field* expected() {
     for (const std::size_t i : {next_, std::size_t{0}}) {

@@ -18,7 +18,7 @@ if(CMAKE_CROSSCOMPILING)
     message(FATAL_ERROR "No HDF5 for Windows in ${ODBS_HDF5_ROOT}: run scripts/setup.sh")
   endif()
   target_include_directories(odbs_hdf5 SYSTEM INTERFACE ${ODBS_HDF5_ROOT}/include)
-  # A target of its own, so that zlib comes after it on every link line.
+  # A separate target, so that zlib comes after it on every link line.
   add_library(odbs_hdf5_archive STATIC IMPORTED GLOBAL)
   set_target_properties(odbs_hdf5_archive PROPERTIES IMPORTED_LOCATION
                                                      ${ODBS_HDF5_ROOT}/lib/libhdf5.a)

@@ -38,8 +38,8 @@ struct Scope {
   std::string name;
 };
 
-// The instances in the order of their names, then the assembly, which has connectors and reference
-// nodes of its own.
+// The instances in the order of their names, then the assembly, which has the connectors and
+// reference nodes.
 std::vector<std::string> allOwners(odb_Assembly& assembly) {
   std::vector<std::string> owners = sortedInstanceNames(assembly);
   const odb_String name = assembly.name();

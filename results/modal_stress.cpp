@@ -61,7 +61,7 @@ StressSlots slotsOf(const odb_FieldBulkData& block) {
   return slots;
 }
 
-// The modes: a frame of the frequency step and those behind it.
+// The modes: a frame of the frequency step and those after it.
 struct Modes {
   odb_SequenceFrame frames;
   int first = -1;  // -1: there are none

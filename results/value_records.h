@@ -77,7 +77,7 @@ class ValueWriter {
   }
 
  private:
-  // Components that fit a record behind its tag and three labels.
+  // Components that fit a record after its tag and three labels.
   static constexpr int kMostNumbers = static_cast<int>((kMaxPayload - 13) / 4);
 
   // By what changed: 4 element label, 2 integration point, 1 third label.

@@ -5,7 +5,7 @@
 # into $ODBS_CACHE; does nothing when it is there. cmake/OdbsHdf5.cmake picks it up.
 #
 # Static, with zlib, without tools, tests, C++, Fortran and the high-level part. The source is
-# fetched with an apt configuration of its own (below), so neither root nor a change to the machine's
+# fetched with a separate apt configuration (below), so neither root nor a change to the machine's
 # package sources is needed.
 
 set -euo pipefail

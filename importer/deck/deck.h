@@ -171,7 +171,7 @@ enum class SectionKind {
   cohesive,
   connector,
   point,
-  other  // springs, dashpots, gaps, fluid sections, ...: a category, but no section of its own
+  other  // springs, dashpots, gaps, fluid sections, ...: a category, but no section
 };
 
 struct Layer {
@@ -326,7 +326,7 @@ struct Part {
 struct Instance {
   std::string name;
   std::size_t part = 0;  // index in Deck::parts
-  Scope content;         // sets of the instance; its mesh when the part has none of its own
+  Scope content;         // sets of the instance; its mesh when the part has none
   // Where the part goes: rotated coordinates are `axes` (images of the three axes, row by row)
   // applied to the part's, then `translation` is added.
   bool moved = false;

@@ -210,7 +210,7 @@ void DeckParser::readRotaryInertia(const Keyword& keyword) {
   scope().sections.push_back(startSection(keyword, SectionKind::point, "point"));
 }
 
-// Springs, dashpots and the like: the elements get a category of their own, no section.
+// Springs, dashpots and the like: the elements get a category, but no section.
 void DeckParser::readOtherSection(const Keyword& keyword) {
   if (!keyword.has("ELSET")) return;
   std::string word = keyword.text.substr(1);

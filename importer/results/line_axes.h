@@ -43,7 +43,7 @@ CornerShares nodeShares(const Section& section, int corner);
 CornerShares wallShares(const Section& section, int corner);
 constexpr std::size_t kPipePoints = 8, kBoxPoints = 16;
 
-// True when the deck gives normals of its own (keyword *NORMAL).
+// True when the deck gives normals (keyword *NORMAL).
 bool hasUserNormals(const Deck& deck);
 
 class LineAxes {

@@ -82,7 +82,7 @@ bool tryShape(const FrdResult& head, FieldShape shape, std::vector<int>& sources
   return std::find(sources.begin(), sources.end(), -1) == sources.end();
 }
 
-// The components that `used` does not hold, each as a scalar of its own.
+// The components that `used` does not hold, each as a separate scalar.
 void addScalars(const FrdResult& head, const TargetField& pattern, const std::vector<int>& used,
                 std::vector<TargetField>& fields) {
   int stored = 0;

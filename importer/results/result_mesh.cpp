@@ -281,7 +281,7 @@ void ResultMesh::standFor(std::int32_t deckNode, const Solids& solids, const Exp
   };
   stand->nElements += 1;
   if (middle < 0) {
-    // Between the faces the solver's layers follow the whole element, which is no line there.
+    // Between the faces the solver's layers follow the whole element, which is curved there.
     add(solids.front(), bottom, 0.5f);
     add(solids.back(), top, 0.5f);
   } else {

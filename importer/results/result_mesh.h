@@ -2,7 +2,7 @@
 // Where the values of a result file go: its nodes and elements matched with those of the deck.
 //
 // The solver keeps the labels of solid meshes. It turns shells, membranes, plane and axisymmetric
-// elements, beams and trusses into solids with nodes of its own (CalculiX CrunchiX User's Manual,
+// elements, beams and trusses into solids with new nodes (CalculiX CrunchiX User's Manual,
 // chapter on element types), unless two-dimensional output was asked for; those elements keep
 // their labels, except composite shells, which become one solid a layer with labels beyond the
 // largest.
@@ -99,7 +99,7 @@ class ResultMesh {
   bool isInPlace() const { return 2 * nInPlace_ >= nLabels_; }
 
   // Nodes and elements of the result file that nothing of the deck takes, and elements of the deck
-  // whose nodes take values but which take none of their own (some beams).
+  // whose nodes take values but which take none (some beams).
   std::size_t nUnusedNodes() const { return nUnusedNodes_; }
   std::size_t nUnusedElements() const { return nUnusedElements_; }
   std::size_t nElementsWithout() const { return nElementsWithout_; }

@@ -24,7 +24,7 @@ struct WriteSummary {
 // Fills `odb`, which must be new and empty, with the model of `deck` and its steps without frames.
 // Nothing is saved.
 //
-// A flat deck becomes part PART-1 with instance PART-1-1. An instance with a mesh of its own gets a
+// A flat deck becomes part PART-1 with instance PART-1-1. An instance with its own mesh gets a
 // part for itself: the part that the deck names, or PART_INSTANCE when several instances share it.
 // A section goes by "Section-" and the name of its element set (connectors: the name alone); a
 // section of another part with the same set name and other properties has the part's name between.

@@ -134,7 +134,7 @@ class TableWriter {
   ResultFrames& frames_;
   std::deque<Part> parts_;
   std::unordered_map<std::int32_t, Place> placeOf_;  // by element label
-  std::unordered_set<std::int32_t> transformed_;  // nodes that are printed in systems of their own
+  std::unordered_set<std::int32_t> transformed_;  // nodes that are printed in transformed systems
   std::map<Region, Outputs> histories_;
   std::int32_t lastMode_ = 0;      // of the tables of modes
   int nodalDiameter_ = -1;         // of the last table of eigenvalues

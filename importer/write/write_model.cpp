@@ -99,7 +99,7 @@ odb_Enum::odb_DimensionEnum ModelWriter::spaceOf(const Scope& content) const {
 void ModelWriter::writeParts() {
   for (const Part& part : deck_.parts) {
     if (part.name.empty()) continue;
-    // Instances with a mesh of their own bring it as a part of their own.
+    // An instance with its own mesh becomes the instance of a new part.
     std::vector<const Instance*> meshes;
     for (const Instance& instance : deck_.instances) {
       const bool mine = &deck_.parts[instance.part] == &part;

@@ -282,7 +282,7 @@ TEST_F(Composites, RunsThatARecordCannotHoldAreLeftOutAndNotCounted) {
   for (int i = 1001; i <= 2000; ++i) category.SectionPoint(i, i % 2 ? "Layer = 3" : "Layer = 1");
   const Records records = sentFor(sections_.CompositeShellSection("Section-C", layup()));
   ASSERT_EQ(1u, records.size());
-  // Entries of 30 and 29 bytes by turns, described by "CARBON" and "GLASS".
+  // Entries of 30 and 29 bytes alternately, described by "CARBON" and "GLASS".
   Payload expected('$');
   expected.i32(1).text("C").i32(346).i32(2).i32(1000).text("CARBON").i32(0).f32(0.4F).f32(0);
   EXPECT_EQ(std::string(expected), records[0].substr(0, std::string(expected).size()));

@@ -136,7 +136,7 @@ TEST_F(Catalogue, EntriesRepeatTheNumbersAndTextsOfTheirStepAndFrame) {
   EXPECT_EQ(std::string(Payload(12).i32(3).f64(2).text(cut)), records[6]);
 }
 
-// A command that failed may leave records behind, here a marker.
+// A command that failed may leave records in the buffer, here a marker.
 TEST_F(Catalogue, RecordsLeaveAtOnceAndLeftoversOfAFailedCommandStay) {
   OutputFile out;
   sendMarker(out.fd());

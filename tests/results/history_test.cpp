@@ -75,7 +75,7 @@ TEST_F(History, ValuesAreTimeValueAndConjugateForEachPoint) {
   EXPECT_EQ((Records{output("U1", true), output("U1", false)}), withTag(ask("hi "), '6'));
 }
 
-// A command that failed may leave records behind, here a marker.
+// A command that failed may leave records in the buffer, here a marker.
 TEST_F(History, LeftoversOfAFailedCommandAreNotTakenForValues) {
   nodeOutput(step("Step-1"), "R", "U1").addData(1.0, 3.0);
   const auto bytes = [&](bool afterFailure) {

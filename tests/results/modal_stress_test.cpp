@@ -21,7 +21,7 @@ class ModalStresses : public ResultTest {
         .addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({stress}));
   }
 
-  // The same matrix under both names, in a frame of its own.
+  // The same matrix under both names, in a separate frame.
   void matrix(odb_Step& step, int order, const std::vector<float>& packed) {
     odb_Frame frame = step.Frame(nFrames_++, 1.0F);
     for (const char* name : {"MATRIX Sqq", "MATRIX RSqq"}) {
@@ -31,7 +31,7 @@ class ModalStresses : public ResultTest {
     }
   }
 
-  // The reply behind title and analysis kind.
+  // The reply after title and analysis kind.
   Records values(int step, const char* variable, int frame = 0) {
     select(step, frame, kStored, variable);
     return ResultTest::values("rs ");

@@ -3,7 +3,7 @@
 //
 //   record("$ 6 'LAM' 2 0.5f 45f")      a section: tag '$', i32 6, a text, i32 2, two f32
 //
-// The first word is the tag, a character or a number. Then: a number is 4 bytes; with f behind it a
+// The first word is the tag, a character or a number. Then: a number is 4 bytes; with f after it a
 // single, with d a double; 'text' has its length ahead, <text> has not. Hexadecimal is 0x41.
 // Written independently of the server's and the client's own encoding.
 #pragma once
@@ -63,7 +63,7 @@ inline std::string record(const std::string& notation) {
   return bytes;
 }
 
-// The payload behind its length.
+// The payload after its length.
 inline std::string frame(const std::string& notation) {
   const std::string payload = record(notation);
   return littleEndian(payload.size(), 2) + payload;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Files of a test: a folder of its own, and whole files as strings of bytes.
+// Files of a test: a new folder, and whole files as strings of bytes.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 namespace odbs::tests {
 
-// A folder of its own, deleted with all that is in it.
+// A new folder, deleted with all that is in it.
 class TemporaryFolder {
  public:
   // Its name begins with `prefix`.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The data behind fields, blocks and values.
+// The data of fields, blocks and values.
 //
 // A field is a descriptor and a list of blocks; a block is a layout (whose values) and arrays (the
 // values). Descriptors, layouts and label arrays are shared by all frames that use them. Arrays are

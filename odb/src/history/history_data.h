@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The data behind histories and element failure times of a step.
+// The data of histories and element failure times of a step.
 #pragma once
 
 #include "odb/src/model/database.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The data behind the handles of the model side. The database owns all of it; addresses are stable.
+// The data of the handles of the model side. The database owns all of it; addresses are stable.
 #pragma once
 
 #include "odb/src/model/label_index.h"
@@ -65,7 +65,7 @@ struct SetData {
   EntityData* owner = nullptr;
   odb_String name;
   odb_Enum::odb_SetTypeEnum type = odb_Enum::UNKNOWN_SET;
-  SetData* source = nullptr;  // an instance's view of its part's set; it has no segments of its own
+  SetData* source = nullptr;  // an instance's view of its part's set; it has no segments
   std::vector<std::unique_ptr<SetSegment>> segments;
   std::unique_ptr<SetViews> all;
   std::map<odb_String, std::unique_ptr<SetViews>> byInstance;

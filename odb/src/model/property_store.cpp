@@ -41,7 +41,7 @@ Properties ModelReading::namedValues(const Rows& rows, std::int64_t row, int fir
         property.value = properties->text(i, P::kValue);
         break;
       case P::kSetType: {
-        // Viewer stands behind the set here.
+        // Viewer follows the set here.
         const std::int64_t number2 = properties->optionalIndex(i, P::kValue, sets.size());
         property.isSet = true;
         if (number2 < 0) break;

@@ -33,7 +33,7 @@ std::vector<int> numbersOf(const odb_SequenceElementFace& faces) {
   return std::vector<int>(faces.engineItems().begin(), faces.engineItems().end());
 }
 
-// Makes the set once all its labels are known to exist, so that a bad label leaves none behind.
+// Makes the set once all its labels are known to exist, so that a bad label leaves no set.
 odb_Set& makeSet(EntityData& owner, odb_Enum::odb_SetTypeEnum type, bool ofElements,
                  const odb_String& name, const std::vector<Share>& shares) {
   for (const Share& share : shares) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The data behind steps, frames and load cases. Frames of a step are read when they are first asked
+// The data of steps, frames and load cases. Frames of a step are read when they are first asked
 // for.
 #pragma once
 

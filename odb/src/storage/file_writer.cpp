@@ -13,7 +13,7 @@ namespace odbs::engine {
 
 namespace {
 
-// Small arrays are collected in pieces of this size; larger ones get a piece of their own.
+// Small arrays are collected in pieces of this size; larger ones get a separate piece.
 constexpr std::size_t kPieceBytes = std::size_t(8) << 20;
 
 std::string arrayName(layout::Kind kind, const std::string& part) {

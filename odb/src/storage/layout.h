@@ -2,8 +2,8 @@
 // Every stored name, shape and unit. A database is one HDF5 file:
 //
 //   /format            int64[4]   magic, release, and two numbers that no other save has
-//   /texts.bytes       uint8[]    all texts, one behind the other, without terminators
-//   /texts.ends        int64[n]   place behind the last byte of each text, ascending
+//   /texts.bytes       uint8[]    all texts, one after the other, without terminators
+//   /texts.ends        int64[n]   position after the last byte of each text, ascending
 //   /tables/NAME.ints  int64[rows][columns of the table]
 //   /tables/NAME.reals float64[rows][real columns], only where the table has some
 //   /arrays/TYPE.K     int32[], float32[] or float64[]: the bulk numbers, in pieces K = 0, 1, ...

@@ -239,7 +239,7 @@ class FileWriter : public SaveTarget {
   struct Pieces {
     std::vector<std::int64_t> starts;
     std::vector<std::int64_t> sizes;
-    std::int64_t end = 0;              // place behind the last number
+    std::int64_t end = 0;              // position after the last number
     std::vector<unsigned char> small;  // not yet written: numbers from place end - small numbers on
     std::map<std::int64_t, Reserved> reserved;  // by place
   };

@@ -47,7 +47,7 @@ class LabelIndex {
   std::vector<std::int32_t> order_;  // positions by ascending label; empty when they ascend anyway
 };
 
-struct Expansion;  // how elements become solids, see result_mesh.cpp
+struct Expansion;  // how elements become solids, see solid_expansions.h
 
 // Where through the thickness, or in the cross-section, element values belong.
 enum class Side { whole, bottom, top, corner };

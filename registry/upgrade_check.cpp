@@ -34,8 +34,8 @@ bool upgradeRequired(const std::string& path) {
   UpgradeCheck& check = known->second;
   if (status.modificationSeconds != check.status.modificationSeconds ||
       status.size != check.status.size) {
-    check.status = status;
     check.required = sdk::isUpgradeRequired(path);
+    check.status = status;
   }
   return check.required;
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -60,6 +61,7 @@ hid_t memoryType(Number number) {
 struct Reason {
   char text[256] = "no reason given";
   bool outOfMemory = false;
+  bool isBroken = false;  // HDF5 damaged itself: see failForMemory
 };
 
 herr_t takeInnermost(unsigned n, const H5E_error2_t* error, void* out) {
@@ -70,11 +72,37 @@ herr_t takeInnermost(unsigned n, const H5E_error2_t* error, void* out) {
                   error->desc ? error->desc : "no reason given");
   }
   if (error->min_num == H5E_NOSPACE || error->min_num == H5E_CANTALLOC) reason.outOfMemory = true;
+  if (error->func_name && std::strcmp(error->func_name, "H5P__dup_prop") == 0) {
+    reason.isBroken = true;
+  }
   return 0;
+}
+
+// Why the last call failed.
+Reason lastFailure() {
+  Reason reason;
+  // HDF5 does not always say that an allocation failed; the allocator does.
+  reason.outOfMemory = errno == ENOMEM;
+  errno = 0;
+  H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, takeInnermost, &reason);
+  H5Eclear2(H5E_DEFAULT);
+  return reason;
+}
+
+// Where HDF5 1.10 cannot copy a property for want of memory, it frees the original: all later calls
+// fail or damage the heap. Contract: the process ends with 255 then, as HDF5 itself ends it when it
+// has no memory for an identifier.
+[[noreturn]] void failForMemory(const Reason& reason) {
+  if (reason.isBroken) {
+    std::fputs("out of memory: HDF5 cannot go on\n", stderr);
+    port::endProcess(255);
+  }
+  throw std::bad_alloc();
 }
 
 // Newest format bounds: their metadata carries checksums.
 Hid accessList(DiskFile& disk) {
+  errno = 0;
   // HDF5's own handler at the exit would go on with files whose writing failed.
   static const herr_t withoutExitHandler = H5dont_atexit();
   static_cast<void>(withoutExitHandler);
@@ -83,6 +111,8 @@ Hid accessList(DiskFile& disk) {
   if (!list.valid() || disk.setDriver(list.get()) < 0 ||
       H5Pset_libver_bounds(list.get(), H5F_LIBVER_LATEST, H5F_LIBVER_LATEST) < 0 ||
       H5Pset_fclose_degree(list.get(), H5F_CLOSE_STRONG) < 0) {
+    const Reason reason = lastFailure();
+    if (reason.outOfMemory) failForMemory(reason);
     fail(odb_ERROR_CANNOT_OPEN, "HDF5 refuses the access properties");
   }
   return list;
@@ -136,12 +166,7 @@ Hdf5File& Hdf5File::operator=(Hdf5File&& other) noexcept {
 }
 
 void Hdf5File::failCall(const char* call, const std::string& object) const {
-  Reason reason;
-  // HDF5 does not always say that an allocation failed; the allocator does.
-  reason.outOfMemory = errno == ENOMEM;
-  errno = 0;
-  H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, takeInnermost, &reason);
-  H5Eclear2(H5E_DEFAULT);
+  const Reason reason = lastFailure();
   const std::string message = object + ": " + call + ": " + reason.text;
   const std::string cause = disk_->failure();
   if (disk_->isWritable()) {
@@ -150,7 +175,7 @@ void Hdf5File::failCall(const char* call, const std::string& object) const {
   }
   if (!cause.empty()) fail(odb_ERROR_DAMAGED, "cannot read " + path_ + ": " + cause);
   // No word about the file: whoever remembers what could not be read must not remember this.
-  if (reason.outOfMemory) throw std::bad_alloc();
+  if (reason.outOfMemory) failForMemory(reason);
   failDamaged(path_ + ": " + message);
 }
 
@@ -159,8 +184,9 @@ Hdf5File Hdf5File::openForReading(const std::string& path) {
   const Hid access = accessList(*file.disk_);
   file.file_ = Hid(H5Fopen(path.c_str(), H5F_ACC_RDONLY, access.get()), H5Fclose);
   if (!file.file_.valid()) {
-    H5Eclear2(H5E_DEFAULT);
+    const Reason reason = lastFailure();
     const std::string cause = file.disk_->failure();
+    if (cause.empty() && reason.outOfMemory) failForMemory(reason);
     fail(odb_ERROR_CANNOT_OPEN,
          "cannot open " + path + ": " + (cause.empty() ? "no database, or cut short" : cause));
   }

@@ -2,9 +2,9 @@
 // What a connector section carries in its section record: the orientation of its connectors.
 #pragma once
 
-#include <string_view>
-
 #include <odb_API.h>
+
+#include <string_view>
 
 namespace odbs {
 

@@ -3,14 +3,14 @@
 // through the section category for elements that are in no table.
 #pragma once
 
+#include <odb_API.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include <odb_API.h>
 
 #include "model/section_names.h"
 

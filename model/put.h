@@ -2,10 +2,10 @@
 // Puts the database library's own types into the record being built.
 #pragma once
 
+#include <odb_API.h>
+
 #include <cstddef>
 #include <string_view>
-
-#include <odb_API.h>
 
 #include "server/core/record.h"
 

@@ -4,13 +4,13 @@
 // mention sections, so that their numbers agree.
 #pragma once
 
+#include <odb_API.h>
+#include <odb_SectionTypes.h>
+
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
-
-#include <odb_API.h>
-#include <odb_SectionTypes.h>
 
 #include "lookup/category_names.h"
 

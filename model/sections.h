@@ -3,10 +3,10 @@
 // section number.
 #pragma once
 
+#include <odb_API.h>
+
 #include <string>
 #include <vector>
-
-#include <odb_API.h>
 
 #include "model/element_sections.h"
 

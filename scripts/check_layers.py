@@ -135,6 +135,7 @@ class Checker:
             if path.endswith(CODE):
                 self.checkOpening(path, lines)
                 self.checkIncludes(path, text)
+                self.checkIncludeOrder(path, text)
                 if len(lines) - 1 > MAX_LINES:
                     self.report(path, MAX_LINES, f"{len(lines) - 1} lines",
                                 f"allowed: {MAX_LINES}; split the file")
@@ -151,6 +152,22 @@ class Checker:
         if not second.startswith("// "):
             self.report(path, 2, second or "(empty)",
                         "the licence line must be followed by a comment on what the file owns")
+
+    def checkIncludeOrder(self, path, text):
+        """Headers of the API come before those of the standard library, up to the first code."""
+        standard = None
+        for number, line in enumerate(withoutComments(text).split("\n"), 1):
+            match = re.match(r'#include (?:"([^"]+)"|<([^>]+)>)', line)
+            if not match:
+                if line.strip() and not line.startswith("#pragma once"):
+                    return
+                continue
+            angled = match.group(2)
+            if angled in STANDARD:
+                standard = angled
+            elif angled and standard and self.apiFolder(angled):
+                self.report(path, number, line.strip(),
+                            f"headers of the API come before <{standard}>")
 
     def checkIncludes(self, path, text):
         folder = folderOf(path)

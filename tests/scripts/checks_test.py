@@ -82,6 +82,7 @@ FAULTS = [
     ("model/stream.cpp", '#include "../results/field.h"\n', 3, "without .."),
     ("model/stream.cpp", "#include HEADER\n", 3, "a literal file name"),
     ("server/core/record.cpp", "#include <gtest/gtest.h>\n", 3, "GoogleTest"),
+    ("model/stream.cpp", "#include <map>\n\n#include <odb_API.h>\n", 5, "come before <map>"),
     ("extras/new.cpp", "\n", 1, "not in the table"),
     ("model/stream.cpp", "\n" * 500, 500, "split the file"),
     ("scripts/tool.py", "#!/usr/bin/env python3\nprint(1)\n", 1, "SPDX"),

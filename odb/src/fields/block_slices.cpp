@@ -2,11 +2,11 @@
 // Reading blocks piece by piece.
 #include <odb_BlockSlices.h>
 
-#include "odb/src/fields/field_data.h"
-#include "odb/src/storage/errors.h"
-
 #include <algorithm>
 #include <type_traits>
+
+#include "odb/src/fields/field_data.h"
+#include "odb/src/storage/errors.h"
 
 namespace odbs::engine {
 

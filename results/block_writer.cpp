@@ -4,11 +4,25 @@
 
 #include <stdexcept>
 
+#include "registry/database_caches.h"
 #include "server/core/record.h"
 #include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 
 namespace odbs {
+
+namespace {
+
+// Counted from 0.
+struct FramePlace {
+  int step = -1;
+  int frame = -1;
+};
+
+// Frames keep what they load, and a parent may walk over thousands: only the latest one does.
+DatabaseCache<FramePlace> latestFrames;
+
+}  // namespace
 
 void BlockWriter::sendHeaders(const odb_FieldBulkData& block) {
   headersPending_ = false;
@@ -83,9 +97,14 @@ const odb_Step& stepAt(odb_Odb& odb, int stepIndex) {
   return it.currentValue();
 }
 
-odb_Frame frameAt(const odb_Step& step, int frameIndex) {
-  const odb_SequenceFrame& frames = step.frames();
+odb_Frame frameAt(odb_Odb& odb, int stepIndex, int frameIndex) {
+  const odb_SequenceFrame& frames = stepAt(odb, stepIndex).frames();
   if (frameIndex < 0 || frameIndex >= frames.size()) throw std::out_of_range("no such frame");
+  FramePlace& latest = latestFrames.of(odb);
+  if (latest.frame >= 0 && (latest.step != stepIndex || latest.frame != frameIndex)) {
+    stepAt(odb, latest.step).frames().release(latest.frame);
+  }
+  latest = {stepIndex, frameIndex};
   return frames[frameIndex];
 }
 
@@ -96,7 +115,7 @@ const SelectionSet* appliedSelection(const ServerState& state) {
 
 bool findField(odb_Odb& odb, const Selection& selection, odb_FieldOutput& field) {
   if (selection.stepNumber < 1) return false;
-  const odb_Frame frame = frameAt(stepAt(odb, selection.stepNumber - 1), selection.frameIndex);
+  const odb_Frame frame = frameAt(odb, selection.stepNumber - 1, selection.frameIndex);
   odb_FieldOutputRepository& fields = frame.fieldOutputs();
   if (!fields.isMember(selection.variableName.c_str())) return false;
   field = fields.get(selection.variableName.c_str());

@@ -251,7 +251,8 @@ const SelectionSet* appliedSelection(const ServerState& state);
 
 // Step and frame by place, both counted from 0. Each throws std::out_of_range.
 const odb_Step& stepAt(odb_Odb& odb, int stepIndex);
-odb_Frame frameAt(const odb_Step& step, int frameIndex);
+// A frame is taken for a request: what the one before it loaded is released.
+odb_Frame frameAt(odb_Odb& odb, int stepIndex, int frameIndex);
 
 // The field output that the selection names, not yet a subset. A step number below 1 and a variable
 // that the frame lacks give false. Throws std::out_of_range for a step or a frame out of range.

@@ -207,7 +207,7 @@ void extractNodal(odb_Odb& odb, int outputFd, const Selection& selection, const 
   if (selection.stepNumber < 1) return;
   const int stepIndex = selection.stepNumber - 1;
   const odb_Step& step = stepAt(odb, stepIndex);
-  const odb_Frame frame = frameAt(step, selection.frameIndex);
+  const odb_Frame frame = frameAt(odb, stepIndex, selection.frameIndex);
   const odb_FieldOutputRepository& fields = frame.fieldOutputs();
   const std::string key = keyOf(fields, selection.variableName);
   if (key.empty()) return;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Fields of every kind, written, saved, and read back as blocks and as values.
-#include "tests/odb_results/results_model.h"
+#include "tests/odb/fields/results_model.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Programs as users of the API write them: loops over repositories, values and blocks, results by
 // value and by reference, mixed const and non-const. What counts first is that they compile.
-#include "tests/odb_results/results_model.h"
+#include "tests/odb/fields/results_model.h"
 
 #include <gtest/gtest.h>
 #include <odb_Enum.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Histories: points of every kind, values, conjugate parts, subsets, failure times.
-#include "tests/odb_results/results_model.h"
+#include "tests/odb/fields/results_model.h"
 
 #include <gtest/gtest.h>
 

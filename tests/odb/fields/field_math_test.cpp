@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Arithmetic, scalar fields, envelopes, other coordinate systems.
-#include "tests/odb_results/results_model.h"
+#include "tests/odb/fields/results_model.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include "importer/command_line.h"
 #include "importer/results/line_axes.h"
 #include "tests/importer/deck_files.h"
-#include "tests/importer_results/result_text.h"
+#include "tests/importer/results/result_text.h"
 
 namespace odbs::importer {
 namespace {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Builds the model, and the sequences that its fields are given.
-#include "tests/odb_results/results_model.h"
+#include "tests/odb/fields/results_model.h"
 
 namespace odbs::test {
 

@@ -6,7 +6,7 @@
 
 #include <sstream>
 
-#include "tests/importer_results/result_text.h"
+#include "tests/importer/results/result_text.h"
 
 namespace odbs::importer {
 namespace {

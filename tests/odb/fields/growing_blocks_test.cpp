@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Large blocks that are added in several calls, whose values go to the file as they come.
-#include "tests/odb_results/results_model.h"
+#include "tests/odb/fields/results_model.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "importer/deck/deck_reader.h"
-#include "tests/importer_results/result_text.h"
+#include "tests/importer/results/result_text.h"
 
 namespace odbs::importer {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Fields and histories of damaged databases: an exception of the library or readable data. Numbers
 // are changed through HDF5, so that its checksums fit.
-#include "tests/odb_results/results_model.h"
+#include "tests/odb/fields/results_model.h"
 
 #include <gtest/gtest.h>
 #include <hdf5.h>

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <hdf5.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <vector>
@@ -32,6 +33,8 @@ bool survives(Use use) {
   }
 }
 
+struct Cell;
+
 class DamagedFile : public testing::Test {
  protected:
   void SetUp() override {
@@ -53,6 +56,9 @@ class DamagedFile : public testing::Test {
     odb_finalizeAPI();
     return good;
   }
+
+  // How many of `nRounds` single changes of these cells were refused.
+  int refusedOf(const std::string& path, const std::vector<Cell>& cells, int nRounds);
 
   TempFolder folder_;
   std::string good_ = folder_.file("good.odb");
@@ -127,58 +133,95 @@ TEST_F(DamagedFile, OfTheOldLayoutIsUpgradedOrRefusedAHundredTimes) {
   EXPECT_GT(nRefused, 15);
 }
 
-// One number of one table.
+// One number of one table, or of an array of labels.
 struct Cell {
-  std::string table;
+  std::string dataset;
   std::int64_t row = 0;
   std::size_t column = 0;
 };
 
-std::vector<Cell> cellsOf(const std::string& path) {
+constexpr const char* kLabels = "arrays/int32.0";
+
+engine::Hdf5File::Dataset opened(const engine::Hdf5File& file, const std::string& name) {
+  return name == kLabels ? file.open(name, engine::Number::kInt32, 1)
+                         : file.open(name, engine::Number::kInt64, 2);
+}
+
+std::vector<Cell> cellsOf(const std::string& path, const std::string& dataset) {
   const engine::Hdf5File file = engine::Hdf5File::openForReading(path);
   std::vector<Cell> cells;
+  if (!file.has(dataset)) return cells;
+  const auto dims = opened(file, dataset).dims;
+  const std::int64_t width = dims.size() == 2 ? dims[1] : 1;
+  for (std::int64_t i = 0; i < dims[0] * width; ++i) {
+    cells.push_back({dataset, i / width, static_cast<std::size_t>(i % width)});
+  }
+  return cells;
+}
+
+// The cells of all tables whose names have one of these words.
+std::vector<Cell> cellsOfTables(const std::string& path, const std::vector<std::string>& words) {
+  std::vector<Cell> cells;
   for (const engine::layout::TableSpec* const shape : engine::layout::kAllTables) {
-    const std::string name = std::string("tables/") + shape->name + ".ints";
-    if (!file.has(name)) continue;
-    const auto dims = file.open(name, engine::Number::kInt64, 2).dims;
-    for (std::int64_t i = 0; i < dims[0] * dims[1]; ++i) {
-      cells.push_back({name, i / dims[1], static_cast<std::size_t>(i % dims[1])});
+    const std::string name = shape->name;
+    if (std::none_of(words.begin(), words.end(),
+                     [&](const auto& word) { return name.find(word) != std::string::npos; })) {
+      continue;
     }
+    const std::vector<Cell> more = cellsOf(path, "tables/" + name + ".ints");
+    cells.insert(cells.end(), more.begin(), more.end());
   }
   return cells;
 }
 
 // With checksums that fit.
+template <class Number>
 void setCell(const std::string& path, const Cell& cell, std::int64_t value) {
   engine::Hdf5File file = engine::Hdf5File::openForWriting(path, path);
   {
-    const auto table = file.open(cell.table, engine::Number::kInt64, 2);
-    std::vector<std::int64_t> row(static_cast<std::size_t>(table.dims[1]));
-    file.read(table, cell.row, 1, row.data());
-    row[cell.column] = value;
-    file.write(table, cell.row, 1, row.data());
+    const auto dataset = opened(file, cell.dataset);
+    std::vector<Number> row(dataset.dims.size() == 2 ? static_cast<std::size_t>(dataset.dims[1])
+                                                     : 1);
+    file.read(dataset, cell.row, 1, row.data());
+    row[cell.column] = static_cast<Number>(value);
+    file.write(dataset, cell.row, 1, row.data());
   }
   file.finish();
 }
 
-TEST_F(DamagedFile, WithAnImpossibleNumberInAnyTableNeverCrashes) {
-  const Bytes good = readFile(good_);
-  const std::vector<Cell> cells = cellsOf(good_);
-  ASSERT_GT(cells.size(), 500u);
+int DamagedFile::refusedOf(const std::string& path, const std::vector<Cell>& cells, int nRounds) {
   const std::int64_t values[] = {
-      -2, -1, 0, 1, 5, 1000, INT32_MAX, std::int64_t(1) << 32, INT64_MAX, INT64_MIN};
+      -2, -1, 0, 1, 2, 3, 5, 7, 48, 1000, INT32_MAX, INT64_MAX, INT64_MIN, std::int64_t(1) << 32};
+  const Bytes good = readFile(path);
   std::mt19937 random(1);
   int nRefused = 0;
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < nRounds; ++round) {
     const Cell& cell = cells[random() % cells.size()];
     const std::int64_t value = values[random() % std::size(values)];
-    SCOPED_TRACE(cell.table + " " + std::to_string(cell.row) + " " + std::to_string(cell.column) +
+    SCOPED_TRACE(cell.dataset + " " + std::to_string(cell.row) + " " + std::to_string(cell.column) +
                  " = " + std::to_string(value));
     writeFile(bad_, good);
-    setCell(bad_, cell, value);
+    (cell.dataset == kLabels ? setCell<std::int32_t> : setCell<std::int64_t>)(bad_, cell, value);
     if (!readable()) ++nRefused;
   }
-  EXPECT_GT(nRefused, 90);
+  return nRefused;
+}
+
+TEST_F(DamagedFile, WithAnImpossibleNumberInAnyTableNeverCrashes) {
+  const std::vector<Cell> cells = cellsOfTables(good_, {""});
+  ASSERT_GT(cells.size(), 500u);
+  EXPECT_GT(refusedOf(good_, cells, 300), 90);
+}
+
+TEST_F(DamagedFile, WithAnImpossibleNumberInItsResultsNeverCrashes) {
+  const std::string path = folder_.file("results.odb");
+  odb_Odb& odb = makeResultsSample("results", path);
+  odb.save();
+  odb.close();
+  const std::vector<Cell> cells = cellsOfTables(path, {"field", "step_results", "history", "fail"});
+  ASSERT_GT(cells.size(), 150u);
+  EXPECT_GT(refusedOf(path, cells, 800), 250);
+  refusedOf(path, cellsOf(path, kLabels), 200);
 }
 
 TEST_F(DamagedFile, ThatIsNoDatabaseCannotBeOpened) {

@@ -2,6 +2,7 @@
 // One function for each kind of object that is written as text.
 #include "tests/odb/read_everything.h"
 
+#include <odb_FailureTimes.h>
 #include <odb_MaterialTypes.h>
 #include <odb_SectionTypes.h>
 
@@ -113,16 +114,36 @@ class Text {
       put(angle.getDouble());
     }
   }
+  void put(const odb_FieldLocation& location) {
+    items(location.position(), location.sectionPoint());
+  }
   void put(const odb_FieldBulkData& block) {
-    items(block.instance().name(), block.position(), block.baseElementType(), block.length(),
-          block.width());
-    for (const int* labels : {block.elementLabels(), block.nodeLabels()}) {
-      for (int i = 0; labels && i < block.length(); ++i) put(labels[i]);
+    const int n = block.length();
+    items(block.instance().name(), block.position(), block.baseElementType(), n, block.width());
+    items(block.type(), block.sectionPoint().number(), block.numberOfElements(),
+          block.numberOfNodes(), block.valuesPerElement(), block.componentLabels().size());
+    list("elements", block.elementLabels(), n);
+    list("nodes", block.nodeLabels(), n);
+    list("points", block.integrationPoints(), n);
+    list("faces", block.faces(), n);
+    if (block.precision() == odb_Enum::SINGLE_PRECISION) {
+      list("data", block.data(), n * block.width());
+      list("conjugate", block.conjugateData(), n * block.width());
+      list("axes", block.localCoordSystem(), n * block.orientationWidth());
+      list("mises", block.mises(), n);
+    } else {
+      list("doubles", block.dataDouble(), n * block.width());
+      list("conjugate", block.conjugateDataDouble(), n * block.width());
     }
-    const bool single = block.precision() == odb_Enum::SINGLE_PRECISION;
-    for (int i = 0, n = block.length() * block.width(); i < n; ++i) {
-      put(single ? static_cast<double>(block.data()[i]) : block.dataDouble()[i]);
-    }
+  }
+  void put(const odb_FieldValue& value) {
+    items(value.elementLabel(), value.nodeLabel(), value.integrationPoint(), value.face(),
+          value.mises(), value.maxPrincipal());
+  }
+  void put(const odb_HistoryPoint& point) {
+    items(point.node().label(), point.element().label(), point.ipNumber(),
+          point.sectionPoint().number(), point.face(), point.region().name(),
+          point.instance().name(), point.assembly().name());
   }
 
  private:
@@ -131,6 +152,13 @@ class Text {
     out_ << "( ";
     (put(values), ...);
     out_ << ") ";
+  }
+  template <class Number>
+  void list(const char* what, const Number* numbers, int n) {
+    if (numbers) put(what);
+    const auto usual = out_.precision(std::is_same_v<Number, double> ? 15 : 6);
+    for (int i = 0; numbers && i < n; ++i) put(numbers[i]);
+    out_.precision(usual);
   }
 
   std::ostringstream out_;
@@ -198,12 +226,16 @@ void addStep(Text& text, const odb_Step& step) {
             step.inertiaAboutOrigin(), step.inertiaAboutCenter());
   for (odb_HistoryRegionRepositoryIT it(step.historyRegions()); !it.isDone(); it.next()) {
     const odb_HistoryRegion& region = it.currentValue();
-    text.line("history", region.name(), region.description(), region.historyPoint().node().label());
+    text.line("history", region.name(), region.description(), region.position(),
+              region.historyPoint(), region.loadCase().name());
     for (odb_HistoryOutputRepositoryIT at(region.historyOutputs()); !at.isDone(); at.next()) {
       const odb_HistoryOutput& output = at.currentValue();
       text.line("output", output.name(), output.description(), output.data(),
                 output.conjugateData());
     }
+  }
+  for (const engine::FailureTime& failure : engine::failureTimes(step)) {
+    text.line("failure", failure.instance.name(), failure.elementLabel, failure.time);
   }
   const odb_SequenceFrame& frames = step.frames();
   for (int i = 0; i < frames.size(); ++i) {
@@ -212,9 +244,13 @@ void addStep(Text& text, const odb_Step& step) {
               frame.description(), frame.loadCase().name());
     for (odb_FieldOutputRepositoryIT it(frame.fieldOutputs()); !it.isDone(); it.next()) {
       const odb_FieldOutput& field = it.currentValue();
-      text.line("field", field.name(), field.description(), field.type(), field.componentLabels(),
-                field.validInvariants());
+      text.line("field", field.name(), field.description(), field.type(), field.dim(), field.dim2(),
+                field.componentLabels(), field.validInvariants(), field.isComplex(),
+                field.hasOrientation(), field.locations(), field.baseElementTypes());
       text.lines("block", field.bulkDataBlocks());
+      text.lines("value", field.values());
+      text.lines("at nodes", field.getSubset(odb_Enum::ELEMENT_NODAL).bulkDataBlocks());
+      text.lines("in the middle", field.getSubset(odb_Enum::CENTROID).bulkDataBlocks());
     }
   }
 }

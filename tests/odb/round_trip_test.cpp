@@ -19,8 +19,12 @@ enum class Way { kAsWritten, kSaved, kSavedTwice, kCompressed, kUpgraded };
 
 class SampleModel : public testing::TestWithParam<Way> {
  protected:
-  void SetUp() override {
-    odb_Odb& made = makeSampleModel("made", folder_.file("model.odb"));
+  void SetUp() override { start(makeSampleModel); }
+
+  // Makes the model and takes it the way of the parameter.
+  void start(odb_Odb& (*make)(const std::string& name, const std::string& path)) {
+    odb_finalizeAPI();
+    odb_Odb& made = make("made", folder_.file("model.odb"));
     odb_ = &made;
     made_ = readEverything(made);
     if (GetParam() == Way::kAsWritten) return;
@@ -44,6 +48,18 @@ class SampleModel : public testing::TestWithParam<Way> {
 
   odb_Odb& odb() { return *odb_; }
 
+  // The text is that of the model as it was made, and has these lines.
+  void expectLines(const char* expected) {
+    const std::string all = readEverything(odb());
+    EXPECT_EQ(all, made_);
+    std::istringstream lines(expected);
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.empty()) {
+        EXPECT_NE(all.find(line + " \n"), std::string::npos) << line;
+      }
+    }
+  }
+
   TempFolder folder_;
   odb_Odb* odb_ = nullptr;
   std::string made_;  // all of it as text, before it went anywhere
@@ -60,9 +76,7 @@ INSTANTIATE_TEST_SUITE_P(Way, SampleModel,
                          nameOfWay);
 
 TEST_P(SampleModel, IsTheSameTextAsBeforeAndSaysWhatWasPutIn) {
-  const std::string all = readEverything(odb());
-  EXPECT_EQ(all, made_);
-  std::istringstream lines(R"(
+  expectLines(R"(
 title "A title" "A description" 1 1 "job-1" [ 3 0 ]
 sectors 12 [ [ 0 0 0 ] [ 0 0 1 ] ]
 assembly "ROOT" 1
@@ -92,13 +106,47 @@ step 2 "Load" "static step" 0 "Before" "*STATIC" 2 12.5 [ 1 2 3 4 5 6 ] [ ]
 frame 0 0 0 0 "wind" "WIND"
 frame 1 1 55.5 55.5 "Mode 1" ""
 output "U1" "displacement" [ [ 0 0 ] [ 0.5 1 ] [ 2 3 ] ] [ ]
-block ( "B-1" 3 "C3D8R" 1 6 ) 7 2 20 30 40 50 60
+block ( "B-1" 3 "C3D8R" 1 6 ) ( 5 -1 1 0 1 6 ) elements 7 points 1 data 2 20 30 40 50 60
 )");
-  for (std::string line; std::getline(lines, line);) {
-    if (!line.empty()) {
-      EXPECT_NE(all.find(line + " \n"), std::string::npos) << line;
-    }
-  }
+}
+
+TEST_P(SampleModel, KeepsFieldsAndHistoriesOfEveryKind) {
+  start(makeResultsSample);
+  expectLines(R"(
+history "assembly" "" 11 ( -1 -1 0 -1 0 "" "" "ASSEMBLY" ) ""
+history "corner" "" 2 ( 2 40 0 -1 0 "" "P-1" "" ) ""
+history "face" "" 5 ( -1 40 0 -1 1001 "" "P-1" "" ) ""
+history "instance" "" 10 ( -1 -1 0 -1 0 "" "P-2" "" ) ""
+history "ip" "" 3 ( -1 40 1 5 0 "" "P-1" "" ) ""
+history "node" "Output at node 2" 1 ( 2 -1 0 -1 0 "" "P-1" "" ) "LC1"
+output "U1" "Displacement" [ [ 0.5 1.25 ] [ 1 3 ] [ 2 4 ] [ 3 9 ] ] [ [ 10 -2 ] [ 11 -3 ] ]
+history "set" "" 9 ( -1 -1 0 -1 0 "BASE" "" "" ) ""
+history "whole" "" 8 ( -1 40 0 -1 0 "" "P-1" "" ) ""
+failure "P-1" 30 0.75
+failure "P-2" 20 0.5
+field "U" "Displacement" 3 3 1 [ "U1" "U2" "U3" ] [ 1 ] 0 0 [ ( 1 [ ] ) ] [ ]
+block ( "P-1" 1 "" 3 3 ) ( 3 -1 0 3 0 3 ) nodes 2 5 9 data 0 1 2 3 4 5 90 91 92
+block ( "P-2" 1 "" 1 3 ) ( 3 -1 0 1 0 3 ) nodes 1 data 70 71 72
+field "COMPLEX" "" 3 3 1 [ "COMPLEX1" "COMPLEX2" "COMPLEX3" ] [ ] 1 0 [ ( 1 [ ] ) ] [ ]
+block ( "P-1" 1 "" 2 3 ) ( 3 -1 0 2 0 3 ) nodes 1 2 data 0 1 2 3 4 5 conjugate 50 51 52 53 54 55
+block ( "P-1" 1 "" 1 3 ) ( 3 -1 0 1 0 3 ) nodes 4 doubles 0.333333333333333 2 3
+field "GU" "Generalised displacement" 3 5 1 [ "GU1" "GU2" "GU3" "GU4" "GU5" ] [ ] 0 0 [ ( 1 [ ] ) ] [ ]
+field "M" "" 4 2 3 [ ] [ ] 0 0 [ ( 11 [ ] ) ] [ ]
+block ( "P-1" 11 "" 1 10 ) ( 4 -1 0 0 0 0 ) data 0 1 2 3 4 5 6 7 8 9
+block ( "P-1" 4 "C3D8" 2 1 ) ( 2 -1 2 0 1 0 ) elements 10 20 data 0 1
+block ( "P-1" 8 "C3D8" 2 1 ) ( 2 -1 2 0 1 0 ) elements 10 20 data 0 1
+block ( "P-1" 5 "C3D8" 2 1 ) ( 2 -1 2 0 1 0 ) elements 10 20 faces 11 12 data 0 1
+value ( 20 -1 -1 12 0 0 )
+block ( "P-1" 6 "C3D8" 8 1 ) ( 2 -1 2 0 4 0 ) elements 10 10 10 10 20 20 20 20 data 0 1 2 3 4 5 6 7
+block ( "P-1" 7 "C3D8" 8 1 ) ( 2 -1 2 0 4 0 ) elements 10 10 10 10 20 20 20 20 data 0 1 2 3 4 5 6 7
+block ( "P-1" 10 "" 1 1 ) ( 2 -1 0 0 0 0 ) data 7
+block ( "P-1" 2 "C3D8" 8 1 ) ( 2 -1 1 8 8 0 ) elements 20 20 20 20 20 20 20 20 nodes 5 6 7 8 9 10 11 12 data 0 1 2 3 4 5 6 7
+block ( "P-1" 2 "C3D6" 6 1 ) ( 2 -1 1 6 6 0 ) elements 30 30 30 30 30 30 nodes 2 13 3 6 14 7 data 8 9 10 11 12 13
+field "S" "Stress" 5 6 1 [ "S11" "S22" "S33" "S12" "S13" "S23" ] [ 2 ] 0 1 [ ( 3 [ ] ) ( 3 [ ( 1 "fraction = -1.0, Layer = 1" ) ( 5 "fraction = 1.0, Layer = 1" ) ] ) ] [ "C3D8" "C3D6" "S4R" ]
+block ( "P-1" 3 "C3D6" 2 6 ) ( 5 -1 1 0 2 6 ) elements 30 30 points 1 2 data 96 97 98 99 100 101 102 103 104 105 106 107 mises 300.015 318.014
+block ( "P-1" 3 "S4R" 2 4 ) ( 6 1 2 0 1 4 ) elements 40 50 points 1 1 data 0 1 2 3 4 5 6 7 mises 5.47723 12.2474
+block ( "P-1" 3 "S4R" 2 4 ) ( 6 5 2 0 1 4 ) elements 40 50 points 1 1 data 100 101 102 103 104 105 106 107 axes 0 0 0.707107 0.707107 0 0 0.707107 0.707107 mises 178.41 185.338
+)");
 }
 
 TEST_P(SampleModel, AnswersForWhatItDoesNotHave) {

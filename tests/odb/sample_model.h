@@ -30,4 +30,7 @@ using tests::rows;
 // about z, then shifted), a planar rigid part, and one of everything else. Not saved.
 odb_Odb& makeSampleModel(const std::string& name, const std::string& path);
 
+// Fields and histories of every kind on the model of tests/odb/fields/results_model.h. Not saved.
+odb_Odb& makeResultsSample(const std::string& name, const std::string& path);
+
 }  // namespace odbs::test

@@ -55,13 +55,17 @@ void fillPart(odb_Odb& odb) {
 
 }  // namespace
 
+void fillModel(odb_Odb& odb) {
+  fillPart(odb);
+  const odb_Part& part = odb.parts()["P"];
+  odb.rootAssembly().Instance("P-1", part);
+  odb.rootAssembly().Instance("P-2", part);
+  odb.Step("Step-1", "the only step", odb_Enum::TIME, 1.0, "", "*STATIC");
+}
+
 ResultsModel::ResultsModel() : path(folder.file("results.odb")) {
   odb = &Odb("results", "Title", "Description", path.c_str());
-  fillPart(*odb);
-  const odb_Part& part = odb->parts()["P"];
-  odb->rootAssembly().Instance("P-1", part);
-  odb->rootAssembly().Instance("P-2", part);
-  odb->Step("Step-1", "the only step", odb_Enum::TIME, 1.0, "", "*STATIC");
+  fillModel(*odb);
 }
 
 ResultsModel::~ResultsModel() {

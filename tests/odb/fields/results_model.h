@@ -27,6 +27,9 @@ odb_SequenceSequenceFloat counted(int n, int width, float start = 0);
 
 // A database with instances P-1 and P-2 of one part: hexahedra 10 and 20 (C3D8), wedge 30 (C3D6),
 // shells 40 and 50 (S4R), a category with section points 1 and 5, sets, and one step with no frame.
+void fillModel(odb_Odb& odb);
+
+// That database in a folder of a test.
 struct ResultsModel {
   TempFolder folder;
   std::string path;

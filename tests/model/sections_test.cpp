@@ -138,44 +138,18 @@ TEST_F(Sections, TheFirstRegionOfASectionIsTheOneThatCounts) {
 
 TEST_F(Sections, ElementsOutsideEveryRegionAreFoundByTheirCategory) {
   odb_Part& bar = bars("BAR", 2, "solid < elset = PLATE >");
+  int label = 2;
+  for (const char* category : {"connector < elset = PLATE >", "My section", "unknown"}) {
+    bar.addElements(ints({++label}), rows({{1, 2}}), "T3D2", "",
+                    odb_->SectionCategory(category, ""));
+  }
+  bar.addElements(ints({6}), rows({{1, 2}}), "T3D2", "",
+                  odb_->sectionCategories()["solid < elset = PLATE >"]);
+  bar.addElements(ints({7}), rows({{1, 2}}), "T3D2");
   odb_Instance& instance = this->instance("A", bar);
-  solid("PLATE");
-  solid("Section-PLATE");
+  for (const char* name : {"My section", "PLATE", "Section-PLATE"}) solid(name);
   assign(instance, "E1", solid("A"));
-  EXPECT_EQ((std::vector<int>{1, 3}), elementSections());
-}
-
-TEST_F(Sections, AConnectorCategoryLeadsToTheUnprefixedName) {
-  odb_Part& bar = bars("BAR", 1, "connector < elset = PLATE >");
-  instance("A", bar);
-  solid("PLATE");
-  solid("Section-PLATE");
-  EXPECT_EQ((std::vector<int>{1}), elementSections());
-}
-
-TEST_F(Sections, ACategoryWithoutAnElementSetIsASectionNameItself) {
-  odb_Part& bar = bars("BAR", 1, "My section");
-  instance("A", bar);
-  solid("A");
-  solid("My section");
-  EXPECT_EQ((std::vector<int>{2}), elementSections());
-}
-
-TEST_F(Sections, CategoriesThatAlternateAreKeptApart) {
-  odb_Part& bar = part("BAR");
-  bar.addNodes(ints({1, 2}), floatRows({{0, 0, 0}, {1, 0, 0}}));
-  odb_SectionCategory& a = odb_->SectionCategory("A", "");
-  odb_SectionCategory& b = odb_->SectionCategory("B", "");
-  odb_SectionCategory& unknown = odb_->SectionCategory("C", "");
-  bar.addElements(ints({1}), rows({{1, 2}}), "T3D2", "", a);
-  bar.addElements(ints({2}), rows({{1, 2}}), "T3D2", "", b);
-  bar.addElements(ints({3}), rows({{1, 2}}), "T3D2", "", unknown);
-  bar.addElements(ints({4}), rows({{1, 2}}), "T3D2", "", a);
-  bar.addElements(ints({5}), rows({{1, 2}}), "T3D2");
-  instance("I", bar);
-  solid("A");
-  solid("B");
-  EXPECT_EQ((std::vector<int>{1, 2, 0, 1, 0}), elementSections());
+  EXPECT_EQ((std::vector<int>{1, 4, 3, 2, 0, 4, 0}), elementSections());
 }
 
 TEST_F(Sections, WidelySpreadLabelsAreFound) {

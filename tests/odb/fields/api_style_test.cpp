@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 #include <odb_Enum.h>
-#include <odb_FieldOutputRepositoryIT.h>
 #include <odb_SequenceFieldValue.h>
 
 #include <memory>
@@ -64,24 +63,6 @@ TEST_F(ApiStyle, ValuesOfASetAreReadOneByOne) {
   }
 }
 
-TEST_F(ApiStyle, DifferencesOfFramesBecomeFieldsOfANewFrame) {
-  model_.reopen(false);
-  odb_Step& step = model_.step();
-  const odb_FieldOutput first = step.frames(0).fieldOutputs()["U"];
-  odb_FieldOutput& second = step.frames(1).fieldOutputs()["U"];
-  odb_FieldOutput difference = second - first;
-  odb_Frame frame = step.Frame(2, 1.0F);
-  odb_FieldOutput& stored = frame.FieldOutput(difference, "DU", "Increment of displacement");
-  EXPECT_STREQ(stored.componentLabels()[0].CStr(), "U1");
-  odb_SequenceFieldOutput fields;
-  fields.append(first);
-  fields.append(second);
-  odb_SequenceFieldOutput envelope = maxEnvelope(fields, "U1");
-  EXPECT_FLOAT_EQ(envelope[1].values(0).data()[0], 1);
-  model_.reopen();
-  EXPECT_FLOAT_EQ(model_.step().frames(2).fieldOutputs()["DU"].values(1).data()[2], 10);
-}
-
 TEST_F(ApiStyle, PointersIntoASubsetOutliveItUntilTheFrameIsReleased) {
   odb_Set& lower = model_.odb->rootAssembly().instances()["P-1"].elementSets()["LOWER"];
   const odb_SequenceFrame& frames = model_.step().frames();
@@ -136,30 +117,6 @@ TEST_F(ApiStyle, RecordedValuesAreTheFirstLocationAndScalarsHaveNoLabels) {
   odb_SequenceFieldOutput one;
   one.append(back);
   EXPECT_EQ(maxEnvelope(one)[0].values(5).data()[0], 5.0F);
-}
-
-TEST_F(ApiStyle, MetadataAreScannedFrameByFrame) {
-  const odb_Step& step = model_.step();
-  const odb_SequenceFrame& frames = step.frames();
-  int nFields = 0;
-  for (int i = 0; i < frames.size(); i++) {
-    const odb_Frame frame = frames.constGet(i);
-    odb_FieldOutputRepositoryIT fields(frame.fieldOutputs());
-    for (fields.first(); !fields.isDone(); fields.next()) {
-      const odb_FieldOutput field = fields.currentValue();
-      const odb_SequenceFieldLocation& locations = field.locations();
-      for (int k = 0; k < locations.size(); k++) {
-        const odb_FieldLocation& location = locations.constGet(k);
-        odb_Enum::odb_ResultPositionEnum position = location.position();
-        EXPECT_EQ(position, field.name() == "U" ? odb_Enum::NODAL : odb_Enum::INTEGRATION_POINT);
-        const odb_SequenceSectionPoint& points = location.sectionPoint();
-        EXPECT_EQ(points.size(), k);
-      }
-      nFields++;
-    }
-    frames.release(i);
-  }
-  EXPECT_EQ(nFields, 4);
 }
 
 }  // namespace

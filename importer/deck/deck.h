@@ -37,7 +37,7 @@ struct Range {
 // ---- Mesh ----
 
 // Nodes in the order of the deck; ascending and unique after finish().
-struct NodeTable {
+struct DeckNodeTable {
   std::vector<std::int32_t> labels;
   std::vector<double> xyz;  // 3 per node
 
@@ -301,7 +301,7 @@ struct NamedObject {
 
 // Whatever can stand in a part, an instance or the assembly.
 struct Scope {
-  NodeTable nodes;
+  DeckNodeTable nodes;
   ElementTable elements;
   SetTable nodeSets, elementSets;
   std::vector<Surface> surfaces;

@@ -64,10 +64,10 @@ class DeckParser {
   void readNmap(const Keyword&);
   void readImperfection(const Keyword&);
   void readParameter(const Keyword&);
-  void addElementLine(std::string_view line, std::size_t block, const ElementType& type,
+  void addElementLine(std::string_view line, std::size_t block, const DeckElementType& type,
                       Set* elset);
-  void takeElementFields(std::string_view line, const ElementType& type);
-  void checkNodeCount(Place place, const ElementType& type, const std::string& typeName);
+  void takeElementFields(std::string_view line, const DeckElementType& type);
+  void checkNodeCount(Place place, const DeckElementType& type, const std::string& typeName);
   Vec3 toGlobal(const Vec3& point) const;
 
   // ---- Mesh generation (read_generation.cpp) ----

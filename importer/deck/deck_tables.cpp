@@ -54,13 +54,13 @@ void sortBlock(ElementBlock& block) {
 
 }  // namespace
 
-void NodeTable::add(std::int32_t label, const double* coordinates) {
+void DeckNodeTable::add(std::int32_t label, const double* coordinates) {
   if (indexed_) indexOf_[label] = static_cast<std::int64_t>(labels.size());
   labels.push_back(label);
   xyz.insert(xyz.end(), coordinates, coordinates + 3);
 }
 
-std::int64_t NodeTable::find(std::int32_t label) {
+std::int64_t DeckNodeTable::find(std::int32_t label) {
   if (!indexed_) {
     indexOf_.reserve(labels.size());
     for (std::size_t i = 0; i < labels.size(); ++i) {
@@ -72,7 +72,7 @@ std::int64_t NodeTable::find(std::int32_t label) {
   return found == indexOf_.end() ? -1 : found->second;
 }
 
-void NodeTable::finish() {
+void DeckNodeTable::finish() {
   indexOf_.clear();
   indexed_ = false;
   if (strictlyAscending(labels)) return;

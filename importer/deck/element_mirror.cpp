@@ -74,7 +74,7 @@ const Shape* shapeOf(Family family, std::size_t nNodes) {
 
 }  // namespace
 
-std::vector<std::size_t> mirroredOrder(const ElementType& type, std::size_t nNodes) {
+std::vector<std::size_t> mirroredOrder(const DeckElementType& type, std::size_t nNodes) {
   std::vector<std::size_t> order;
   const bool isLine = type.family == Family::line || type.family == Family::connector ||
                       type.family == Family::point;

@@ -159,7 +159,7 @@ int nodesOf(const Row& row, std::string_view rest) {
 }
 
 // Types whose number of nodes is not what their digits say, or is open.
-void applyExceptions(std::string_view name, ElementType& type) {
+void applyExceptions(std::string_view name, DeckElementType& type) {
   if (name == "D") type.zeroNodes = true;
   if (startsWith(name, "CONN")) type.grounded = true;
   if (startsWith(name, "C3D15V") || startsWith(name, "C3D27")) type.nNodes = 0;  // optional nodes
@@ -189,8 +189,8 @@ int copyFace(const int (&face)[4], int corners[4]) {
 
 }  // namespace
 
-ElementType elementTypeOf(std::string_view name) {
-  ElementType type;
+DeckElementType elementTypeOf(std::string_view name) {
+  DeckElementType type;
   const Row* best = nullptr;
   int nodes = 0;
   for (const Row& row : kRows) {
@@ -209,7 +209,7 @@ ElementType elementTypeOf(std::string_view name) {
   return type;
 }
 
-int faceCorners(const ElementType& type, int face, int corners[4]) {
+int faceCorners(const DeckElementType& type, int face, int corners[4]) {
   if (type.family == Family::planar) {
     const int sides = type.nNodes == 3 || type.nNodes == 6 ? 3 : 4;
     if (face < 1 || face > sides) return 0;

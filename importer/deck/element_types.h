@@ -21,7 +21,7 @@ enum class Family {
   other       // not known here
 };
 
-struct ElementType {
+struct DeckElementType {
   int nNodes = 0;  // 0: not known, the deck's continuation lines decide
   Space space = Space::unknown;
   Family family = Family::other;
@@ -30,16 +30,16 @@ struct ElementType {
   bool extraNodes = false;  // a further node may follow: the orientation node of beams
 };
 
-// `name` is in upper case. Never fails: an unknown name gives an empty ElementType.
-ElementType elementTypeOf(std::string_view name);
+// `name` is in upper case. Never fails: an unknown name gives an empty DeckElementType.
+DeckElementType elementTypeOf(std::string_view name);
 
 // Corner-node positions (from 0) of a solid's face 1 to 6, at most 4; returns their number, 0 when
 // there is no such face. Faces are numbered as decks number them (S1 to S6).
-int faceCorners(const ElementType& type, int face, int corners[4]);
+int faceCorners(const DeckElementType& type, int face, int corners[4]);
 
 // The order in which the nodes of an element's mirror image make a valid element: node i is node
 // order[i] (from 0) of the element. The image starts with the same node. Empty for types whose
 // shape is not known here.
-std::vector<std::size_t> mirroredOrder(const ElementType& type, std::size_t nNodes);
+std::vector<std::size_t> mirroredOrder(const DeckElementType& type, std::size_t nNodes);
 
 }  // namespace odbs::importer

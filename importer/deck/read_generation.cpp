@@ -40,7 +40,7 @@ Vec3 onArc(const Vec3& a, const Vec3& b, const Vec3& center, Vec3 normal, double
 }  // namespace
 
 Vec3 DeckParser::nodeAt(std::int64_t label) {
-  NodeTable& nodes = scope().nodes;
+  DeckNodeTable& nodes = scope().nodes;
   const bool inRange = label >= 1 && label <= std::numeric_limits<std::int32_t>::max();
   const std::int64_t index = inRange ? nodes.find(static_cast<std::int32_t>(label)) : -1;
   if (index < 0) fail("node " + std::to_string(label) + " is not defined");

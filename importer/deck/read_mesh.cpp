@@ -104,7 +104,7 @@ void DeckParser::readElement(const Keyword& keyword) {
   Scope& content = scope();
   const std::string typeName = upperCase(required(keyword, "TYPE"));
   if (typeName.size() > 80) lines_.fail(keyword.place, "an element type of that length is unknown");
-  const ElementType type = elementTypeOf(typeName);
+  const DeckElementType type = elementTypeOf(typeName);
   surplusWarned_ = false;
   const std::size_t block = content.elements.blockOf(typeName);
   if (block >= kMaxTypes) lines_.fail(keyword.place, "too many different element types");
@@ -122,8 +122,8 @@ void DeckParser::readElement(const Keyword& keyword) {
 
 // One element: its line and the lines that continue it. A type with a known number of nodes goes on
 // until it has them, with or without a comma at the line's end; any other goes on after a comma.
-void DeckParser::addElementLine(std::string_view line, std::size_t block, const ElementType& type,
-                                Set* elset) {
+void DeckParser::addElementLine(std::string_view line, std::size_t block,
+                                const DeckElementType& type, Set* elset) {
   Scope& content = scope();
   const bool inAssembly = level_ == Level::assembly;
   const Place place = lines_.place();
@@ -154,7 +154,7 @@ void DeckParser::addElementLine(std::string_view line, std::size_t block, const 
 }
 
 // The numbers of one line: the label first when there is none yet, then nodes.
-void DeckParser::takeElementFields(std::string_view line, const ElementType& type) {
+void DeckParser::takeElementFields(std::string_view line, const DeckElementType& type) {
   ElementInput& input = elementInput_;
   const bool inAssembly = level_ == Level::assembly;
   const auto wanted = static_cast<std::size_t>(type.nNodes);
@@ -195,7 +195,8 @@ void DeckParser::takeElementFields(std::string_view line, const ElementType& typ
 }
 
 // Called for an element that has not the number of nodes of its type.
-void DeckParser::checkNodeCount(Place place, const ElementType& type, const std::string& typeName) {
+void DeckParser::checkNodeCount(Place place, const DeckElementType& type,
+                                const std::string& typeName) {
   const ElementInput& input = elementInput_;
   const auto wanted = static_cast<std::size_t>(type.nNodes);
   const std::string text = "element " + std::to_string(input.label) + " of type " + typeName;

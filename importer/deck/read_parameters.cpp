@@ -261,7 +261,7 @@ void DeckParser::readImperfection(const Keyword& keyword) {
     std::string_view field;
     if (!fields.next(field)) continue;
     const Reference node = referenceOf(field);
-    NodeTable& nodes =
+    DeckNodeTable& nodes =
         node.owner == kOwn
             ? scope().nodes
             : deck_.meshOf(deck_.instances[static_cast<std::size_t>(node.owner)]).nodes;

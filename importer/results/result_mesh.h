@@ -35,10 +35,10 @@ struct NodeSources {
 };
 
 // Finds positions of labels in an array that stays where it is.
-class LabelIndex {
+class LabelPositions {
  public:
-  LabelIndex() = default;
-  explicit LabelIndex(const std::vector<std::int32_t>& labels);
+  LabelPositions() = default;
+  explicit LabelPositions(const std::vector<std::int32_t>& labels);
   // The position of the label (of its first occurrence), or -1.
   std::int32_t find(std::int32_t label) const;
 
@@ -141,7 +141,7 @@ class ResultMesh {
   const Scope& mesh_;
   const FrdIndex& index_;
   MatchOptions options_;
-  LabelIndex frdNodes_, frdElements_, deckNodes_;
+  LabelPositions frdNodes_, frdElements_, deckNodes_;
   LineAxes lines_;
   std::vector<std::uint32_t> firstNode_;  // of each element of the result file
   double tolerance_ = 0;                  // of coordinates

@@ -66,7 +66,7 @@ class ModelWriter {
   void warn(const std::string& text);
 
   // ---- write_mesh.cpp ----
-  void writeNodes(odb_DiscreteEntity& entity, const NodeTable& nodes);
+  void writeNodes(odb_DiscreteEntity& entity, const DeckNodeTable& nodes);
   void writeElements(odb_DiscreteEntity& entity, const Scope& content);
   void writeAssemblyElements();
   Categories categoriesOf(const Scope& content) const;

@@ -30,7 +30,7 @@ ElementTable::Position ElementFinder::operator()(std::int32_t label) {
   return {};
 }
 
-void ModelWriter::writeNodes(odb_DiscreteEntity& entity, const NodeTable& nodes) {
+void ModelWriter::writeNodes(odb_DiscreteEntity& entity, const DeckNodeTable& nodes) {
   if (nodes.size() == 0) return;
   const std::vector<float> coordinates(nodes.xyz.begin(), nodes.xyz.end());
   odb_embedded::addNodes(entity, static_cast<int>(nodes.size()), nodes.labels.data(),

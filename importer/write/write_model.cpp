@@ -72,7 +72,7 @@ WriteSummary ModelWriter::write() {
 odb_Enum::odb_DimensionEnum ModelWriter::spaceOf(const Scope& content) const {
   bool solid = false, planar = false, axisymmetric = false;
   for (const ElementBlock& block : content.elements.blocks) {
-    const ElementType type = elementTypeOf(block.type);
+    const DeckElementType type = elementTypeOf(block.type);
     // Springs, masses and connectors live in any space.
     if (type.family == Family::point || type.family == Family::connector) continue;
     planar |= type.space == Space::planar;

@@ -13,7 +13,7 @@ namespace {
 
 // The face that a deck's identifier names on an element of that type; FACE_UNKNOWN when it names
 // none.
-odb_Enum::odb_ElementFaceEnum faceOf(const ElementType& type, const std::string& face) {
+odb_Enum::odb_ElementFaceEnum faceOf(const DeckElementType& type, const std::string& face) {
   using Face = odb_Enum::odb_ElementFaceEnum;
   if (face == "SPOS") return odb_Enum::SIDE1;
   if (face == "SNEG") return odb_Enum::SIDE2;
@@ -38,7 +38,7 @@ odb_String nameOfOwner(const Deck& deck, std::int32_t owner) {
 }
 
 // The corner nodes of an element's face, ascending; false when it has no such face.
-bool faceNodes(const ElementBlock& block, std::size_t e, const ElementType& type, int face,
+bool faceNodes(const ElementBlock& block, std::size_t e, const DeckElementType& type, int face,
                FaceNodes& nodes) {
   int corners[4];
   const int n = faceCorners(type, face, corners);
@@ -62,7 +62,7 @@ void ModelWriter::addFreeFaces(const Scope& mesh, const std::vector<std::int32_t
     sharedFaces_.clear();
     std::unordered_set<FaceNodes, FaceHash> once;
     for (const ElementBlock& block : mesh.elements.blocks) {
-      const ElementType type = elementTypeOf(block.type);
+      const DeckElementType type = elementTypeOf(block.type);
       for (std::size_t e = 0; e < block.labels.size(); ++e) {
         for (int face = 1; face <= 6 && faceNodes(block, e, type, face, nodes); ++face) {
           if (!once.insert(nodes).second) sharedFaces_.insert(nodes);
@@ -75,7 +75,7 @@ void ModelWriter::addFreeFaces(const Scope& mesh, const std::vector<std::int32_t
     const ElementTable::Position at = find(label);
     if (at.block < 0) continue;
     const ElementBlock& block = mesh.elements.blocks[static_cast<std::size_t>(at.block)];
-    const ElementType type = elementTypeOf(block.type);
+    const DeckElementType type = elementTypeOf(block.type);
     if (type.family == Family::shell || type.family == Family::line) {
       labels.append(label);
       faces.append(odb_Enum::DOUBLE_SIDED);

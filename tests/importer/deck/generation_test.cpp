@@ -13,7 +13,7 @@ namespace {
 class GenerationTest : public DeckTest {
  protected:
   void expectAt(Deck& deck, std::int32_t label, double x, double y, double z) {
-    NodeTable& nodes = deck.parts.front().content.nodes;
+    DeckNodeTable& nodes = deck.parts.front().content.nodes;
     const std::int64_t i = nodes.find(label);
     ASSERT_GE(i, 0) << "node " << label;
     const double expected[3] = {x, y, z};

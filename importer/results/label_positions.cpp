@@ -7,7 +7,7 @@
 
 namespace odbs::importer {
 
-LabelIndex::LabelIndex(const std::vector<std::int32_t>& labels) : labels_(&labels) {
+LabelPositions::LabelPositions(const std::vector<std::int32_t>& labels) : labels_(&labels) {
   if (std::is_sorted(labels.begin(), labels.end())) return;
   order_.resize(labels.size());
   std::iota(order_.begin(), order_.end(), 0);
@@ -16,7 +16,7 @@ LabelIndex::LabelIndex(const std::vector<std::int32_t>& labels) : labels_(&label
   });
 }
 
-std::int32_t LabelIndex::find(std::int32_t label) const {
+std::int32_t LabelPositions::find(std::int32_t label) const {
   const std::vector<std::int32_t>& labels = *labels_;
   if (order_.empty()) {
     const auto found = std::lower_bound(labels.begin(), labels.end(), label);

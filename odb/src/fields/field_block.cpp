@@ -17,9 +17,8 @@ constexpr long long kMostBits = 1LL << 30;
 // Labels for a moment's use.
 const int* labelsNow(BlockLayout& layout, Ints BlockLayout::*which) {
   if (layout.compute) {
-    const std::function<void(BlockLayout&)> compute = std::move(layout.compute);
-    layout.compute = nullptr;
-    compute(layout);
+    layout.compute(layout);
+    layout.compute = nullptr;  // kept until it succeeded: the labels may be asked for again
   }
   const Ints& ints = layout.*which;
   return ints ? ints->array.get(layout.database->storage).data() : nullptr;

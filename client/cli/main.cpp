@@ -7,5 +7,6 @@
 
 int main(int argc, char** argv) {
   odbs::port::ignoreBrokenPipe();
+  odbs::port::ignoreFileSizeLimit();
   return odbs::client::runClient({argv + 1, argv + argc}, std::cout, std::cerr);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Sends bulk-data blocks of a field: the headers that a block needs, then those of its values that
-// are wanted and selected. Shared by the extractors, which choose the blocks and the values.
+// are wanted and selected. Shared by the extractors, which choose the blocks and the values
+// (results/selected_field.h finds the field).
 #pragma once
 
 #include <odb_API.h>
@@ -14,8 +15,7 @@
 
 #include "results/value_records.h"
 #include "server/core/sdk_adapter.h"
-#include "server/core/sdk_value_slices.h"
-#include "server/core/server_state.h"
+#include "server/core/selection_set.h"
 
 namespace odbs {
 
@@ -245,21 +245,5 @@ class BlockWriter {
   int valueType_ = std::numeric_limits<int>::max();  // the last one sent
   ValueWriter writer_;
 };
-
-// The selection set as a request has to apply it; null when everything is sent.
-const SelectionSet* appliedSelection(const ServerState& state);
-
-// Step and frame by place, both counted from 0. Each throws std::out_of_range.
-const odb_Step& stepAt(odb_Odb& odb, int stepIndex);
-// A frame is taken for a request: what the one before it loaded is released.
-odb_Frame frameAt(odb_Odb& odb, int stepIndex, int frameIndex);
-
-// The field output that the selection names, not yet a subset. A step number below 1 and a variable
-// that the frame lacks give false. Throws std::out_of_range for a step or a frame out of range.
-bool findField(odb_Odb& odb, const Selection& selection, odb_FieldOutput& field);
-
-// The subset at the selected position, or the field itself where the position asks for it as it is
-// stored. Throws std::out_of_range for a number that is no position.
-odb_FieldOutput atPosition(const odb_FieldOutput& field, int position);
 
 }  // namespace odbs

@@ -7,9 +7,9 @@
 
 #include "registry/database_caches.h"
 #include "results/block_writer.h"
+#include "results/selected_field.h"
 #include "server/core/label_set.h"
 #include "server/core/sdk_adapter.h"
-#include "server/core/sdk_value_slices.h"
 
 namespace odbs {
 

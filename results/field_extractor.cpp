@@ -5,6 +5,7 @@
 #include "results/block_writer.h"
 #include "results/modal_stress.h"
 #include "results/section_point_choice.h"
+#include "results/selected_field.h"
 #include "server/core/entity_records.h"
 #include "server/core/result_codes.h"
 

@@ -11,6 +11,7 @@
 
 #include "results/block_writer.h"
 #include "results/modal_kernel.h"
+#include "results/selected_field.h"
 #include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
 

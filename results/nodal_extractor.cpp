@@ -7,12 +7,12 @@
 
 #include "results/block_writer.h"
 #include "results/failure_times.h"
+#include "results/selected_field.h"
 #include "server/core/channel.h"
 #include "server/core/entity_records.h"
 #include "server/core/label_set.h"
 #include "server/core/result_codes.h"
 #include "server/core/sdk_adapter.h"
-#include "server/core/sdk_value_slices.h"
 
 namespace odbs {
 

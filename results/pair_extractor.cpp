@@ -8,6 +8,7 @@
 
 #include "lookup/section_layups.h"
 #include "results/block_writer.h"
+#include "results/selected_field.h"
 #include "server/core/entity_records.h"
 
 namespace odbs {

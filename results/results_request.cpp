@@ -7,8 +7,8 @@
 
 #include "base/text.h"
 #include "registry/open_database.h"
-#include "results/block_writer.h"
 #include "results/nodal_extractor.h"
+#include "results/selected_field.h"
 #include "server/core/field_scanner.h"
 #include "server/core/server_state.h"
 

@@ -31,6 +31,11 @@
 //   ApiError                         what an error of the library is when it leaves guarded()
 //   std::string annotationText(odb_Odb&, const char* key)           empty: there is none
 //   std::vector<RecordedFailure> recordedFailures(const odb_Step&)  empty: none are recorded
+//   NodeArrays nodeArrays(const odb_SequenceNode&)                  used by sdk_mesh_runs.h
+//   ElementArrays elementArrays(const odb_SequenceElement&)
+//   ValueSlice<Real>                 consecutive values of a block: first, n, labels, numbers
+//   forEachValueSlice<Real>(const odb_FieldBulkData&, bool complex, use)
+//                                    use(slice) for each slice of a block of Real's precision
 //   bool hasCsys1(const odb_ConnectorOrientation&), hasCsys2, hasAnalyticSurface(odb_RigidBody)
 namespace odbs::sdk {
 
@@ -39,6 +44,16 @@ struct RecordedFailure {
   std::string instance;
   int label = -1;
   double time = 0;  // step time
+};
+
+// The library's own arrays of a whole sequence; null where it has none.
+struct NodeArrays {
+  const int* labels = nullptr;
+  const float* coordinates = nullptr;  // 3 per node
+};
+struct ElementArrays {
+  const int* labels = nullptr;
+  const int* blockOf = nullptr;  // ascending; a block has one type, category and number of nodes
 };
 
 }  // namespace odbs::sdk

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <odb_API.h>
+#include <odb_BlockSlices.h>
 #include <odb_FailureTimes.h>
 
 #include <string>
@@ -77,6 +78,30 @@ inline bool hasCsys2(const odb_ConnectorOrientation& orientation) {
 
 inline bool hasAnalyticSurface(const odb_RigidBody& body) {
   return body.hasAnalyticSurface();
+}
+
+// Nothing for a sequence that is a selection from the library's arrays.
+inline NodeArrays nodeArrays(const odb_SequenceNode& nodes) {
+  const auto* table = nodes.engineTable();
+  if (table == nullptr || nodes.engineIndices() != nullptr) return {};
+  return {table->labels, table->coordinates};
+}
+
+inline ElementArrays elementArrays(const odb_SequenceElement& elements) {
+  const auto* table = elements.engineTable();
+  if (table == nullptr || elements.engineIndices() != nullptr) return {};
+  return {table->labels, table->blockOf};
+}
+
+template <typename Real>
+using ValueSlice = engine::BlockSlice<Real>;
+
+// Calls use(slice) for consecutive pieces of the block, which is in the precision of Real, until
+// all its values were in one.
+template <typename Real, typename Use>
+void forEachValueSlice(const odb_FieldBulkData& block, bool, Use use) {
+  engine::BlockSlices<Real> slices(block);
+  while (const ValueSlice<Real>* slice = slices.next()) use(*slice);
 }
 
 }  // namespace odbs::sdk

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Nodes and elements in runs, for the loops that walk millions of them. The embedded library keeps
-// them in arrays and hands those out; where a library cannot, every run is one record long. Part of
-// the adapter: callers see no difference but speed.
+// Nodes and elements in runs, for the loops that walk millions of them: runs of the library's
+// arrays, or one record long where it has none. Callers see no difference but speed.
 #pragma once
 
 #include <odb_API.h>
 
 #include <algorithm>
+
+#include "server/core/sdk_adapter.h"
 
 namespace odbs::sdk {
 
@@ -25,13 +26,10 @@ struct ElementRun {
 template <typename Use>
 void forEachNodeRun(const odb_SequenceNode& nodes, Use use) {
   const int n = nodes.size();
-#if !defined(ODBS_SDK)
-  const auto* table = nodes.engineTable();
-  if (table != nullptr && nodes.engineIndices() == nullptr) {
-    if (n > 0) use(n, table->labels, table->coordinates);
+  if (const NodeArrays arrays = nodeArrays(nodes); arrays.labels != nullptr) {
+    if (n > 0) use(n, arrays.labels, arrays.coordinates);
     return;
   }
-#endif
   for (int i = 0; i < n; ++i) {
     const odb_Node& node = nodes[i];
     const int label = node.label();
@@ -43,22 +41,19 @@ void forEachNodeRun(const odb_SequenceNode& nodes, Use use) {
 template <typename Use>
 void forEachElementRun(const odb_SequenceElement& elements, Use use) {
   const int n = elements.size();
-#if !defined(ODBS_SDK)
-  const auto* table = elements.engineTable();
-  if (table != nullptr && elements.engineIndices() == nullptr) {
+  if (const ElementArrays arrays = elementArrays(elements); arrays.labels != nullptr) {
     for (int i = 0; i < n;) {
       // Block numbers ascend, as blocks follow each other.
-      const int* rest = table->blockOf + i;
+      const int* rest = arrays.blockOf + i;
       const int end = i + static_cast<int>(std::upper_bound(rest, rest + (n - i), *rest) - rest);
       const odb_Element& first = elements[i];
       int nNodes = 0;
       const int* connectivity = first.connectivity(nNodes);
-      use(ElementRun{end - i, table->labels + i, nNodes, connectivity, first});
+      use(ElementRun{end - i, arrays.labels + i, nNodes, connectivity, first});
       i = end;
     }
     return;
   }
-#endif
   for (int i = 0; i < n; ++i) {
     const odb_Element& element = elements[i];
     const int label = element.label();

@@ -139,4 +139,55 @@ inline bool hasAnalyticSurface(const odb_RigidBody& body) {
   return isNamed([&]() -> decltype(auto) { return body.analyticSurface(); });
 }
 
+// The SDK does not document its arrays.
+inline NodeArrays nodeArrays(const odb_SequenceNode&) {
+  return {};
+}
+
+inline ElementArrays elementArrays(const odb_SequenceElement&) {
+  return {};
+}
+
+// A whole block is one slice.
+template <typename Real>
+struct ValueSlice {
+  int first = 0;
+  int n = 0;
+  const int* elementLabels = nullptr;
+  const int* nodeLabels = nullptr;
+  const int* integrationPoints = nullptr;
+  const odb_Enum::odb_ElementFaceEnum* faces = nullptr;
+  const Real* data = nullptr;
+  const Real* conjugateData = nullptr;
+  const Real* localCoordSystem = nullptr;
+};
+
+namespace detail {
+
+inline void takeNumbers(const odb_FieldBulkData& block, bool complex, ValueSlice<float>& slice) {
+  slice.data = block.data();
+  if (complex) slice.conjugateData = block.conjugateData();
+  if (block.orientationWidth() > 0) slice.localCoordSystem = block.localCoordSystem();
+}
+
+inline void takeNumbers(const odb_FieldBulkData& block, bool complex, ValueSlice<double>& slice) {
+  slice.data = block.dataDouble();
+  if (complex) slice.conjugateData = block.conjugateDataDouble();
+  if (block.orientationWidth() > 0) slice.localCoordSystem = block.localCoordSystemDouble();
+}
+
+}  // namespace detail
+
+template <typename Real, typename Use>
+void forEachValueSlice(const odb_FieldBulkData& block, bool complex, Use use) {
+  ValueSlice<Real> slice;
+  slice.n = block.length();
+  slice.elementLabels = block.elementLabels();
+  slice.nodeLabels = block.nodeLabels();
+  slice.integrationPoints = block.integrationPoints();
+  slice.faces = block.faces();
+  detail::takeNumbers(block, complex, slice);
+  use(slice);
+}
+
 }  // namespace odbs::sdk

@@ -123,14 +123,6 @@ void syncFolderOf(const std::string& path) {
   ::close(fd);
 }
 
-bool syncFile(const std::string& path) {
-  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return false;
-  const bool done = ::fsync(fd) == 0;
-  ::close(fd);
-  return done;
-}
-
 // The lock goes with the last descriptor, also when the process is killed. Where a file system has
 // no locks (errno is not EWOULDBLOCK then), creating exclusively has to do.
 int createClaimed(const std::string& path) {
@@ -178,10 +170,6 @@ void discardClaimed(int fd, const std::string& path) {
 
 bool openFilesCanBeReplaced() {
   return true;
-}
-
-std::string libraryPath(const std::string& path) {
-  return path;
 }
 
 std::string universalName(const std::string&) {

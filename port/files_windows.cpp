@@ -194,14 +194,6 @@ bool syncDescriptor(int fd) {
 
 void syncFolderOf(const std::string&) {}  // replaceFile writes through
 
-bool syncFile(const std::string& path) {
-  const int fd = ::_open(path.c_str(), _O_RDWR | _O_BINARY);
-  if (fd < 0) return false;
-  const bool done = ::_commit(fd) == 0;
-  ::_close(fd);
-  return done;
-}
-
 // The system refuses to delete or rename a file that is open in this way: an open one is claimed.
 int createClaimed(const std::string& path) {
   return ::_open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT,
@@ -242,17 +234,6 @@ void discardClaimed(int fd, const std::string& path) {
 
 bool openFilesCanBeReplaced() {
   return false;
-}
-
-std::string libraryPath(const std::string& path) {
-  const int length = static_cast<int>(path.size());
-  const int nWide = ::MultiByteToWideChar(CP_ACP, 0, path.data(), length, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(nWide), L'\0');
-  ::MultiByteToWideChar(CP_ACP, 0, path.data(), length, wide.data(), nWide);
-  const int n = ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), nWide, nullptr, 0, nullptr, nullptr);
-  std::string utf8(static_cast<std::size_t>(n), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), nWide, utf8.data(), n, nullptr, nullptr);
-  return utf8;
 }
 
 std::string universalName(const std::string& path) {

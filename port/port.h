@@ -160,14 +160,8 @@ void discardClaimed(int fd, const std::string& path);
 // process.
 void removeUnfinishedWhenInterrupted();
 
-// Makes the file's bytes durable. Returns false when the file cannot be opened or synchronised.
-bool syncFile(const std::string& path);
-
 // True where a file that is open can be replaced by renaming another one over it.
 bool openFilesCanBeReplaced();
-
-// The path for libraries that take UTF-8 on every platform.
-std::string libraryPath(const std::string& path);
 
 // The network ("universal") name of a path on a mapped drive. Returns an empty text when there is
 // none, which is always so on Linux.

@@ -32,14 +32,16 @@ std::string throughLinks(const std::string& target) {
   constexpr int kMostLinks = 40;
   std::error_code error;
   fs::path path = target;
-  for (int i = 0; i < kMostLinks && fs::is_symlink(path, error); ++i) {
+  int nLinks = 0;
+  for (; nLinks < kMostLinks && fs::is_symlink(path, error); ++nLinks) {
     path = path.parent_path() / fs::read_symlink(path, error);
   }
   const fs::file_status status = fs::status(path, error);
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     fail(odb_ERROR_CANNOT_WRITE, "cannot write " + target + ": it exists and is no ordinary file");
   }
-  return path.string();
+  // A path cannot hold every name of the system's encoding: without a link the name stays as it is.
+  return nLinks == 0 ? target : path.string();
 }
 
 }  // namespace

@@ -123,7 +123,6 @@ void testFramedThroughput(Call& call) {
 }
 
 void nameCatalogueCache(Call& call) {
-  clearCachePath();  // first: where memory runs out for the new path, the old one is not used
   setCachePath(call.arguments);
 }
 

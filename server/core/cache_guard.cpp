@@ -55,11 +55,16 @@ const std::string* cachePath() {
 }
 
 void setCachePath(const char* path) {
-  auto fresh = std::make_unique<std::string>(path);
-  {
-    const CacheGuard guard;
-    shared.cachePath.swap(fresh);
+  std::unique_ptr<std::string> fresh;
+  try {
+    fresh = std::make_unique<std::string>(path);
+  } catch (const std::bad_alloc&) {
+    clearCachePath();
+    throw;
   }
+  // In one step: a watchdog that found no path between two would leave companions behind.
+  const CacheGuard guard;
+  shared.cachePath.swap(fresh);
 }
 
 void clearCachePath() {

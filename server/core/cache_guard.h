@@ -24,7 +24,8 @@ class CacheGuard {
 
 // The path of the catalogue cache that the parent named last. Without one, `cachePath()` is null;
 // an empty path is a path. Set by the main thread; the pointer is valid until the next set or
-// clear. These three take the guard themselves.
+// clear. These three take the guard themselves. Setting throws std::bad_alloc, and then none is
+// named.
 const std::string* cachePath();
 void setCachePath(const char* path);
 void clearCachePath();

@@ -63,6 +63,22 @@ TEST_F(History, TheOverviewNamesStepsRegionsAndOutputs) {
             ask("hi "));
 }
 
+TEST_F(History, TheOverviewFlagsComplexOutputsOfTheDomains1And2Alone) {
+  const auto complexIn = [&](const char* name, odb_Enum::odb_DomainEnum domain) {
+    odb_embedded::addConjugateData(nodeOutput(step(name, domain), "R", "U1"),
+                                   floatRows({{0, 7}, {0.5F, 8}}));
+  };
+  complexIn("0", odb_Enum::TIME);
+  complexIn("1", odb_Enum::FREQUENCY);
+  complexIn("2", odb_Enum::MODAL);
+  complexIn("3", odb_Enum::ARC_LENGTH);
+  const Records records = ask("hi ");
+  ASSERT_EQ(12u, records.size());
+  for (const std::size_t domain : {0u, 1u, 2u, 3u}) {
+    EXPECT_EQ(output("U1", domain == 1 || domain == 2), records[3 * domain + 2]) << domain;
+  }
+}
+
 TEST_F(History, ValuesAreTimeValueAndConjugateForEachPoint) {
   odb_Step& only = step("Step-1", odb_Enum::FREQUENCY);
   nodeOutput(only, "Real", "U1");

@@ -115,14 +115,14 @@ TEST_F(FieldValues, SectionPointsArePickedOrServedByForm) {
 TEST_F(FieldValues, LocalDirectionsGoAheadOfEachValueInTheCapitalForm) {
   frame_.FieldOutput("S", "", odb_Enum::TENSOR_3D_FULL)
       .addData(odb_Enum::CENTROID, instance(), ints({10}), floatRows({{1, 2, 3, 4, 5, 6}}),
-               odb_SectionPoint(), floatRows({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}));
+               odb_SectionPoint(), floatRows({{0, 1, 0}, {0, 0, 1}, {1, 0, 0}}));
   select(1, 0, kStored, "S");
   EXPECT_EQ(0u, withTag(ask("rs "), '\'').size());
   const Records records = values("rS ");
   ASSERT_EQ(4u, records.size());
   ASSERT_EQ(25u, records[2].size());
   EXPECT_EQ('\'', records[2][0]);
-  const float expected[] = {0, -1, 0, 1, 0, 0};  // the first two rows
+  const float expected[] = {0, 0, 1, 1, 0, 0};  // the first two rows
   const auto* numbers = reinterpret_cast<const unsigned char*>(records[2].data()) + 1;
   for (int k = 0; k < 6; ++k) EXPECT_NEAR(expected[k], getF32(numbers + 4 * k), 1e-6) << k;
 }

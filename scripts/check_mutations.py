@@ -61,7 +61,7 @@ MUTATIONS = [
     ("the client takes the third label for the integration point",
      "client/field_values.cpp", "{0x18, {false, true, true}}", "{0x18, {true, false, true}}"),
     ("the client reads beyond a record's end",
-     "client/records/cursor.cpp", "if (n > left_ / itemBytes)", "if (n > left_ + itemBytes)"),
+     "client/records/cursor.h", "if (n > left_) failShort", "if (n > left_ + 4) failShort"),
     ("biased nodes are spread the other way round",
      "importer/deck/read_generation.cpp", "const double q = 1 / bias;", "const double q = bias;"),
     ("results at layers of a composite are taken from the element of the first layer",
